@@ -1,0 +1,20 @@
+# What every target of this project is compiled with, and the one way to add a library of a folder.
+
+add_library(tabelion_options INTERFACE)
+target_include_directories(tabelion_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
+target_compile_definitions(tabelion_options INTERFACE TABELION_VERSION="${PROJECT_VERSION}")
+target_compile_options(tabelion_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion -Wnon-virtual-dtor
+  $<$<BOOL:${TABELION_WERROR}>:-Werror>)
+
+# tabelion_library(engine SOURCES a.cpp b.cpp USES platform …)
+# One static library per folder. USES are the folders that this one may include from; the link
+# lines are the layering, so an include that runs against them does not compile or link.
+function(tabelion_library name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;USES;LIBRARIES" ${ARGN})
+  add_library(tabelion_${name} STATIC ${ARG_SOURCES})
+  target_link_libraries(tabelion_${name} PUBLIC tabelion_options ${ARG_LIBRARIES})
+  foreach(used IN LISTS ARG_USES)
+    target_link_libraries(tabelion_${name} PUBLIC tabelion_${used})
+  endforeach()
+endfunction()

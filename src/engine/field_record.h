@@ -1,0 +1,64 @@
+// The field records (records 1 to 100): per field slot the item list of a pop-up and the ranges.
+//
+//   1 type byte 22 · 22 head block · k (LE16) · m (LE16) · k × 20 item keys · m × 16 ranges ·
+//   the item texts with their NULs, in item order · 4 zero bytes
+//
+// An item key: 8 + 3 + 1 bytes, a 16-bit number, 3 bytes, 1 byte level, and the big-endian 16-bit
+// offset of the item's text from the start of the record. The first 14 bytes are the value that a
+// data record stores.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "engine/bytes.h"
+#include "engine/field_types.h"
+#include "engine/file_header.h"
+#include "engine/record_stamp.h"
+
+namespace tabelion {
+
+inline constexpr std::uint8_t kSchemaRecordType = 22;
+inline constexpr std::size_t kItemKeySize = 20;
+inline constexpr std::size_t kRangeSize = 16;
+inline constexpr std::size_t kItemLevelOffset = 17;
+inline constexpr std::size_t kItemTextOffset = 18;
+
+using ItemKey = std::array<std::uint8_t, kItemKeySize>;
+using Range = std::array<std::uint8_t, kRangeSize>;
+
+struct PopupItem {
+  ItemKey key{};     // its text offset is computed when written
+  std::string text;  // 8-bit; empty = absent, an empty text is never stored
+
+  int level() const { return key[kItemLevelOffset]; }
+  ByteView valueKey() const { return ByteView(key).first(kPopupKeySize); }
+};
+
+struct FieldRecord {
+  std::uint8_t record_type = kSchemaRecordType;
+  HeadBlock head{};
+  std::vector<PopupItem> items;  // at most kMaxItems
+  std::vector<Range> ranges;
+  Bytes surplus;  // bytes behind the closing zeros, written back as read
+
+  std::uint8_t attributes = kAttributeDirty;
+  std::array<std::uint8_t, 3> unique_id{};
+  std::uint32_t offset = 0;  // in the file, computed at the last save
+};
+
+// 31 + 20 × k + 16 × m + the texts present with their NULs (+ the surplus).
+std::size_t fieldRecordLength(const FieldRecord& field);
+void appendFieldRecord(const FieldRecord& field, Bytes& into);
+
+enum class FieldRecordRead { kRead, kNoData, kDamaged };
+// kNoData for an empty record; kDamaged for counts and offsets that the bytes do not bear out.
+// Attributes, unique ID and offset are not touched.
+[[nodiscard]] FieldRecordRead parseFieldRecord(ByteView bytes, FieldRecord& field);
+
+// The item whose value key equals the first 14 bytes of `value`; none gives nullptr.
+const PopupItem* findItem(const FieldRecord& field, ByteView value);
+
+}  // namespace tabelion

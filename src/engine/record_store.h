@@ -1,0 +1,103 @@
+// The data records of an open database, in database order, each an opaque run of bytes.
+//
+// Records as read point into the one image of the file; a record that is added or changed gets an
+// allocation of its own. 24 bytes a record beside its data.
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "engine/bytes.h"
+#include "engine/field_types.h"
+#include "engine/uid_map.h"
+#include "platform/files.h"
+
+namespace tabelion {
+
+class Record {
+ public:
+  Record() = default;
+  // A record inside the file image, which outlives it.
+  static Record borrowed(ByteView bytes) {
+    Record record;
+    record.bytes_ = bytes.data();
+    record.length_ = static_cast<std::uint32_t>(bytes.size());
+    return record;
+  }
+  // A record with bytes of its own.
+  static Record copied(ByteView bytes);
+
+  Record(Record&& other) noexcept { swap(other); }
+  Record& operator=(Record&& other) noexcept {
+    Record taken(std::move(other));
+    swap(taken);
+    return *this;
+  }
+  Record(const Record&) = delete;
+  Record& operator=(const Record&) = delete;
+  ~Record() {
+    if (owned_) delete[] bytes_;
+  }
+
+  ByteView bytes() const { return {bytes_, length_}; }
+  std::uint32_t length() const { return length_; }
+
+  std::uint32_t offset = 0;  // in the file, computed at the last save
+  UniqueId unique_id{};
+  std::uint8_t attributes = 0;
+
+  void swap(Record& other) noexcept {
+    std::swap(bytes_, other.bytes_);
+    std::swap(length_, other.length_);
+    std::swap(owned_, other.owned_);
+    std::swap(offset, other.offset);
+    std::swap(unique_id, other.unique_id);
+    std::swap(attributes, other.attributes);
+  }
+
+ private:
+  const std::uint8_t* bytes_ = nullptr;
+  std::uint32_t length_ : 31 = 0;
+  std::uint32_t owned_ : 1 = 0;
+};
+static_assert(sizeof(Record) == 24);
+
+inline constexpr std::uint32_t kNoPosition = 0xFFFFFFFFu;
+
+class RecordStore {
+ public:
+  std::uint32_t count() const { return static_cast<std::uint32_t>(records_.size()); }
+  bool isFull() const { return records_.size() >= kMaxRecords; }
+  const Record& operator[](std::uint32_t position) const { return records_[position]; }
+  Record& operator[](std::uint32_t position) { return records_[position]; }
+  auto begin() const { return records_.begin(); }
+  auto end() const { return records_.end(); }
+
+  // The image that borrowed records point into; kept until clear().
+  void adopt(FileImage image, std::size_t expected_records);
+  void addBorrowed(Record record) { records_.push_back(std::move(record)); }
+
+  // Insertion before `position` (count() appends). kNoPosition when the store is full or the
+  // record is longer than 65535 bytes; nothing has changed then.
+  std::uint32_t insert(std::uint32_t position, ByteView bytes, const UniqueId& unique_id);
+  // Keeps attributes and unique ID. False when too long.
+  [[nodiscard]] bool replace(std::uint32_t position, ByteView bytes);
+  // Takes the record out and puts it back so that it stands at `to`.
+  void move(std::uint32_t from, std::uint32_t to);
+  void remove(std::uint32_t position);
+  // Removes every record for which the mark is set; marks has count() entries.
+  void removeMarked(const std::vector<bool>& marks);
+  void clear();
+
+  // For sorting in place.
+  std::vector<Record>& records() { return records_; }
+
+ private:
+  std::vector<Record> records_;
+  FileImage image_;
+};
+
+}  // namespace tabelion

@@ -1,0 +1,26 @@
+// The clock as a value that is passed in, so that a test can move time.
+#pragma once
+
+#include <cstdint>
+
+namespace tabelion {
+
+// A moment as the calendar shows it.
+struct CalendarTime {
+  int year = 1904;  // full year
+  int month = 1;    // 1 to 12
+  int day = 1;      // 1 to 31
+  int hour = 0;     // 0 to 23
+  int minute = 0;   // 0 to 59
+  int second = 0;   // 0 to 60
+  int weekday = 0;  // 0 = Sunday … 6 = Saturday
+};
+
+class Clock {
+ public:
+  virtual ~Clock() = default;
+  virtual CalendarTime utc() = 0;
+  virtual CalendarTime local() = 0;
+};
+
+}  // namespace tabelion

@@ -1,0 +1,274 @@
+// The phone's screen as the program sees it: dialogs made from templates, message boxes, popup
+// menus. Interfaces only; one implementation draws them in a window, another replays a script for
+// tests. No toolkit type appears here, and nothing here decides anything.
+//
+// Places and sizes are in the screen's own pixels (240×320 unless the user chose another size);
+// a zoom is the implementation's business and invisible here. Texts are UTF-16.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace tabelion {
+
+using ControlId = int;
+using CommandId = int;
+
+// Commands that keys give in every dialog.
+inline constexpr CommandId kActionCommand = 1;  // the action key (Enter)
+inline constexpr CommandId kBackCommand = 2;    // the Back key, where no edit box wants it
+
+struct Point {
+  int x = 0;
+  int y = 0;
+};
+struct Size {
+  int width = 0;
+  int height = 0;
+};
+struct Rect {
+  int x = 0;
+  int y = 0;
+  int width = 0;
+  int height = 0;
+  bool operator==(const Rect&) const = default;
+};
+struct Color {
+  std::uint8_t red = 0;
+  std::uint8_t green = 0;
+  std::uint8_t blue = 0;
+  bool operator==(const Color&) const = default;
+};
+
+// Pictures that rows and icon controls show, by their resource numbers.
+enum class Picture : int {
+  kNone = 0,
+  kLogo = 101,
+  kChecked = 107,    // 13×13, a ticked box
+  kUnchecked = 108,  // 13×13, an empty box
+  kFieldText = 201,  // 20×20 icons beside form rows
+  kFieldNumber = 202,
+  kFieldPopup = 203,
+  kFieldDate = 204,
+  kFieldTime = 205,
+};
+
+enum class ControlKind {
+  kLabel,
+  kEdit,       // one line of text
+  kMultiEdit,  // several lines of text
+  kCheckBox,
+  kButton,  // gives kActivated
+  kChoice,  // one of several texts; opens below itself
+  kList,    // rows painted by the handler (ListControl)
+  kIcon,    // a picture
+  kSpin,    // a number between two bounds, stepped by keys
+};
+
+struct ControlTemplate {
+  ControlId id = 0;
+  ControlKind kind = ControlKind::kLabel;
+  std::u16string text;
+  Rect place;
+  std::u16string accessible_name;  // what a screen reader says; the text when empty
+  bool visible = true;
+  bool enabled = true;
+  bool read_only = false;  // edits: shown and selectable, not changed
+  bool right_aligned = false;
+  bool centered = false;
+  bool masked = false;  // edits: shows an asterisk per character
+  int max_length = 0;   // edits: in UTF-16 units; 0 = no bound
+  int minimum = 0;      // spins
+  int maximum = 0;
+  Picture picture = Picture::kNone;
+};
+
+struct MenuEntry {
+  CommandId command = 0;  // 0: opens `children`, or separates when there are none and no text
+  std::u16string text;
+  bool enabled = true;
+  bool checked = false;
+  std::vector<MenuEntry> children;
+};
+
+// The two soft keys. A key with children opens them as a menu, else it gives its command.
+struct MenuBar {
+  int resource = 0;
+  MenuEntry left;
+  MenuEntry right;
+};
+
+struct DialogTemplate {
+  int resource = 0;  // the dialog's number; identifies the screen to scripts and tests
+  std::u16string title;
+  std::vector<ControlTemplate> controls;
+  MenuBar menu_bar;
+};
+
+enum class TextWeight { kNormal, kSemiBold };
+
+// What a handler paints a row of a list with. Places are relative to the list's top left corner,
+// already shifted for sideways scrolling by the caller's rectangle; nothing is drawn outside it.
+class ListPainter {
+ public:
+  virtual ~ListPainter() = default;
+  virtual void fill(const Rect& area, Color color) = 0;
+  // Left- and top-aligned, one line, clipped to the area (no ellipsis).
+  virtual void text(const Rect& area, const std::u16string& text, Color color,
+                    TextWeight weight) = 0;
+  virtual void picture(Point at, Picture picture) = 0;
+};
+
+class Control {
+ public:
+  virtual ~Control() = default;
+  virtual std::u16string text() const = 0;
+  virtual void setText(const std::u16string& text) = 0;  // gives no kEdited
+  virtual bool checked() const = 0;
+  virtual void setChecked(bool checked) = 0;
+  virtual void setChoices(const std::vector<std::u16string>& texts) = 0;
+  virtual int selection() const = 0;  // choice or spin value; -1 for none
+  virtual void select(int index) = 0;
+  virtual Rect place() const = 0;
+  virtual void setPlace(const Rect& place) = 0;
+  virtual void setVisible(bool visible) = 0;
+  virtual void setEnabled(bool enabled) = 0;
+  virtual void setMasked(bool masked) = 0;
+  virtual void setFontPixels(int pixels) = 0;  // label font height; 0 = the dialog's
+  virtual void focus() = 0;
+  virtual bool hasFocus() const = 0;
+};
+
+struct ListColumn {
+  std::u16string heading;
+  int width = 0;  // pixels
+};
+
+// A report list: rows of one height, one selectable at a time, no stored items. The handler is
+// asked for each row as it becomes visible (onPaintRow) and for its text when a screen reader
+// asks (rowText).
+class ListControl : public Control {
+ public:
+  virtual void setColumns(const std::vector<ListColumn>& columns) = 0;
+  virtual const std::vector<ListColumn>& columns() const = 0;
+  virtual void setRowCount(int count) = 0;
+  virtual int rowCount() const = 0;
+  virtual void selectRow(int row) = 0;  // -1: none; scrolls it into view
+  virtual int selectedRow() const = 0;
+  virtual void scrollSideways(int pixels) = 0;  // positive: towards the last column
+  virtual void repaint() = 0;
+};
+
+class Dialog;
+
+enum class Notice {
+  kEdited,            // an edit, check box, choice or spin was changed by the user
+  kActivated,         // a button pressed, a list row double-clicked
+  kSelectionChanged,  // a list's row selected by keys or pointer
+  kFocusGained,
+  kFocusLost,
+};
+
+enum class Key {
+  kCharacter,
+  kLeft,
+  kRight,
+  kUp,
+  kDown,
+  kEnter,
+  kBack,
+  kPageUp,
+  kPageDown,
+  kHome,
+  kEnd
+};
+
+struct KeyPress {
+  Key key = Key::kCharacter;
+  char32_t character = 0;  // for kCharacter
+  ControlId control = 0;   // that had the focus
+};
+
+// What a screen does. The implementation calls these on the one user-interface thread; the dialog
+// outlives every call.
+class DialogHandler {
+ public:
+  virtual ~DialogHandler() = default;
+  // The controls of the template exist and the screen size is known; nothing is visible yet.
+  virtual void onInit(Dialog&) {}
+  // Soft keys, menu entries, kActionCommand, kBackCommand.
+  virtual void onCommand(Dialog&, CommandId) {}
+  virtual void onNotice(Dialog&, ControlId, Notice) {}
+  // A key in a list or in the dialog itself, before anything else uses it. True: consumed. Enter
+  // and Back that are not consumed become kActionCommand and kBackCommand.
+  virtual bool onKey(Dialog&, const KeyPress&) { return false; }
+  // Whether an edit box takes this character; false refuses it as it is typed.
+  virtual bool acceptsCharacter(Dialog&, ControlId, char32_t) { return true; }
+  // A soft-key menu is about to open: its entries may be rebuilt or disabled.
+  virtual void onMenuOpening(Dialog&, MenuEntry& /*soft_key*/) {}
+  virtual void onTimer(Dialog&, int /*timer*/) {}
+  virtual void onMessage(Dialog&, int /*message*/) {}  // posted with Dialog::post
+  virtual void onActivate(Dialog&) {}                  // it became the top screen again
+  virtual void onResize(Dialog&) {}                    // the screen has another size
+  virtual void onPaintRow(Dialog&, ControlId, int /*row*/, ListPainter&, const Rect&) {}
+  virtual std::u16string rowText(Dialog&, ControlId, int /*row*/) { return {}; }
+};
+
+class Dialog {
+ public:
+  virtual ~Dialog() = default;
+  virtual Size screenSize() const = 0;  // of the client area, between title and soft keys
+  virtual Size fullScreenSize() const = 0;
+  virtual int verticalDpi() const = 0;  // of the screen's own pixels; 96 unless zoomed oddly
+
+  // A control of the template or one added since; asking for an unknown id is a program fault.
+  virtual Control& control(ControlId id) = 0;
+  virtual ListControl& list(ControlId id) = 0;
+  virtual Control& addControl(const ControlTemplate& control) = 0;
+  virtual void removeControl(ControlId id) = 0;
+  // The whole form scrolls vertically when controls lie below the screen's edge; the focused
+  // control is always brought into view.
+  virtual void setContentHeight(int height) = 0;
+
+  virtual void setTitle(const std::u16string& title) = 0;
+  virtual void setMenuBar(const MenuBar& bar) = 0;
+  virtual void startTimer(int timer, int period_ms) = 0;  // restarts one that runs
+  virtual void stopTimer(int timer) = 0;
+  virtual void post(int message) = 0;  // handled after the present event
+  virtual void end(int result) = 0;    // the run returns `result` when the present call is over
+};
+
+enum class MessageIcon { kNone, kInformation, kExclamation, kQuestion, kError, kWarning };
+enum class MessageButtons { kOk, kYesNo };
+enum class MessageAnswer { kOk, kYes, kNo };
+
+struct MessageBox {
+  std::u16string text;
+  std::u16string title;
+  MessageButtons buttons = MessageButtons::kOk;
+  MessageIcon icon = MessageIcon::kNone;
+};
+
+// A window that says how far a long step is; destroyed when the step is over.
+class Progress {
+ public:
+  virtual ~Progress() = default;
+  virtual void set(int done, int total) = 0;
+};
+
+class Dialogs {
+ public:
+  virtual ~Dialogs() = default;
+  // Runs the dialog until its end and returns the result. Nests.
+  virtual int runModal(const DialogTemplate& dialog, DialogHandler& handler) = 0;
+  virtual MessageAnswer message(const MessageBox& box) = 0;
+  // The chosen entry's command, 0 when dismissed.
+  virtual CommandId popupMenu(Point at, const std::vector<MenuEntry>& entries) = 0;
+  virtual void setWaitCursor(bool on) = 0;  // counts: every on wants its off
+  virtual std::unique_ptr<Progress> progress(const std::u16string& what) = 0;
+};
+
+}  // namespace tabelion

@@ -1,0 +1,33 @@
+// A key/value store that outlives the program: one per user, one for the whole machine.
+//
+// A key is a path with backslashes ("Software\Tabelion3\Alarms"); each key holds named values
+// (8-bit text, UTF-8, or binary) and further keys. Names compare exactly.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/result.h"
+
+namespace tabelion {
+
+enum class SettingsRoot { kUser, kMachine };
+
+class Settings {
+ public:
+  virtual ~Settings() = default;
+  virtual std::optional<std::string> readText(SettingsRoot root, const std::string& key,
+                                              const std::string& name) = 0;
+  virtual Status writeText(const std::string& key, const std::string& name,
+                           const std::string& text) = 0;
+  virtual std::optional<std::vector<std::uint8_t>> readBinary(const std::string& key,
+                                                              const std::string& name) = 0;
+  virtual Status writeBinary(const std::string& key, const std::string& name,
+                             const std::vector<std::uint8_t>& bytes) = 0;
+  virtual std::vector<std::string> subKeys(const std::string& key) = 0;
+  virtual Status deleteKey(const std::string& key) = 0;  // with everything below it
+};
+
+}  // namespace tabelion
