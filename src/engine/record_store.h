@@ -20,11 +20,11 @@ namespace tabelion {
 class Record {
  public:
   Record() = default;
-  // A record inside the file image, which outlives it.
+  // A record of at most 65535 bytes inside the file image, which outlives it.
   static Record borrowed(ByteView bytes) {
     Record record;
     record.bytes_ = bytes.data();
-    record.length_ = static_cast<std::uint32_t>(bytes.size());
+    record.length_ = static_cast<std::uint16_t>(bytes.size());
     return record;
   }
   // A record with bytes of its own.
@@ -60,8 +60,8 @@ class Record {
 
  private:
   const std::uint8_t* bytes_ = nullptr;
-  std::uint32_t length_ : 31 = 0;
-  std::uint32_t owned_ : 1 = 0;
+  std::uint16_t length_ = 0;  // at most 65535 by the format
+  bool owned_ = false;
 };
 static_assert(sizeof(Record) == 24);
 
