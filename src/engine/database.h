@@ -89,7 +89,7 @@ int initDatabase(Database& database, Engine& engine);
 int openDatabase(Database& database, Engine& engine);
 
 // Rewrites the whole file at `database.path`. 1 when it was written, 0 when the old file stays.
-// Compat: the dirty flag is cleared whenever writing was begun, also when it failed
+// Compat: once writing has begun the dirty flag is cleared, also when the write fails
 // (Saving.FailedWriteClearsTheDirtyFlag); who shows the result sets it again.
 int saveDatabase(Database& database, Engine& engine);
 
@@ -99,10 +99,15 @@ void closeDatabase(Database& database);  // frees records and items
 
 int fileExists(Files& files, const std::string& path);
 
-// The file's bytes as a save writes them, as runs that point into the database; sets header,
-// offsets and, when dirty, the dirty bit of the database record. `head` receives everything
-// before the data records.
-std::vector<BytePiece> layOutDatabase(Database& database, Bytes& head);
+// The file as a save writes it: `head` owns everything before the data records, `pieces` are the
+// runs of bytes in order (head, data records, surplus) and point into `head` and the database.
+struct FileLayout {
+  Bytes head;
+  std::vector<BytePiece> pieces;
+};
+// Computes the layout and sets offsets, record count and, in a changed database, the dirty bit of
+// the database record. False when the file would pass the 4 GiB that record offsets can express.
+[[nodiscard]] bool layOutDatabase(Database& database, FileLayout& layout);
 
 // Appends a record: unique ID as given, attribute 0. With `stamp`, fields of types 6 and 10 take
 // the next auto-numbers and, when the stamping option is on, the record gets a fresh stamp (its

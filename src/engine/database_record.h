@@ -10,6 +10,7 @@
 
 #include "engine/bytes.h"
 #include "engine/field_types.h"
+#include "engine/record_io.h"
 #include "engine/record_stamp.h"
 
 namespace tabelion {
@@ -126,7 +127,7 @@ struct DatabaseRecord {
   std::array<std::uint8_t, 20> item25{};                  // 25
   std::uint16_t next_serial = 1;                          // 26
   std::uint32_t item27 = 0;                               // 27
-  std::int16_t label_width_adjustment = 0;                // 28
+  std::int32_t label_width_adjustment = 0;                // 28: signed 16-bit in the file
   std::array<std::uint8_t, 14> item29{};                  // 29
   std::uint16_t snooze_minutes = 1;                       // 30
   std::array<std::uint8_t, 6> item31{1, 0, 0, 1, 0, 1};   // 31
@@ -154,19 +155,19 @@ struct DatabaseRecord {
 // that show them in order.
 void initSchema(DatabaseRecord& schema);
 
-// The record's bytes; exactly kDatabaseRecordSize and the surplus.
-void appendDatabaseRecord(const DatabaseRecord& schema, Bytes& into);
+// Puts the record's bytes into the buffer: exactly kDatabaseRecordSize and the surplus.
+void writeDatabaseRecord(const DatabaseRecord& schema, RecordIO& to);
 // False when the bytes are fewer than the record has; the schema is then partly filled.
-[[nodiscard]] bool parseDatabaseRecord(ByteView bytes, DatabaseRecord& schema);
+[[nodiscard]] bool readDatabaseRecord(ByteView record, DatabaseRecord& schema);
 
-// For people and tools: calls `visit(item number, name, offset, size)` for every part of the
-// record in file order; `name` is empty where a part has no known meaning.
+// For people and tools: the parts of the record in file order; a part without a known meaning has
+// an empty name.
 struct DatabaseRecordPart {
   int item = 0;
   std::string_view name;
   std::size_t offset = 0;
   std::size_t size = 0;
 };
-const std::vector<DatabaseRecordPart>& databaseRecordParts();
+std::vector<DatabaseRecordPart> databaseRecordParts();
 
 }  // namespace tabelion

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "engine/bytes.h"
+#include "engine/record_io.h"
 #include "engine/record_stamp.h"
 
 namespace tabelion {
@@ -29,8 +30,8 @@ struct ExtensionRecord {
 };
 
 std::size_t extensionRecordLength(const ExtensionRecord& extension);
-void appendExtensionRecord(const ExtensionRecord& extension, Bytes& into);
+void writeExtensionRecord(const ExtensionRecord& extension, RecordIO& to);
 // False when the entry count does not fit the bytes.
-[[nodiscard]] bool parseExtensionRecord(ByteView bytes, ExtensionRecord& extension);
+[[nodiscard]] bool readExtensionRecord(ByteView record, ExtensionRecord& extension);
 
 }  // namespace tabelion

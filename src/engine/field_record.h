@@ -16,6 +16,7 @@
 #include "engine/bytes.h"
 #include "engine/field_types.h"
 #include "engine/file_header.h"
+#include "engine/record_io.h"
 #include "engine/record_stamp.h"
 
 namespace tabelion {
@@ -51,12 +52,13 @@ struct FieldRecord {
 
 // 31 + 20 × k + 16 × m + the texts present with their NULs (+ the surplus).
 std::size_t fieldRecordLength(const FieldRecord& field);
-void appendFieldRecord(const FieldRecord& field, Bytes& into);
+void writeFieldRecord(const FieldRecord& field, RecordIO& to);
 
-enum class FieldRecordRead { kRead, kNoData, kDamaged };
-// kNoData for an empty record; kDamaged for counts and offsets that the bytes do not bear out.
-// Attributes, unique ID and offset are not touched.
-[[nodiscard]] FieldRecordRead parseFieldRecord(ByteView bytes, FieldRecord& field);
+inline constexpr int kFieldRecordRead = 0;
+inline constexpr int kFieldRecordNoData = -1;   // an empty record
+inline constexpr int kFieldRecordDamaged = -2;  // counts or offsets that the bytes do not bear out
+// One of the results above. Attributes, unique ID and offset are not touched.
+[[nodiscard]] int readFieldRecord(ByteView record, FieldRecord& field);
 
 // The item whose value key equals the first 14 bytes of `value`; none gives nullptr.
 const PopupItem* findItem(const FieldRecord& field, ByteView value);

@@ -24,6 +24,7 @@ class RecordIO {
   void putBytes(ByteView bytes) { ByteWriter(buffer_).putBytes(bytes); }
   void putBe16(std::uint32_t value) { ByteWriter(buffer_).putBe16(value); }
   void putBe32(std::uint32_t value) { ByteWriter(buffer_).putBe32(value); }
+  void putLe16(std::uint32_t value) { ByteWriter(buffer_).putLe16(value); }
   int endRecord(std::uint8_t attributes, const UniqueId& unique_id);
 
   // Reading. nextRecord makes the next record the current one, enters it into the attached map

@@ -61,8 +61,9 @@ class Files {
   // Writes the pieces, in order, as the new content of `path`, in one step: whatever happens in
   // between, the file is wholly the old one or wholly the new one, flushed to the disk when this
   // returns. An error means that the old file (or its absence) is still in place. Mode, owner and
-  // a symbolic link at `path` are kept. Devices and targets that could not be opened for writing
-  // are refused with kCannotWrite.
+  // a symbolic link at `path` are kept. Devices, and targets that could not be opened for writing
+  // or have no room for a sibling, are refused with kCannotOpen before anything is written;
+  // whatever fails later is kCannotWrite.
   virtual Status replace(const std::string& path, std::span<const BytePiece> pieces) = 0;
   // Takes the advisory lock that every writing program takes before it opens `path` for changing.
   // `holder` is what the next one is told ("tabelion"); process and machine are added. kLocked

@@ -1,0 +1,299 @@
+#include "engine/database.h"
+
+#include <algorithm>
+#include <cctype>
+
+#include <fmt/format.h>
+
+#include "engine/calendar.h"
+#include "engine/packed_record.h"
+#include "engine/record_io.h"
+
+namespace tabelion {
+namespace {
+
+int runRefresh(Database& database, Engine& engine) {
+  return engine.steps.refresh ? engine.steps.refresh(database) : 1;
+}
+
+bool readFieldRecords(Database& database, RecordIOFile& reader) {
+  bool stopped = false;
+  for (FieldRecord& field : database.fields) {
+    std::uint8_t attributes = 0;
+    UniqueId unique_id{};
+    if (!reader.nextRecord(attributes, unique_id)) return false;
+    if (stopped) continue;
+    switch (readFieldRecord(reader.record(), field)) {
+      case kFieldRecordDamaged:
+        return false;
+      case kFieldRecordNoData:
+        stopped = true;  // this field and those after it keep their defaults
+        continue;
+      default:
+        field.attributes = attributes;
+        field.unique_id = unique_id;
+        break;
+    }
+  }
+  return true;
+}
+
+bool readDataRecords(Database& database, RecordIOFile& reader, FileImage image, Engine& engine) {
+  const int count = database.header.record_count - kSchemaRecords;
+  if (count < 0 || count > kMaxRecords) return false;
+  database.records.adopt(std::move(image), static_cast<std::size_t>(count));
+  for (int i = 0; i < count; ++i) {
+    std::uint8_t attributes = 0;
+    UniqueId unique_id{};
+    if (!reader.nextRecord(attributes, unique_id)) {
+      engine.message(fmt::format("ERROR:Reading Record: {}", i));
+      return false;
+    }
+    Record record = Record::borrowed(reader.record());
+    record.attributes = attributes;
+    record.unique_id = unique_id;
+    database.records.addBorrowed(std::move(record));
+  }
+  return true;
+}
+
+// Everything behind the header, from the record list on.
+bool readRecords(Database& database, RecordIOFile& reader, const FileImage& image, Engine& engine) {
+  if (database.header.record_count < kSchemaRecords) return false;
+  if (!reader.nextRecord(database.schema_attributes, database.schema_unique_id) ||
+      !readDatabaseRecord(reader.record(), database.schema) ||
+      !readFieldRecords(database, reader)) {
+    return false;
+  }
+  if (!reader.nextRecord(database.extension.attributes, database.extension.unique_id) ||
+      !readExtensionRecord(reader.record(), database.extension) ||
+      !readDataRecords(database, reader, image, engine)) {
+    return false;
+  }
+  const auto last = reader.record();
+  const ByteView file = image.span();
+  const ByteView rest =
+      file.subspan(static_cast<std::size_t>(last.data() + last.size() - file.data()));
+  database.surplus.assign(rest.begin(), rest.end());
+  if (database.row_header) setRowHeader(database, true);
+  return true;
+}
+
+void runPostLoadStep(Database& database, Engine& engine) {
+  const int index = database.schema.current_record_index;
+  if (index < kSchemaRecords || index >= database.header.record_count) {
+    database.schema.current_record_index = 0;
+    if (database.schema.sort_pending) {
+      if (engine.steps.sort_and_rebuild) engine.steps.sort_and_rebuild(database);
+      database.schema.sort_pending = 0;
+    }
+  } else if (engine.steps.restore_current_record) {
+    engine.steps.restore_current_record(database,
+                                        static_cast<std::uint32_t>(index - kSchemaRecords));
+  }
+  database.needs_refresh = true;
+  runRefresh(database, engine);
+}
+
+// Database record 0, field records 1 to 100, data records from 101: the extension record is not
+// entered, so a data record's number here is its record-list index less one.
+void rebuildUniqueIds(Database& database) {
+  UIDMap& map = database.unique_ids;
+  map.clear();
+  map.reserve(1 + kFieldSlots + database.records.count());
+  std::uint32_t index = 0;
+  map.add(database.schema_unique_id, index++);
+  for (const FieldRecord& field : database.fields) map.add(field.unique_id, index++);
+  for (const Record& record : database.records) map.add(record.unique_id, index++);
+}
+
+// Appends a run, or lengthens the last one when the bytes lie behind it in memory.
+void addPiece(std::vector<BytePiece>& pieces, ByteView bytes) {
+  if (bytes.empty()) return;
+  if (!pieces.empty() && pieces.back().data() + pieces.back().size() == bytes.data()) {
+    pieces.back() = {pieces.back().data(), pieces.back().size() + bytes.size()};
+  } else {
+    pieces.push_back(bytes);
+  }
+}
+
+// Gives every record its place in the file; the end of the last one.
+std::uint64_t assignOffsets(Database& database) {
+  std::uint64_t offset = database.header.info_offset + kInfoBlockSize;
+  const auto place = [&offset](std::uint32_t& at, std::size_t length) {
+    at = static_cast<std::uint32_t>(offset);
+    offset += length;
+  };
+  place(database.schema_offset, kDatabaseRecordSize + database.schema.surplus.size());
+  for (FieldRecord& field : database.fields) place(field.offset, fieldRecordLength(field));
+  place(database.extension.offset, extensionRecordLength(database.extension));
+  for (Record& record : database.records.records()) place(record.offset, record.length());
+  return offset;
+}
+
+}  // namespace
+
+int initDatabase(Database& database, Engine& engine) {
+  freeRecords(database);
+  database.record_index.clear();
+  for (FieldRecord& field : database.fields) field = FieldRecord{};
+  database.extension = ExtensionRecord{};
+  database.surplus.clear();
+  database.selected.reset();
+  database.unique_ids.clear();
+  initSchema(database.schema);
+  database.schema_attributes = 0;
+  database.schema_unique_id = {};
+  initHeader("", database.header);
+  database.row_header = false;
+  const int result = runRefresh(database, engine);
+  database.dirty = false;
+  database.needs_refresh = false;
+  return result;
+}
+
+int openDatabase(Database& database, Engine& engine) {
+  closeDatabase(database);
+  clearDirty(database);
+  auto image = engine.files.read(database.path);
+  if (!image.ok()) {
+    engine.message(fmt::format("ERROR: Cannot Open File: {} for reading", database.path));
+    return 0;
+  }
+  database.header = parseHeader(image->span());
+  if (database.header.creator != kCreator) {
+    engine.message("ERROR: Reading header!\nMake sure you are converting a Tabelion data file!\n");
+    return 0;
+  }
+  engine.last_probed_header = database.header;
+
+  RecordIOFile reader;
+  if (!reader.openForRead(*image, database.header.record_count, kHeaderSize)) {
+    engine.message("Could not initialize file");
+    return 0;
+  }
+  if (!readRecords(database, reader, *image, engine)) {
+    engine.message("Could not read file");
+    return 0;
+  }
+  runPostLoadStep(database, engine);
+  rebuildUniqueIds(database);
+  return 1;
+}
+
+bool layOutDatabase(Database& database, FileLayout& layout) {
+  const std::uint32_t count = database.records.count();
+  FileHeader& header = database.header;
+  header.info_offset = kRecordListEntrySize * (count + 112);
+  header.record_count = static_cast<std::uint16_t>(count + kSchemaRecords);
+  if (assignOffsets(database) + database.surplus.size() > 0xFFFFFFFFu) return false;
+  if (database.dirty) database.schema_attributes |= kAttributeDirty;
+
+  layout.head.clear();
+  layout.head.reserve(database.extension.offset + extensionRecordLength(database.extension));
+  ByteWriter writer(layout.head);
+  writeHeader(header, writer);
+  writeRecordListEntry(database.schema_offset, database.schema_attributes,
+                       database.schema_unique_id, writer);
+  for (const FieldRecord& field : database.fields) {
+    writeRecordListEntry(field.offset, field.attributes, field.unique_id, writer);
+  }
+  writeRecordListEntry(database.extension.offset, database.extension.attributes,
+                       database.extension.unique_id, writer);
+  for (const Record& record : database.records) {
+    writeRecordListEntry(record.offset, record.attributes, record.unique_id, writer);
+  }
+  writer.putZeros(kGapSize + kInfoBlockSize);
+
+  RecordIOFile records;
+  records.attachForWrite(layout.head);
+  writeDatabaseRecord(database.schema, records);
+  if (!records.endRecord(database.schema_attributes, database.schema_unique_id)) return false;
+  for (const FieldRecord& field : database.fields) {
+    writeFieldRecord(field, records);
+    if (!records.endRecord(field.attributes, field.unique_id)) return false;
+  }
+  writeExtensionRecord(database.extension, records);
+  if (!records.endRecord(database.extension.attributes, database.extension.unique_id)) return false;
+
+  layout.pieces.clear();
+  addPiece(layout.pieces, layout.head);
+  for (const Record& record : database.records) addPiece(layout.pieces, record.bytes());
+  addPiece(layout.pieces, database.surplus);
+  return true;
+}
+
+int saveDatabase(Database& database, Engine& engine) {
+  database.header.modification_date = secondsSince1904(engine.clock.utc());
+  FileLayout layout;
+  if (!layOutDatabase(database, layout)) return 0;
+  const Status written = engine.files.replace(database.path, layout.pieces);
+  if (!written.ok() && written.error().kind == ErrorKind::kCannotOpen) return 0;
+  clearDirty(database);
+  return written.ok() ? 1 : 0;
+}
+
+void freeRecords(Database& database) {
+  database.records.clear();
+  database.record_index.clear();
+}
+
+void freeFieldItems(Database& database, int slot) {
+  database.fields[static_cast<std::size_t>(slot)].items.clear();
+}
+
+void closeDatabase(Database& database) {
+  freeRecords(database);
+  for (FieldRecord& field : database.fields) field = FieldRecord{};
+  database.surplus.clear();
+}
+
+int fileExists(Files& files, const std::string& path) {
+  return files.readStart(path, 1).ok() ? 1 : 0;
+}
+
+std::uint32_t appendRecord(Database& database, Engine& engine, ByteView bytes, bool stamp,
+                           const UniqueId& unique_id) {
+  if (database.records.isFull()) return kNoPosition;
+  Bytes packed(bytes.begin(), bytes.end());
+  if (stamp) {
+    UnpackedRecord record = unpackRecord(bytes);
+    std::uint32_t next_number = database.schema.next_auto_number;
+    std::bitset<kFieldSlots> numbered;
+    for (std::size_t slot = 0; slot < kFieldSlots; ++slot) {
+      const int type = database.schema.fields[slot].type;
+      if (type != kAutoNumber && type != kLinkedField) continue;
+      record.slots[slot].emplace(4);
+      storeLe32(record.slots[slot]->data(), next_number++);
+      numbered.set(slot);
+    }
+    if (database.schema.stamping_option) {
+      const HeadBlock block =
+          makeStamp(engine.clock.local(), database.schema.next_serial, engine.random);
+      record.prefix.assign(1, kStampedPrefix);
+      record.prefix.insert(record.prefix.end(), block.begin(), block.end());
+    }
+    if (!packRecord(record, packed)) return kNoPosition;
+    if (database.schema.stamping_option) ++database.schema.next_serial;
+    database.schema.next_auto_number = next_number;
+    database.selected |= numbered;
+  }
+  const std::uint32_t position =
+      database.records.insert(database.records.count(), packed, unique_id);
+  if (position != kNoPosition) setDirty(database);
+  return position;
+}
+
+void touchStamp(Bytes& record, const CalendarTime& local) {
+  if (recordStamp(record)) storeLe24(&record[1 + 14], stampMinutes(local));
+}
+
+std::string databaseCodePage(const Database& database) {
+  std::string mark = areaText(database.schema.code_page);
+  const bool readable = std::all_of(mark.begin(), mark.end(), [](unsigned char c) {
+    return c < 0x80 && (std::isalnum(c) || c == '-' || c == '_');
+  });
+  return readable ? mark : std::string();
+}
+
+}  // namespace tabelion

@@ -1,0 +1,154 @@
+#include "engine/packed_record.h"
+
+#include <algorithm>
+
+#include "engine/schema_places.h"
+
+namespace tabelion {
+
+std::size_t prefixLength(ByteView record) {
+  if (record.empty()) return 0;
+  switch (record[0]) {
+    case 0:
+      return 1;
+    case 1:
+      return 21;
+    default:
+      return record[0] + std::size_t{1};
+  }
+}
+
+std::optional<ByteView> SlotWalker::next() {
+  if (slot_ >= kFieldSlots || record_.size() < next_ + 2) return std::nullopt;
+  const std::size_t length = loadLe16(&record_[next_]);
+  if (length == kEndOfRecord || record_.size() - next_ - 2 < length) return std::nullopt;
+  const ByteView value = record_.subspan(next_ + 2, length);
+  next_ += 2 + length;
+  ++slot_;
+  return value;
+}
+
+SlotPlace findSlot(ByteView record, int slot) {
+  SlotWalker walker(record);
+  for (int i = 0;; ++i) {
+    const auto value = walker.next();
+    if (!value) return {};
+    if (i == slot) {
+      return {static_cast<int>(value->data() - record.data()),
+              static_cast<std::uint16_t>(value->size())};
+    }
+  }
+}
+
+std::optional<ByteView> slotValue(ByteView record, int slot) {
+  const SlotPlace place = findSlot(record, slot);
+  if (!place.present()) return std::nullopt;
+  return record.subspan(static_cast<std::size_t>(place.offset), place.length);
+}
+
+std::optional<HeadBlock> recordStamp(ByteView record) {
+  HeadBlock stamp;
+  if (record.size() < 1 + stamp.size() || record[0] != kStampedPrefix) return std::nullopt;
+  std::copy_n(record.begin() + 1, stamp.size(), stamp.begin());
+  return stamp;
+}
+
+bool isRecordEncrypted(ByteView record) {
+  return record.size() > kStampFlagOffset + 1 && record[0] == kStampedPrefix &&
+         (record[1 + kStampFlagOffset] & kRecordEncrypted) != 0;
+}
+
+UnpackedRecord unpackRecord(ByteView record) {
+  UnpackedRecord unpacked;
+  if (record.empty()) return unpacked;
+  const std::size_t prefix = std::min(prefixLength(record), record.size());
+  unpacked.prefix.assign(record.begin(), record.begin() + prefix);
+  SlotWalker walker(record);
+  for (auto& slot : unpacked.slots) {
+    const auto value = walker.next();
+    if (!value) break;
+    slot.emplace(value->begin(), value->end());
+  }
+  std::size_t rest = std::min(walker.position(), record.size());
+  const bool has_end = record.size() - rest >= 2 && loadLe16(&record[rest]) == kEndOfRecord;
+  if (has_end) rest += 2;
+  unpacked.tail.assign(record.begin() + rest, record.end());
+  return unpacked;
+}
+
+bool packRecord(const UnpackedRecord& record, Bytes& into) {
+  into.clear();
+  ByteWriter writer(into);
+  writer.putBytes(record.prefix);
+  std::size_t present = record.slots.size();
+  while (present > 0 && !record.slots[present - 1]) --present;
+  for (std::size_t slot = 0; slot < present; ++slot) {
+    const auto& value = record.slots[slot];
+    const std::size_t length = value ? value->size() : 0;
+    if (length >= kEndOfRecord) return false;
+    writer.putLe16(static_cast<std::uint32_t>(length));
+    if (value) writer.putBytes(*value);
+  }
+  writer.putLe16(kEndOfRecord);
+  writer.putBytes(record.tail);
+  return into.size() <= kMaxRecordSize;
+}
+
+UnpackedRecord newRecord(const DatabaseRecord& schema) {
+  UnpackedRecord record;
+  record.prefix.assign(1 + sizeof(HeadBlock), 0);
+  record.prefix[0] = kStampedPrefix;
+  int last = -1;
+  for (int slot = 0; slot < kFieldSlots; ++slot) {
+    if (isValidType(schema.fields[static_cast<std::size_t>(slot)].type)) last = slot;
+  }
+  for (int slot = 0; slot <= last; ++slot) {
+    const FieldDefinition& field = schema.fields[static_cast<std::size_t>(slot)];
+    Bytes value;
+    switch (field.type) {
+      case kInteger:
+      case kPopup:
+      case kCheckBox:
+      case kAutoNumber:
+      case kDate:
+      case kLinkedField:
+      case kExternal:
+        value.assign(fieldValueSize(field), 0);
+        break;
+      case kTime:
+        value = {0, 0, kNoTimeHour, 0};
+        break;
+      case kNote:
+        value.assign(kNoteSize, 0);
+        break;
+      default:
+        break;  // texts, numbers as text, links: empty
+    }
+    record.slots[static_cast<std::size_t>(slot)] = std::move(value);
+  }
+  return record;
+}
+
+Bytes unpackValue(const FieldDefinition& field, ByteView stored) {
+  const std::size_t size = fieldValueSize(field);
+  Bytes value(size, 0);
+  std::size_t take = std::min(stored.size(), size);
+  switch (field.type) {
+    case kUnused:
+    case kSeparator:
+    case kLookup:
+      return {};
+    case kNote:
+      if (stored.empty() || stored[0] == 0) take = 0;
+      break;
+    case kLinkField:
+      if (stored.size() <= kLinkHeadSize) take = std::min(take, kLinkHeadSize);
+      break;
+    default:
+      break;
+  }
+  std::copy_n(stored.begin(), take, value.begin());
+  return value;
+}
+
+}  // namespace tabelion

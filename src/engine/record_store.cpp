@@ -1,0 +1,69 @@
+#include "engine/record_store.h"
+
+#include <algorithm>
+
+#include "engine/packed_record.h"
+
+namespace tabelion {
+
+Record Record::copied(ByteView bytes) {
+  Record record;
+  if (bytes.empty()) return record;
+  auto* own = new std::uint8_t[bytes.size()];
+  std::memcpy(own, bytes.data(), bytes.size());
+  record.bytes_ = own;
+  record.length_ = static_cast<std::uint16_t>(bytes.size());
+  record.owned_ = true;
+  return record;
+}
+
+void RecordStore::adopt(FileImage image, std::size_t expected_records) {
+  image_ = std::move(image);
+  records_.reserve(expected_records);
+}
+
+std::uint32_t RecordStore::insert(std::uint32_t position, ByteView bytes,
+                                  const UniqueId& unique_id) {
+  if (isFull() || bytes.size() > kMaxRecordSize || position > count()) return kNoPosition;
+  Record record = Record::copied(bytes);
+  record.unique_id = unique_id;
+  records_.insert(records_.begin() + position, std::move(record));
+  return position;
+}
+
+bool RecordStore::replace(std::uint32_t position, ByteView bytes) {
+  if (bytes.size() > kMaxRecordSize) return false;
+  Record& old = records_[position];
+  Record record = Record::copied(bytes);
+  record.unique_id = old.unique_id;
+  record.attributes = old.attributes;
+  record.offset = old.offset;
+  old = std::move(record);
+  return true;
+}
+
+void RecordStore::move(std::uint32_t from, std::uint32_t to) {
+  const auto first = records_.begin();
+  if (from < to) {
+    std::rotate(first + from, first + from + 1, first + to + 1);
+  } else {
+    std::rotate(first + to, first + from, first + from + 1);
+  }
+}
+
+void RecordStore::remove(std::uint32_t position) {
+  records_.erase(records_.begin() + position);
+}
+
+void RecordStore::removeMarked(const std::vector<bool>& marks) {
+  std::size_t index = 0;
+  std::erase_if(records_, [&](const Record&) { return marks[index++]; });
+}
+
+void RecordStore::clear() {
+  records_.clear();
+  records_.shrink_to_fit();
+  image_ = {};
+}
+
+}  // namespace tabelion
