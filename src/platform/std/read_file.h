@@ -1,0 +1,21 @@
+// Reading files whole, as fast as the machine gives memory for them.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "platform/files.h"
+#include "platform/result.h"
+
+namespace tabelion {
+
+// One open, one buffer, as few reads as the system allows. Folders and devices are refused. The
+// bytes are a copy: another program that truncates the file meanwhile cannot take them away, and a
+// file that shrinks while it is read gives what was read.
+Result<FileImage> readWholeFile(const std::string& path);
+
+Result<std::vector<std::uint8_t>> readFileStart(const std::string& path, std::size_t limit);
+
+}  // namespace tabelion
