@@ -86,7 +86,7 @@ Status MemoryFiles::replace(const std::string& path, std::span<const BytePiece> 
   if (const auto refused = refusal(path)) return *refused;
   std::vector<std::uint8_t> content;
   for (const BytePiece& piece : pieces) content.insert(content.end(), piece.begin(), piece.end());
-  if (fail_replace_at && content.size() >= *fail_replace_at) {
+  if (fail_replace_at && content.size() > *fail_replace_at) {
     return makeError(ErrorKind::kCannotWrite,
                      "Could not write " + path + ": No space left on device");
   }

@@ -1,0 +1,279 @@
+#include "platform/std/std_files.h"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+#include <filesystem>
+
+#include "platform/std/posix.h"
+#include "support/temporary_folder.h"
+
+namespace tabelion {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+
+BytePiece pieceOf(const std::string& text) {
+  return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
+}
+
+Status replaceWith(StdFiles& files, const std::string& path, const std::string& text) {
+  const BytePiece piece = pieceOf(text);
+  return files.replace(path, {&piece, 1});
+}
+
+std::string textOf(const FileImage& image) {
+  return {reinterpret_cast<const char*>(image.bytes.get()), image.size};
+}
+
+mode_t modeOf(const std::string& path) {
+  struct stat status {};
+  return ::stat(path.c_str(), &status) == 0 ? status.st_mode & 07777 : 0;
+}
+
+class FilesTest : public testing::Test {
+ protected:
+  TemporaryFolder folder;
+  StdFiles files;
+};
+
+// Root may write everything; what is about rights runs as another user in a child process.
+template <class Action>
+bool holdsWithoutRights(Action action) {
+  const pid_t child = ::fork();
+  if (child == 0) {
+    if (::getuid() == 0 && (::setgid(65534) != 0 || ::setuid(65534) != 0)) ::_exit(2);
+    ::_exit(action() ? 0 : 1);
+  }
+  int status = 0;
+  ::waitpid(child, &status, 0);
+  return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+TEST_F(FilesTest, ReadGivesEveryByteAtEverySize) {
+  for (const std::size_t size : {std::size_t{0}, std::size_t{1}, std::size_t{(2 << 20) - 1},
+                                 std::size_t{2 << 20}, std::size_t{(5 << 20) + 4097}}) {
+    std::string bytes(size, '\0');
+    for (std::size_t i = 0; i < size; ++i) bytes[i] = static_cast<char>(i * 31 + (i >> 12));
+    const std::string path = folder.write("file", bytes);
+    const auto whole = files.read(path);
+    ASSERT_TRUE(whole.ok());
+    EXPECT_TRUE(textOf(*whole) == bytes) << size;
+    EXPECT_EQ(files.readStart(path, 78)->size(), std::min<std::size_t>(size, 78));
+  }
+}
+
+TEST_F(FilesTest, ReadRefusesWhatIsNoFile) {
+  EXPECT_EQ(files.read(folder / "none").error().kind, ErrorKind::kNotFound);
+  ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
+  for (const std::string& path : {folder.path(), folder / "pipe", std::string("/dev/zero")}) {
+    const auto result = files.read(path);
+    ASSERT_FALSE(result.ok()) << path;
+    EXPECT_EQ(result.error().kind, ErrorKind::kCannotOpen);
+    EXPECT_THAT(result.error().text, HasSubstr(path));
+  }
+}
+
+TEST_F(FilesTest, ReplaceJoinsManyPieces) {
+  // More pieces than one system call takes; some touch in memory and some are empty.
+  std::string all;
+  for (int i = 0; i < 9000; ++i) all += std::to_string(i) + ";";
+  std::vector<BytePiece> pieces;
+  std::string expected;
+  for (std::size_t i = 0; i + 10 < all.size(); i += 10) {
+    const bool gap = i % 30 == 0;
+    pieces.push_back(pieceOf(all).subspan(i, gap ? 7 : 10));
+    pieces.push_back({});
+    expected += all.substr(i, gap ? 7 : 10);
+  }
+  const std::string path = folder.write("file", "old");
+  ASSERT_TRUE(files.replace(path, pieces).ok());
+  EXPECT_EQ(folder.read("file"), expected);
+  EXPECT_EQ(folder.count(), 1u);
+}
+
+TEST_F(FilesTest, ReplaceKeepsModeOwnerAndAttributes) {
+  const std::string path = folder.write("file", "old");
+  const bool has_attributes = ::setxattr(path.c_str(), "user.note", "mine", 4, 0) == 0;
+  if (::getuid() == 0) {
+    ASSERT_EQ(::chown(path.c_str(), 1234, 4321), 0);
+  }
+  ASSERT_EQ(::chmod(path.c_str(), 04640), 0);
+  ASSERT_TRUE(replaceWith(files, path, "new").ok());
+  EXPECT_EQ(folder.read("file"), "new");
+  struct stat status {};
+  ASSERT_EQ(::stat(path.c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 07777, 04640u);
+  if (::getuid() == 0) {
+    EXPECT_EQ(status.st_uid, 1234u);
+    EXPECT_EQ(status.st_gid, 4321u);
+  }
+  char value[8] = {};
+  if (has_attributes) {
+    EXPECT_EQ(::getxattr(path.c_str(), "user.note", value, sizeof value), 4);
+  }
+}
+
+TEST_F(FilesTest, NewFileFollowsTheMask) {
+  const mode_t mask = ::umask(027);
+  ASSERT_TRUE(replaceWith(files, folder / "new", "text").ok());
+  ::umask(mask);
+  EXPECT_EQ(modeOf(folder / "new"), 0640u);
+}
+
+TEST_F(FilesTest, ReplaceWritesThroughLinks) {
+  fs::create_directory(folder / "real");
+  folder.write("real/file", "old");
+  fs::create_symlink("real/file", folder / "first");
+  fs::create_symlink(folder / "first", folder / "second");
+  fs::create_symlink("real/later", folder / "dangling");
+  ASSERT_TRUE(replaceWith(files, folder / "second", "new").ok());
+  ASSERT_TRUE(replaceWith(files, folder / "dangling", "made").ok());
+  EXPECT_TRUE(fs::is_symlink(folder / "first") && fs::is_symlink(folder / "second"));
+  EXPECT_EQ(folder.read("real/file"), "new");
+  EXPECT_EQ(folder.read("real/later"), "made");
+  fs::create_symlink("loop", folder / "loop");
+  EXPECT_FALSE(replaceWith(files, folder / "loop", "x").ok());
+}
+
+TEST_F(FilesTest, ReplaceRefusesWhatIsNoFile) {
+  for (const std::string& path : {folder.path(), std::string("/dev/null"), folder / "no/file"}) {
+    const Status result = replaceWith(files, path, "new");
+    ASSERT_FALSE(result.ok()) << path;
+    EXPECT_EQ(result.error().kind, ErrorKind::kCannotWrite);
+  }
+  struct stat status {};
+  ASSERT_EQ(::stat("/dev/null", &status), 0);
+  EXPECT_TRUE(S_ISCHR(status.st_mode));
+}
+
+TEST_F(FilesTest, ReplaceRefusesProtectedFiles) {
+  // The folder would let it be replaced; the file itself says no.
+  const std::string path = folder.write("file", "old");
+  ASSERT_EQ(::chmod(folder.path().c_str(), 0777), 0);
+  ASSERT_EQ(::chmod(path.c_str(), 0444), 0);
+  EXPECT_TRUE(holdsWithoutRights([&] { return !replaceWith(files, path, "new").ok(); }));
+  if (::getuid() == 0) {
+    // Writable for all, but its owner could not be kept.
+    ASSERT_EQ(::chmod(path.c_str(), 0666), 0);
+    EXPECT_TRUE(holdsWithoutRights([&] {
+      const Status result = replaceWith(files, path, "new");
+      return !result.ok() && result.error().text.find("owner") != std::string::npos;
+    }));
+  }
+  EXPECT_EQ(folder.read("file"), "old");
+  EXPECT_EQ(folder.count(), 1u);
+}
+
+TEST_F(FilesTest, ReplaceClearsWhatAKilledWriterLeft) {
+  const std::string path = folder.write("file", "old");
+  folder.write(".file.saving", "half of someth");
+  ASSERT_TRUE(replaceWith(files, path, "new").ok());
+  EXPECT_EQ(folder.read("file"), "new");
+  EXPECT_EQ(folder.count(), 1u);
+}
+
+TEST_F(FilesTest, ReplaceLeavesAWriterAlone) {
+  const std::string path = folder.write("file", "old");
+  const std::string sibling = folder.write(".file.saving", "being wri");
+  const FileDescriptor writer(::open(sibling.c_str(), O_WRONLY | O_CLOEXEC));
+  ASSERT_EQ(::flock(writer.get(), LOCK_EX), 0);
+  EXPECT_FALSE(replaceWith(files, path, "new").ok());
+  EXPECT_EQ(folder.read("file"), "old");
+  EXPECT_EQ(folder.read(".file.saving"), "being wri");
+}
+
+TEST_F(FilesTest, LongNamesKeepApartSiblings) {
+  const std::string one = folder / (std::string(254, 'n') + "1");
+  const std::string two = folder / (std::string(254, 'n') + "2");
+  ASSERT_TRUE(replaceWith(files, one, "one").ok());
+  ASSERT_TRUE(replaceWith(files, two, "two").ok());
+  const auto lock_one = files.lock(one, "test");
+  const auto lock_two = files.lock(two, "test");
+  EXPECT_TRUE(lock_one.ok() && lock_two.ok());
+  EXPECT_NE(siblingPath(one, "lock"), siblingPath(two, "lock"));
+  EXPECT_EQ(textOf(*files.read(one)), "one");
+}
+
+TEST_F(FilesTest, ListIsSortedAndKnowsFolders) {
+  folder.write("b.pdb", "1");
+  fs::create_directory(folder / "c");
+  fs::create_directory_symlink("c", folder / "a");
+  const auto entries = files.list(folder.path());
+  ASSERT_TRUE(entries.ok());
+  std::string shown;
+  for (const FolderEntry& entry : *entries) shown += entry.name + (entry.is_folder ? "/ " : " ");
+  EXPECT_EQ(shown, "a/ b.pdb c/ ");
+  EXPECT_EQ(files.list(folder / "none").error().kind, ErrorKind::kNotFound);
+}
+
+TEST_F(FilesTest, CopyAndMoveOverwriteOnlyWhenTold) {
+  const std::string from = folder.write("from", "text");
+  ASSERT_EQ(::chmod(from.c_str(), 0444), 0);
+  const std::string there = folder.write("there", "precious");
+  EXPECT_FALSE(files.copy(from, there, false).ok());
+  EXPECT_FALSE(files.move(from, there).ok());
+  EXPECT_EQ(folder.read("there"), "precious");
+  ASSERT_TRUE(files.copy(from, folder / "copy", false).ok());
+  EXPECT_TRUE(modeOf(folder / "copy") & 0200);
+  ASSERT_TRUE(files.copy(from, there, true).ok());
+  EXPECT_EQ(folder.read("there"), "text");
+  ASSERT_TRUE(files.move(from, folder / "moved").ok());
+  EXPECT_FALSE(fs::exists(from));
+  EXPECT_EQ(files.move(from, folder / "x").error().kind, ErrorKind::kNotFound);
+  EXPECT_EQ(files.info(folder / "moved")->size, 4u);
+  ASSERT_TRUE(files.makeFolder(folder / "p/q/r").ok());
+  EXPECT_TRUE(files.makeFolder(folder / "p/q").ok());
+  EXPECT_FALSE(files.makeFolder(folder / "copy").ok());
+  EXPECT_FALSE(files.remove(folder / "p").ok());  // not empty
+  EXPECT_TRUE(files.remove(folder / "p/q/r").ok());
+}
+
+TEST_F(FilesTest, MoveAcrossFileSystemsKeepsModeAndTimes) {
+  struct stat here {};
+  struct stat memory {};
+  if (::stat("/dev/shm", &memory) != 0 || ::stat(folder.path().c_str(), &here) != 0 ||
+      memory.st_dev == here.st_dev || ::access("/dev/shm", W_OK) != 0) {
+    GTEST_SKIP() << "needs a second file system at /dev/shm";
+  }
+  const std::string from = folder.write("file", "text");
+  const std::string target = "/dev/shm/" + fs::path(folder.path()).filename().string();
+  ASSERT_EQ(::chmod(from.c_str(), 0604), 0);
+  const timespec times[2] = {{1000000000, 0}, {1000000000, 0}};
+  ASSERT_EQ(::utimensat(AT_FDCWD, from.c_str(), times, 0), 0);
+  ASSERT_TRUE(files.move(from, target).ok());
+  EXPECT_EQ(files.info(target)->modified, 1000000000);
+  EXPECT_EQ(modeOf(target), 0604u);
+  EXPECT_EQ(textOf(*files.read(target)), "text");
+  EXPECT_EQ(folder.count(), 0u);
+  fs::remove(target);
+}
+
+TEST_F(FilesTest, DocumentsFolderFollowsTheDesktop) {
+  const std::string old_home = ::getenv("HOME") ? ::getenv("HOME") : "/";
+  ::setenv("HOME", folder.path().c_str(), 1);
+  ::setenv("XDG_CONFIG_HOME", (folder / "config").c_str(), 1);
+  EXPECT_EQ(files.documentsFolder(Volume::kMain), folder / "Documents");
+  fs::create_directory(folder / "config");
+  folder.write(
+      "config/user-dirs.dirs",
+      "# folders\nXDG_MUSIC_DIR=\"$HOME/m\"\nXDG_DOCUMENTS_DIR=\"$HOME/My \\\"Papers\\\"\"\n");
+  EXPECT_EQ(files.documentsFolder(Volume::kMain), folder / "My \"Papers\"");
+  folder.write("config/user-dirs.dirs", "XDG_DOCUMENTS_DIR=\"$HOME/\"\n");  // means: none
+  EXPECT_EQ(files.documentsFolder(Volume::kMain), folder / "Documents");
+  ::setenv("HOME", old_home.c_str(), 1);
+  ::unsetenv("XDG_CONFIG_HOME");
+  StdFiles chosen({"/some/where/", "/card"});
+  EXPECT_EQ(chosen.documentsFolder(Volume::kMain), "/some/where");
+  EXPECT_EQ(chosen.documentsFolder(Volume::kCard), "/card");
+}
+
+}  // namespace
+}  // namespace tabelion
