@@ -107,16 +107,6 @@ void rebuildUniqueIds(Database& database) {
   for (const Record& record : database.records) map.add(record.unique_id, index++);
 }
 
-// Appends a run, or lengthens the last one when the bytes lie behind it in memory.
-void addPiece(std::vector<BytePiece>& pieces, ByteView bytes) {
-  if (bytes.empty()) return;
-  if (!pieces.empty() && pieces.back().data() + pieces.back().size() == bytes.data()) {
-    pieces.back() = {pieces.back().data(), pieces.back().size() + bytes.size()};
-  } else {
-    pieces.push_back(bytes);
-  }
-}
-
 // Gives every record its place in the file; the end of the last one.
 std::uint64_t assignOffsets(Database& database) {
   std::uint64_t offset = database.header.info_offset + kInfoBlockSize;
@@ -217,9 +207,10 @@ bool layOutDatabase(Database& database, FileLayout& layout) {
   if (!records.endRecord(database.extension.attributes, database.extension.unique_id)) return false;
 
   layout.pieces.clear();
-  addPiece(layout.pieces, layout.head);
-  for (const Record& record : database.records) addPiece(layout.pieces, record.bytes());
-  addPiece(layout.pieces, database.surplus);
+  layout.pieces.reserve(count + 2);
+  layout.pieces.push_back(layout.head);
+  for (const Record& record : database.records) layout.pieces.push_back(record.bytes());
+  layout.pieces.push_back(database.surplus);
   return true;
 }
 
@@ -228,7 +219,7 @@ int saveDatabase(Database& database, Engine& engine) {
   FileLayout layout;
   if (!layOutDatabase(database, layout)) return 0;
   const Status written = engine.files.replace(database.path, layout.pieces);
-  if (!written.ok() && written.error().kind == ErrorKind::kCannotOpen) return 0;
+  if (!written.ok() && written.error().kind == ErrorKind::kRefused) return 0;
   clearDirty(database);
   return written.ok() ? 1 : 0;
 }

@@ -42,8 +42,8 @@ struct Engine {
   Clock& clock;
   RandomSource random;
   std::function<void(const std::string&)> message = [](const std::string&) {};
-  RefreshSteps steps;
-  FileHeader last_probed_header;
+  RefreshSteps steps = {};
+  FileHeader last_probed_header = {};
 };
 
 struct Database {

@@ -62,7 +62,7 @@ class Files {
   // between, the file is wholly the old one or wholly the new one, flushed to the disk when this
   // returns. An error means that the old file (or its absence) is still in place. Mode, owner and
   // a symbolic link at `path` are kept. Devices, and targets that could not be opened for writing
-  // or have no room for a sibling, are refused with kCannotOpen before anything is written;
+  // or have no room for a sibling, are refused with kRefused before anything is written;
   // whatever fails later is kCannotWrite.
   virtual Status replace(const std::string& path, std::span<const BytePiece> pieces) = 0;
   // Takes the advisory lock that every writing program takes before it opens `path` for changing.

@@ -12,7 +12,7 @@ TEST(Calendar, EveryFourthYearIsALeapYear) {
   EXPECT_EQ(daysSince1904(1, 1, 1905), 366u);
   EXPECT_EQ(daysSince1904(3, 1, 2000) - daysSince1904(2, 28, 2000), 2u);
   EXPECT_EQ(daysSince1904(3, 1, 2100) - daysSince1904(2, 28, 2100), 2u);
-  EXPECT_EQ(daysSince1904(11, 22, 2040), 50000u - 1 + 1 - 0) << "day 50000 is 2040-11-22";
+  EXPECT_EQ(daysSince1904(11, 22, 2040), 50000u) << "day 50000 is 2040-11-22";
   EXPECT_EQ(daysSince1904(2, 31, 2023), daysSince1904(3, 3, 2023)) << "days carry over";
 }
 

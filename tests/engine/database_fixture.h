@@ -44,7 +44,7 @@ class DatabaseFixture : public ::testing::Test {
     database.path = kPath;
     return openDatabase(database, engine);
   }
-  Bytes file() { return files.content(kPath); }
+  Bytes file() { return files.bytes(kPath); }
   void setFile(const Bytes& bytes) { files.put(kPath, bytes); }
 
   static std::size_t entryPlace(int record) { return 78 + 8 * static_cast<std::size_t>(record); }
@@ -64,7 +64,7 @@ class DatabaseFixture : public ::testing::Test {
     }
   }
 
-  static constexpr const char* kPath = "/db/Test.PDB";
+  static constexpr const char* kPath = "/Test.PDB";
   MemoryFiles files;
   FakeClock clock;
   std::minstd_rand random{7};

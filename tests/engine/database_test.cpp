@@ -21,14 +21,14 @@ TEST_F(Saving, NewDatabaseHasTheFixedLayout) {
 }
 
 TEST_F(Saving, StampsTheModificationDateInUtcAndMarksChanges) {
-  clock.utc_time = {.year = 2100, .month = 3, .day = 1, .hour = 1, .minute = 2, .second = 3};
+  clock.utc_now = {.year = 2100, .month = 3, .day = 1, .hour = 1, .minute = 2, .second = 3};
   database.header.creation_date = 0xFFFFFFF0u;
   database.schema_unique_id = {1, 2, 3};
   setDirty(database);
   save();
   EXPECT_FALSE(isDirty(database));
   const Bytes bytes = file();
-  EXPECT_EQ(loadBe32(&bytes[40]), static_cast<std::uint32_t>(71648ull * 86400 + 3723));
+  EXPECT_EQ(loadBe32(&bytes[40]), static_cast<std::uint32_t>(71649ull * 86400 + 3723));
   EXPECT_EQ(loadBe32(&bytes[36]), loadBe32(&bytes[40])) << "creation date lowered";
   EXPECT_EQ(bytes[entryPlace(0) + 4], 0x40);
   EXPECT_EQ(Bytes(&bytes[entryPlace(0) + 5], &bytes[entryPlace(0) + 8]), (Bytes{3, 2, 1}));
@@ -81,14 +81,15 @@ TEST_F(Saving, FailedWriteClearsTheDirtyFlag) {
   const Bytes old = file();
   addField(0, kText, "Name");
   addText("lost?");
-  files.failReplace(ErrorKind::kCannotOpen);
+  files.read_only.insert(kPath);
   EXPECT_EQ(saveDatabase(database, engine), 0);
   EXPECT_TRUE(isDirty(database));
-  files.failReplace(ErrorKind::kCannotWrite);
+  files.read_only.clear();
+  files.fail_replace_at = 5000;
   EXPECT_EQ(saveDatabase(database, engine), 0);
   EXPECT_FALSE(isDirty(database));
   EXPECT_EQ(file(), old);
-  files.failReplace(std::nullopt);
+  files.fail_replace_at.reset();
   save();
   ASSERT_EQ(open(), 1);
   EXPECT_EQ(database.records.count(), 1u);
@@ -97,7 +98,7 @@ TEST_F(Saving, FailedWriteClearsTheDirtyFlag) {
 TEST_F(Opening, MissingFileAndForeignFileAreReported) {
   EXPECT_EQ(open(), 0);
   EXPECT_EQ(messages,
-            std::vector<std::string>{"ERROR: Cannot Open File: /db/Test.PDB for reading"});
+            std::vector<std::string>{"ERROR: Cannot Open File: /Test.PDB for reading"});
   EXPECT_EQ(database.records.count(), 0u);
   setFile(Bytes(500, 0));
   EXPECT_EQ(open(), 0);

@@ -9,7 +9,7 @@ TEST_F(Store, NewRecordsGetNumbersAndStamps) {
   addField(0, kText, "Name");
   addField(1, kAutoNumber, "No");
   addField(2, kLinkedField, "Tasks");
-  clock.local_time = {.year = 2026, .month = 11, .day = 21, .hour = 3, .minute = 7};
+  clock.local_now = {.year = 2026, .month = 11, .day = 21, .hour = 3, .minute = 7};
   ASSERT_EQ(addText("one"), 0u);
   ASSERT_EQ(addText("two"), 1u);
   const auto number = [this](std::uint32_t position, int slot) {
@@ -28,7 +28,7 @@ TEST_F(Store, NewRecordsGetNumbersAndStamps) {
   EXPECT_EQ(stampSerial(*stamp), 2);
   EXPECT_EQ((*stamp)[13], 2) << "the serial is big-endian";
   EXPECT_EQ(stampCreated(*stamp), stampModified(*stamp));
-  EXPECT_EQ(stampTime(stampCreated(*stamp), clock.local_time).minute, 7);
+  EXPECT_EQ(stampTime(stampCreated(*stamp), clock.local_now).minute, 7);
   EXPECT_NE(
       Bytes(stamp->begin(), stamp->begin() + 8),
       Bytes(database.records[0].bytes().begin() + 1, database.records[0].bytes().begin() + 9));

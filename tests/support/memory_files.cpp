@@ -83,7 +83,7 @@ Result<std::vector<std::uint8_t>> MemoryFiles::readStart(const std::string& path
 }
 
 Status MemoryFiles::replace(const std::string& path, std::span<const BytePiece> pieces) {
-  if (const auto refused = refusal(path)) return *refused;
+  if (const auto refused = refusal(path)) return makeError(ErrorKind::kRefused, refused->text);
   std::vector<std::uint8_t> content;
   for (const BytePiece& piece : pieces) content.insert(content.end(), piece.begin(), piece.end());
   if (fail_replace_at && content.size() > *fail_replace_at) {

@@ -228,7 +228,7 @@ Status Replacement::commit() {
 
 Status replaceFile(const std::string& path, std::span<const BytePiece> pieces) {
   Result<Replacement> replacement = Replacement::begin(path, Existing::kReplace);
-  if (!replacement) return replacement.error();
+  if (!replacement) return makeError(ErrorKind::kRefused, replacement.error().text);
   if (Status written = replacement->append(pieces); !written) return written;
   return replacement->commit();
 }
