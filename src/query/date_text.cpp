@@ -1,0 +1,124 @@
+#include "query/date_text.h"
+
+#include <algorithm>
+
+#include "query/number_text.h"
+#include "query/typed_tokens.h"
+
+namespace tabelion {
+namespace {
+
+constexpr int kPivotYear = 6;  // two-digit years below it are 20xx, from it on 19xx
+constexpr std::string_view kNoDateWord = "no date";
+
+void appendPart(std::string& into, DatePart part, const CalendarDate& date) {
+  switch (part) {
+    case DatePart::kNothing:
+      break;
+    case DatePart::kMonth:
+      appendInteger(into, date.month);
+      break;
+    case DatePart::kMonth2:
+      appendPadded(into, date.month, 2);
+      break;
+    case DatePart::kDay:
+      appendInteger(into, date.day);
+      break;
+    case DatePart::kDay2:
+      appendPadded(into, date.day, 2);
+      break;
+    case DatePart::kYear2:
+      appendPadded(into, date.year % 100, 2);
+      break;
+    case DatePart::kYear4:
+      appendPadded(into, date.year, 4);
+      break;
+  }
+}
+
+struct DateTokens {
+  std::string_view month;
+  std::string_view day;
+  std::string_view year;
+  std::string_view rest;
+};
+
+DateTokens splitDate(std::string_view text, const FormatSettings& settings) {
+  const TypedDateForm form = typedDateForm(settings.choices.date_format);
+  const TypedTokens typed = splitTyped(text, form.separator);
+  const auto& [a, b, c] = typed.tokens;
+  switch (form.order) {
+    case DateOrder::kDayMonthYear:
+      return {b, a, c, typed.rest};
+    case DateOrder::kYearMonthDay:
+      return {b, c, a, typed.rest};
+    default:
+      return {a, b, c, typed.rest};
+  }
+}
+
+int fullYear(std::int64_t year) {
+  if (year < kPivotYear)
+    year += 2000;
+  else if (year <= 99)
+    year += 1900;
+  return static_cast<int>(std::clamp<std::int64_t>(year, INT32_MIN, INT32_MAX));
+}
+
+int clampedPart(std::string_view token, int most) {
+  const std::int64_t value = leadingInteger(token);
+  return value >= 1 && value <= most ? static_cast<int>(value) : 1;
+}
+
+}  // namespace
+
+void appendDate(std::string& into, const CalendarDate& date, const DatePattern& pattern) {
+  if (date.month <= 1 && date.day <= 1 && date.year <= kFirstYear) {
+    into += kNoDateText;
+    return;
+  }
+  appendPart(into, pattern.parts[0], date);
+  into += pattern.separator;
+  appendPart(into, pattern.parts[1], date);
+  into += pattern.separator;
+  appendPart(into, pattern.parts[2], date);
+}
+
+void appendDate(std::string& into, std::uint32_t days, const DatePattern& pattern) {
+  appendDate(into, dateOfDayCount(days), pattern);
+}
+
+std::string dateText(const CalendarDate& date, const FormatSettings& settings) {
+  std::string text;
+  appendDate(text, date, settings.show_date);
+  return text;
+}
+
+std::string dateText(std::uint32_t days, const FormatSettings& settings) {
+  return dateText(dateOfDayCount(days), settings);
+}
+
+CalendarDate dateOfText(std::string_view text, const FormatSettings& settings) {
+  if (text.empty() || containsAnyCase(text, kNoDateWord)) return {};
+  const DateTokens tokens = splitDate(text, settings);
+  CalendarDate date;
+  date.month = clampedPart(tokens.month, 12);
+  date.day = clampedPart(tokens.day, 31);
+  date.year = fullYear(leadingInteger(tokens.year));
+  return date;
+}
+
+bool isExactDate(std::string_view text, const FormatSettings& settings) {
+  if (text.empty() || text == kNoDateText) return true;
+  const DateTokens tokens = splitDate(text, settings);
+  if (!isDigits(tokens.month, 2) || !isDigits(tokens.day, 2) || !isDigits(tokens.year, 4) ||
+      !tokens.rest.empty()) {
+    return false;
+  }
+  const CalendarDate date = dateOfText(text, settings);
+  return leadingInteger(tokens.month) == date.month && leadingInteger(tokens.day) == date.day &&
+         date.year >= kFirstYear &&
+         dateOfDayCount(daysSince1904(date.month, date.day, date.year)) == date;
+}
+
+}  // namespace tabelion

@@ -1,0 +1,38 @@
+// Dates as text and back. A date value is a count of days from 1904-01-01, which itself (day 0)
+// means no date; so 1904-01-02 is the first date there is.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "engine/calendar.h"
+#include "query/format_settings.h"
+
+namespace tabelion {
+
+inline constexpr std::string_view kNoDateText = "NO DATE";
+
+// Results of reading a date or a time.
+inline constexpr int kParseAccepted = 0;
+inline constexpr int kParseRefused = -1;
+
+void appendDate(std::string& into, const CalendarDate& date, const DatePattern& pattern);
+void appendDate(std::string& into, std::uint32_t days, const DatePattern& pattern);
+
+// As screens show it, by the locale's pattern.
+std::string dateText(const CalendarDate& date, const FormatSettings& settings);
+std::string dateText(std::uint32_t days, const FormatSettings& settings);
+
+// What a person typed, by the order and separator of the user's choice. Never fails: an empty text
+// and one with "NO DATE" are 1/1/1904 (no date); a month or day that is none becomes 1, and the
+// day is not checked against the month's length.
+// Compat: two-digit years turn at 6, 05 is 2005 and 06 is 1906 (DateText.TypedDatesAreClamped).
+CalendarDate dateOfText(std::string_view text, const FormatSettings& settings);
+
+// Whether the text is a date just as it stands: three numbers in the order of the user's choice
+// and nothing else, a day that the month has, a year from 1904 to 9999, or no date. For input that
+// nobody looks at again, where a clamped date would go unnoticed.
+bool isExactDate(std::string_view text, const FormatSettings& settings);
+
+}  // namespace tabelion

@@ -1,0 +1,268 @@
+#include "query/field_text.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstring>
+
+#include "engine/packed_record.h"
+#include "query/date_text.h"
+#include "query/number_text.h"
+#include "query/text_cut.h"
+#include "query/time_text.h"
+
+namespace tabelion {
+namespace {
+
+constexpr std::size_t kHasValueCapacity = 129;  // 128 characters decide
+constexpr double kLargestCount = 9e15;          // whole numbers that a double holds exactly
+
+// How the dates and times of one text are written.
+struct Patterns {
+  const DatePattern& date;
+  const TimePattern& time;
+};
+
+std::string_view asText(ByteView bytes) {
+  return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
+bool isSlot(int slot) {
+  return slot >= 0 && slot < kFieldSlots;
+}
+
+void appendPopup(std::string& into, const FieldRecord& items, ByteView value) {
+  std::array<std::uint8_t, kPopupKeySize> padded{};
+  if (value.size() < padded.size()) {
+    std::copy(value.begin(), value.end(), padded.begin());
+    value = padded;
+  }
+  const PopupItem* item = findItem(items, value);
+  into += item ? std::string_view(item->text) : kNoValueText;
+}
+
+// A result is stored as number text; times and dates among them are shown as such.
+void appendResult(std::string& into, const FieldDefinition& field, ByteView value,
+                  const FormatSettings& settings, const Patterns& patterns) {
+  const std::string_view stored = storedText(value);
+  switch (effectiveType(field)) {
+    case kFloat:
+    case kInteger:
+      into += stored;
+      return;
+    case kTime: {
+      const double seconds = numberOfText(stored, settings.choices.decimal_comma);
+      if (!(std::fabs(seconds) <= kLargestCount)) break;
+      appendDuration(into, static_cast<std::int64_t>(seconds));
+      return;
+    }
+    case kDate: {
+      const double days = numberOfText(stored, settings.choices.decimal_comma);
+      if (!(days > -1.0 && days <= static_cast<double>(UINT32_MAX))) break;
+      appendDate(into, static_cast<std::uint32_t>(days), patterns.date);
+      return;
+    }
+    default:
+      break;
+  }
+  into += kResultErrorText;
+}
+
+// False for types without a text form.
+bool appendTyped(std::string& into, const FieldDefinition& field, const FieldRecord& items,
+                 ByteView value, const FormatSettings& settings, const Patterns& patterns,
+                 bool raw) {
+  switch (field.type) {
+    case kText:
+    case kFloat:
+    case kLongText:
+    case kTextVariant:
+    case kText254:
+      into += storedText(value);
+      return true;
+    case kExternal:
+    case kLookup:
+      return true;
+    case kUnused:
+    case kNote:
+    case kSeparator:
+      return false;
+    default:
+      break;
+  }
+  if (value.empty()) return isValidType(field.type);
+  switch (field.type) {
+    case kInteger:
+    case kAutoNumber:
+      appendInteger(into, static_cast<std::int32_t>(numberOfValue(value)));
+      return true;
+    case kPopup:
+      appendPopup(into, items, value);
+      return true;
+    case kCheckBox:
+      into += value[0] != 0 ? '1' : '0';
+      return true;
+    case kDate:
+      appendDate(into, numberOfValue(value), patterns.date);
+      return true;
+    case kTime:
+      appendTime(into, timeOfValue(value), patterns.time);
+      return true;
+    case kLinkedField:
+      if (raw) appendInteger(into, numberOfValue(value));
+      return true;
+    case kLinkField:
+      if (raw)
+        appendInteger(into, linkKey(value));
+      else
+        into += linkText(value);
+      return true;
+    case kCalculated:
+      appendResult(into, field, value, settings, patterns);
+      return true;
+    default:
+      return false;
+  }
+}
+
+std::size_t bound(const TextOptions& options) {
+  if (options.capacity == kNoBound) return kNoBound;
+  return options.capacity == 0 ? 0 : options.capacity - 1;
+}
+
+void cutFrom(std::string& text, std::size_t begin, std::size_t most, bool utf8) {
+  if (text.size() - begin <= most) return;
+  text.resize(begin + cutLength(std::string_view(text).substr(begin), most, utf8));
+}
+
+void appendLookup(std::string& into, ByteView record, int slot, const FormatSettings& settings,
+                  const TextOptions& options) {
+  if (!options.lookup || !*options.lookup) return;
+  const std::size_t begin = into.size();
+  into += (*options.lookup)(slot, record);
+  cutFrom(into, begin, std::min(kMaxLookupText, bound(options)), settings.utf8);
+}
+
+}  // namespace
+
+std::string_view storedText(ByteView value) {
+  const std::string_view text = asText(value);
+  return text.substr(0, text.find('\0'));
+}
+
+std::uint32_t numberOfValue(ByteView value) {
+  if (value.size() >= 4) return loadLe32(value.data());
+  std::array<std::uint8_t, 4> padded{};
+  std::copy(value.begin(), value.end(), padded.begin());
+  return loadLe32(padded.data());
+}
+
+std::uint32_t linkKey(ByteView value) {
+  return numberOfValue(value.first(std::min<std::size_t>(value.size(), 4)));
+}
+
+std::string_view linkText(ByteView value) {
+  return value.size() > kLinkHeadSize ? storedText(value.subspan(kLinkHeadSize))
+                                      : std::string_view();
+}
+
+bool isMasked(const FieldDefinition& field, ByteView record) {
+  return field.encrypt_flag != 0 && isRecordEncrypted(record);
+}
+
+bool appendValueText(std::string& into, const FieldDefinition& field, const FieldRecord& items,
+                     ByteView value, const FormatSettings& settings, const TextOptions& options) {
+  const std::size_t begin = into.size();
+  const bool has_value = appendTyped(into, field, items, value, settings,
+                                     {settings.show_date, settings.show_time}, options.raw);
+  cutFrom(into, begin, bound(options), settings.utf8);
+  return has_value;
+}
+
+bool appendFieldText(std::string& into, const Database& database, ByteView record, int slot,
+                     const FormatSettings& settings, const TextOptions& options) {
+  if (!isSlot(slot)) return false;
+  const auto value = slotValue(record, slot);
+  if (!value) return false;
+  const auto index = static_cast<std::size_t>(slot);
+  const FieldDefinition& field = database.schema.fields[index];
+  if (isMasked(field, record)) {
+    // Compat: shown, and yet no value (FieldText.EncryptedValuesAreRunsOfX).
+    if (!options.raw) into.append(std::min(value->size(), bound(options)), 'X');
+    return false;
+  }
+  if (field.type == kLookup) {
+    appendLookup(into, record, slot, settings, options);
+    return true;
+  }
+  return appendValueText(into, field, database.fields[index], *value, settings, options);
+}
+
+FieldText fieldText(const Database& database, ByteView record, int slot,
+                    const FormatSettings& settings, const TextOptions& options) {
+  FieldText result;
+  result.has_value = appendFieldText(result.text, database, record, slot, settings, options);
+  return result;
+}
+
+FieldText editText(const Database& database, ByteView record, int slot,
+                   const FormatSettings& settings, const LookupText* lookup) {
+  const TextOptions options{.lookup = lookup};
+  const auto value = isSlot(slot) ? slotValue(record, slot) : std::nullopt;
+  if (!value) return {};
+  const auto index = static_cast<std::size_t>(slot);
+  const FieldDefinition& field = database.schema.fields[index];
+  if (isMasked(field, record) || field.type == kLookup) {
+    return fieldText(database, record, slot, settings, options);
+  }
+  if (field.type == kNote) return {std::string(storedText(*value)), true};
+  FieldText result;
+  result.has_value = appendTyped(result.text, field, database.fields[index], *value, settings,
+                                 {settings.edit_date, settings.edit_time}, false);
+  return result;
+}
+
+bool hasValue(const Database& database, ByteView record, int slot, const FormatSettings& settings) {
+  const auto value = isSlot(slot) ? slotValue(record, slot) : std::nullopt;
+  if (!value) return false;
+  const FieldDefinition& field = database.schema.fields[static_cast<std::size_t>(slot)];
+  if (isMasked(field, record)) return false;
+  const int type = effectiveType(field);
+  switch (type) {  // those that need no text
+    case kNote:
+      return !value->empty() && value->front() != 0;
+    case kLinkedField:
+      return numberOfValue(*value) != 0;
+    case kLinkField:
+      return value->size() > kLinkHeadSize;
+    default:
+      break;
+  }
+  const std::string text =
+      fieldText(database, record, slot, settings, {.capacity = kHasValueCapacity, .raw = true})
+          .text;
+  switch (type) {
+    case kText:
+    case kLongText:
+    case kTextVariant:
+    case kLookup:
+      return !text.empty();
+    case kInteger:
+    case kText254:
+      return leadingInteger(text) != 0;
+    case kFloat:
+      return numberOfText(text, settings.choices.decimal_comma) != 0;
+    case kPopup:
+      return !text.empty() && text != kNoValueText;
+    case kCheckBox:
+      return leadingInteger(text) == 1;
+    case kDate:
+      return !text.empty() && text != kNoDateText;
+    case kTime:
+      return !text.empty() && text != kNoTimeText;
+    default:
+      return true;
+  }
+}
+
+}  // namespace tabelion

@@ -1,0 +1,108 @@
+#include "query/number_text.h"
+
+#include <algorithm>
+#include <charconv>
+#include <limits>
+
+namespace tabelion {
+namespace {
+
+constexpr int kDefaultDecimals = 6;
+constexpr int kMaxDecimals = 255;
+// The digits of the largest double, its sign, point and decimals.
+constexpr std::size_t kLongestNumber = 320 + kMaxDecimals;
+
+bool isBlank(char c) {
+  return c == ' ' || (c >= '\t' && c <= '\r');
+}
+bool isDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+
+std::string_view withoutLeadingBlanks(std::string_view text) {
+  const auto begin = std::find_if_not(text.begin(), text.end(), isBlank);
+  text.remove_prefix(static_cast<std::size_t>(begin - text.begin()));
+  return text;
+}
+
+// Of a number that no double holds: whether it is too large rather than too small.
+bool isTooLarge(std::string_view number) {
+  const std::size_t exponent = number.find_first_of("eE");
+  if (exponent != std::string_view::npos) return number.substr(exponent + 1, 1) != "-";
+  const std::size_t first = number.find_first_of("123456789");
+  return first < number.find('.');
+}
+
+double leadingNumber(std::string_view text) {
+  text = withoutLeadingBlanks(text);
+  const bool negative = text.starts_with('-');
+  if (negative || text.starts_with('+')) text.remove_prefix(1);
+  // Words such as "inf" are no numbers here, nor is a second sign.
+  const bool point = text.starts_with('.');
+  if (text.size() <= (point ? 1 : 0) || !isDigit(text[point ? 1 : 0])) return 0;
+  double value = 0;
+  const auto read = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (read.ec == std::errc::result_out_of_range) {
+    const auto length = static_cast<std::size_t>(read.ptr - text.data());
+    value = isTooLarge(text.substr(0, length)) ? std::numeric_limits<double>::infinity() : 0;
+  }
+  return negative ? -value : value;
+}
+
+}  // namespace
+
+void appendNumber(std::string& into, double value, int decimals, bool decimal_comma) {
+  if (decimals < 0) decimals = kDefaultDecimals;
+  char digits[kLongestNumber];
+  const auto end = std::to_chars(digits, digits + sizeof digits, value, std::chars_format::fixed,
+                                 std::min(decimals, kMaxDecimals));
+  if (decimal_comma) std::replace(digits, end.ptr, '.', ',');
+  into.append(digits, end.ptr);
+}
+
+std::string numberText(double value, int decimals, bool decimal_comma) {
+  std::string text;
+  appendNumber(text, value, decimals, decimal_comma);
+  return text;
+}
+
+double numberOfText(std::string_view text, bool decimal_comma) {
+  if (!decimal_comma || text.find(',') == std::string_view::npos) return leadingNumber(text);
+  std::string pointed(text);
+  std::replace(pointed.begin(), pointed.end(), ',', '.');
+  return leadingNumber(pointed);
+}
+
+std::int64_t leadingInteger(std::string_view text) {
+  text = withoutLeadingBlanks(text);
+  const bool negative = text.starts_with('-');
+  if (text.starts_with('+')) text.remove_prefix(1);
+  if (!negative && !text.empty() && !isDigit(text.front())) return 0;
+  std::int64_t value = 0;
+  const auto read = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (read.ec == std::errc::result_out_of_range) {
+    return negative ? std::numeric_limits<std::int64_t>::min()
+                    : std::numeric_limits<std::int64_t>::max();
+  }
+  return value;
+}
+
+void appendInteger(std::string& into, std::int64_t value) {
+  char digits[24];
+  into.append(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
+}
+
+void appendPadded(std::string& into, int value, int digits) {
+  if (digits == 2 && value >= 0 && value <= 99) {
+    into += static_cast<char>('0' + value / 10);
+    into += static_cast<char>('0' + value % 10);
+    return;
+  }
+  char text[16];
+  char* const end = std::to_chars(text, text + sizeof text, value).ptr;
+  const auto length = static_cast<int>(end - text);
+  if (length < digits) into.append(static_cast<std::size_t>(digits - length), '0');
+  into.append(text, end);
+}
+
+}  // namespace tabelion

@@ -1,0 +1,96 @@
+#include "query/date_text.h"
+
+#include <gtest/gtest.h>
+
+#include "query_fixtures.h"
+
+namespace tabelion {
+namespace {
+
+std::string shown(const CalendarDate& date, const char* pattern, const char* separator) {
+  return dateText(date, makeFormatSettings({}, localeOf(pattern, separator)));
+}
+
+// Month lengths walked off one by one from the year and the day of the year.
+CalendarDate walkedDate(std::uint32_t n) {
+  static constexpr int kLengths[12] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+  const int y = static_cast<int>(n / 365);
+  int rest = static_cast<int>(n) - 365 * y - (y + 3) / 4 + 1;
+  int year = kFirstYear + y;
+  if (rest == 0) return {12, 31, year - 1};
+  if (rest < 0) {
+    --year;
+    rest += 365 + (isLeapYear(year) ? 1 : 0);
+  }
+  int month = 0;
+  for (;; ++month) {
+    const int length = kLengths[month] + (month == 1 && isLeapYear(year) ? 1 : 0);
+    if (rest <= length) return {month + 1, rest, year};
+    rest -= length;
+  }
+}
+
+}  // namespace
+
+TEST(DateText, FollowsThePattern) {
+  const CalendarDate date{2, 9, 2003};
+  EXPECT_EQ(shown(date, "M/d/yyyy", "/"), "2/9/2003");
+  EXPECT_EQ(shown(date, "dd.MM.yy", "."), "09.02.03");
+  EXPECT_EQ(shown(date, "dd/MMM/yyyy", "/"), "09/02/2003");  // never a name
+  EXPECT_EQ(shown(date, "yyyy-mm-dd", "-"), "2003-02-09");
+  EXPECT_EQ(shown(date, "ddd/M/d", "/"), "/2/9");          // unknown part, its separator stays
+  EXPECT_EQ(shown(date, "d//M", "/"), "9/2/");             // runs count as one, a part is missing
+  EXPECT_EQ(shown(date, "d.M.yyyy", ". "), "9. 2. 2003");  // splits at the first character
+  EXPECT_EQ(shown(date, "d M yyyy", "/"), "//");
+}
+
+TEST(DateText, DayZeroIsNoDateAndTheCalendarHasEveryFourthLeapYear) {
+  const FormatSettings settings = chosen(0);
+  EXPECT_EQ(dateText(0u, settings), "NO DATE");
+  EXPECT_EQ(dateText(CalendarDate{1, 0, 1800}, settings), "NO DATE");
+  EXPECT_EQ(dateText(1u, settings), "1/2/1904");
+  EXPECT_EQ(dateText(59u, settings), "2/29/1904");
+  EXPECT_EQ(dateText(60u, settings), "3/1/1904");
+  EXPECT_EQ(dateText(365u, settings), "12/31/1904");
+  EXPECT_EQ(dateText(366u, settings), "1/1/1905");
+  EXPECT_EQ(dateText(daysSince1904(2, 29, 2100), settings), "2/29/2100");
+  EXPECT_EQ(dateText(daysSince1904(12, 31, 2040), settings), "12/31/2040");
+  // One step back over the leap days is enough for 1,460 years of day counts.
+  for (std::uint32_t day = 0; day < 1460 * 365; ++day) {
+    ASSERT_EQ(dateOfDayCount(day), walkedDate(day)) << day;
+  }
+}
+
+TEST(DateText, TypedDatesAreClamped) {
+  const FormatSettings us = chosen(0);
+  EXPECT_EQ(dateOfText("1/2/05", us), (CalendarDate{1, 2, 2005}));
+  EXPECT_EQ(dateOfText("1/2/06", us), (CalendarDate{1, 2, 1906}));
+  EXPECT_EQ(dateOfText("1/2/99", us), (CalendarDate{1, 2, 1999}));
+  EXPECT_EQ(dateOfText("0/40/2010", us), (CalendarDate{1, 1, 2010}));
+  EXPECT_EQ(dateOfText("2/31/2010", us), (CalendarDate{2, 31, 2010}));
+  EXPECT_EQ(dateOfText("7", us), (CalendarDate{7, 1, 2000}));
+  EXPECT_EQ(dateOfText("//3//4//1999", us), (CalendarDate{3, 4, 1999}));
+  EXPECT_EQ(dateOfText("", us), CalendarDate{});
+  EXPECT_EQ(dateOfText("still no date yet", us), CalendarDate{});
+  const CalendarDate expected{3, 4, 1999};
+  const char* const typed[] = {"3/4/1999", "4/3/1999", "4.3.1999", "4-3-1999",
+                               "1999/3/4", "1999.3.4", "1999-3-4"};
+  for (int format = 0; format < 7; ++format) {
+    EXPECT_EQ(dateOfText(typed[format], chosen(format)), expected) << format;
+  }
+  EXPECT_EQ(dateOfText(typed[0], chosen(7)), expected);
+  EXPECT_EQ(dateOfText(typed[0], chosen(-1)), expected);
+}
+
+TEST(DateText, ExactDatesHaveNothingToClamp) {
+  const FormatSettings settings = chosen(6);
+  for (const char* exact : {"2031-5-9", "2032-02-29", "1904-01-02", "9999-12-31", "", "NO DATE"}) {
+    EXPECT_TRUE(isExactDate(exact, settings)) << exact;
+  }
+  for (const char* other : {"2031-13-9", "2031-2-29", "2031-5", "31/5/2009", "1903-12-31",
+                            "2031-5-9-1", "2031-5-x", "10000-1-1", "no date"}) {
+    EXPECT_FALSE(isExactDate(other, settings)) << other;
+  }
+}
+
+}  // namespace tabelion

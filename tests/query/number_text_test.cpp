@@ -1,0 +1,37 @@
+#include "query/number_text.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace tabelion {
+
+TEST(NumberText, WritesFixedDecimalsWithoutBlanks) {
+  EXPECT_EQ(numberText(3.5, 2, false), "3.50");
+  EXPECT_EQ(numberText(3.5, 2, true), "3,50");
+  EXPECT_EQ(numberText(-0.125, 2, false), "-0.12");  // half to even of the exact value
+  EXPECT_EQ(numberText(2.675, 2, false), "2.67");    // below the half in binary
+  EXPECT_EQ(numberText(7, 0, false), "7");
+  EXPECT_EQ(numberText(123456789012345.0, 1, false), "123456789012345.0");
+  EXPECT_EQ(numberText(1e300, 255, false).size(), 301u + 1 + 255);
+  EXPECT_EQ(numberText(0.5, -1, false), "0.500000");
+}
+
+TEST(NumberText, ReadsTheLeadingNumber) {
+  EXPECT_EQ(numberOfText(" 12.5 kg", false), 12.5);
+  EXPECT_EQ(numberOfText("+.5e1x", false), 5);
+  EXPECT_EQ(numberOfText("3,50", true), 3.5);
+  EXPECT_EQ(numberOfText("3.50", true), 3.5);
+  EXPECT_EQ(numberOfText("3,50", false), 3);
+  for (const char* none : {"", "-", ".", "+-3", "abc", "infinity", "nan", "1e-999"}) {
+    EXPECT_EQ(numberOfText(none, false), 0) << none;
+  }
+  EXPECT_EQ(numberOfText("-1e999", false), -HUGE_VAL);
+  EXPECT_EQ(numberOfText(std::string(400, '9'), false), HUGE_VAL);
+  EXPECT_EQ(numberOfText("0." + std::string(400, '0') + "1", false), 0);
+  EXPECT_EQ(leadingInteger("\t-42nd"), -42);
+  EXPECT_EQ(leadingInteger("+-7"), 0);
+  EXPECT_EQ(leadingInteger("99999999999999999999"), INT64_MAX);
+}
+
+}  // namespace tabelion
