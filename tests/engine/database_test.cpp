@@ -97,8 +97,7 @@ TEST_F(Saving, FailedWriteClearsTheDirtyFlag) {
 
 TEST_F(Opening, MissingFileAndForeignFileAreReported) {
   EXPECT_EQ(open(), 0);
-  EXPECT_EQ(messages,
-            std::vector<std::string>{"ERROR: Cannot Open File: /Test.PDB for reading"});
+  EXPECT_EQ(messages, std::vector<std::string>{"ERROR: Cannot Open File: /Test.PDB for reading"});
   EXPECT_EQ(database.records.count(), 0u);
   setFile(Bytes(500, 0));
   EXPECT_EQ(open(), 0);
