@@ -72,13 +72,6 @@ inline FormatSettings matchingSettings(const LocaleInfo& locale, bool utf8 = fal
 // The same on every machine, for files that other programs read: 2031-05-09, 13:05:09, 3.5.
 FormatSettings isoSettings(bool utf8 = false);
 
-// Patterns as the many locales of today give them ("d. M. yyyy", "yyyy. MM. dd.", "tt h:mm",
-// "EEE, d MMM y", "HH.mm"), brought into the shape that the value texts know: three parts with one
-// separator between, times with seconds and the designator last. What cannot be understood
-// becomes the default of LocaleInfo. Whatever asks the system for its locale passes it through
-// here.
-LocaleInfo tidyLocale(LocaleInfo locale);
-
 // The order and separator in which dates are read.
 enum class DateOrder : unsigned char { kMonthDayYear, kDayMonthYear, kYearMonthDay };
 struct TypedDateForm {
