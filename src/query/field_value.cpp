@@ -249,11 +249,10 @@ Result<Bytes> newValue(const Input& input) {
 }  // namespace
 
 Bytes linkValue(std::uint32_t key, std::string_view text, ByteView previous) {
-  Bytes value(kLinkHeadSize, 0);
-  std::copy_n(previous.begin(), std::min(previous.size(), value.size()), value.begin());
+  Bytes value(kLinkHeadSize + text.size() + 1, 0);
+  std::copy_n(previous.begin(), std::min(previous.size(), kLinkHeadSize), value.begin());
   storeLe32(value.data(), key);
-  value.insert(value.end(), text.begin(), text.end());
-  value.push_back(0);
+  std::copy(text.begin(), text.end(), value.begin() + kLinkHeadSize);
   return value;
 }
 
