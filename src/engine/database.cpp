@@ -279,8 +279,8 @@ void touchStamp(Bytes& record, const CalendarTime& local) {
   if (recordStamp(record)) storeLe24(&record[1 + 14], stampMinutes(local));
 }
 
-std::string databaseCodePage(const Database& database) {
-  std::string mark = areaText(database.schema.code_page);
+std::string databaseCodePage(const DatabaseRecord& schema) {
+  std::string mark = areaText(schema.code_page);
   const bool readable = std::all_of(mark.begin(), mark.end(), [](unsigned char c) {
     return c < 0x80 && (std::isalnum(c) || c == '-' || c == '_');
   });

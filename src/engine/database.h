@@ -125,6 +125,9 @@ void setRowHeader(Database& database, bool on);
 const DatabaseRecord& schemaShown(const Database& database);
 
 // The code page that the database carries ("UTF-8", "CP1251"), or empty for the user's.
-std::string databaseCodePage(const Database& database);
+std::string databaseCodePage(const DatabaseRecord& schema);
+inline std::string databaseCodePage(const Database& database) {
+  return databaseCodePage(database.schema);
+}
 
 }  // namespace tabelion
