@@ -71,9 +71,9 @@ enum class ControlKind {
 struct ControlTemplate {
   ControlId id = 0;
   ControlKind kind = ControlKind::kLabel;
-  std::u16string text;
-  Rect place;
-  std::u16string accessible_name;  // what a screen reader says; the text when empty
+  std::u16string text{};
+  Rect place{};
+  std::u16string accessible_name{};  // what a screen reader says; the text when empty
   bool visible = true;
   bool enabled = true;
   bool read_only = false;  // edits: shown and selectable, not changed
@@ -88,22 +88,22 @@ struct ControlTemplate {
 
 struct MenuEntry {
   CommandId command = 0;  // 0: opens `children`, or separates when there are none and no text
-  std::u16string text;
+  std::u16string text{};
   bool enabled = true;
   bool checked = false;
-  std::vector<MenuEntry> children;
+  std::vector<MenuEntry> children{};
 };
 
 // The two soft keys. A key with children opens them as a menu, else it gives its command.
 struct MenuBar {
   int resource = 0;
-  MenuEntry left;
-  MenuEntry right;
+  MenuEntry left{};
+  MenuEntry right{};
 };
 
 struct DialogTemplate {
   int resource = 0;  // the dialog's number; identifies the screen to scripts and tests
-  std::u16string title;
+  std::u16string title{};
   std::vector<ControlTemplate> controls;
   MenuBar menu_bar;
 };
