@@ -138,14 +138,19 @@ Status MemoryFiles::move(const std::string& from, const std::string& to) {
   const auto at = nodes_.find(from);
   if (at == nodes_.end()) return notFound(from);
   for (const std::string& path : {from, to}) {
-    if (const auto refused = refusal(path)) return *refused;
+    if (const auto refused = refusal(path); refused && !at->second.is_folder) return *refused;
   }
   if (exists(to)) {
     return makeError(ErrorKind::kCannotWrite, "Could not write " + to + ": File exists");
   }
-  Node node = std::move(at->second);
-  nodes_.erase(at);
-  nodes_[to] = std::move(node);
+  std::map<std::string, Node> moved;  // a folder goes with everything below it
+  for (const auto& [path, node] : nodes_) {
+    if (path == from || path.starts_with(from + "/")) moved[path] = node;
+  }
+  for (auto& [path, node] : moved) {
+    nodes_.erase(path);
+    nodes_[to + path.substr(from.size())] = std::move(node);
+  }
   return Done{};
 }
 

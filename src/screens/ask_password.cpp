@@ -1,0 +1,94 @@
+#include "screens/ask_password.h"
+
+#include "screens/screen_numbers.h"
+#include "services/message.h"
+#include "services/screen_text.h"
+#include "services/setting_table.h"
+
+namespace tabelion {
+namespace {
+
+DialogTemplate passwordTemplate(bool for_encryption) {
+  const std::u16string label =
+      for_encryption ? u"Enter Encryption Password" : u"Enter Access Password:";
+  DialogTemplate dialog;
+  dialog.resource = kPasswordScreen;
+  dialog.title = u"Tabelion";
+  dialog.controls = {
+      {.id = kPasswordLabel, .kind = ControlKind::kLabel, .text = label, .centered = true},
+      {.id = kPasswordEdit,
+       .kind = ControlKind::kEdit,
+       .accessible_name = label,
+       .max_length = static_cast<int>(kMaxPassword)},
+      {.id = kHidePasswordBox, .kind = ControlKind::kCheckBox, .text = u"Hide Password"},
+  };
+  dialog.menu_bar.left = {.command = kActionCommand, .text = u"OK"};
+  dialog.menu_bar.right = {.command = kBackCommand, .text = u"Cancel"};
+  return dialog;
+}
+
+class PasswordScreen : public Screen {
+ public:
+  explicit PasswordScreen(Application& app) : app_(app) {}
+
+  void onInit(Dialog& dialog) override {
+    Settings& settings = app_.platform.settings;
+    const auto hide = ReadNumberSetting(settings, Setting::kHidePassword);
+    if (!hide) WriteNumberSetting(settings, Setting::kHidePassword, 0);
+    dialog.control(kHidePasswordBox).setChecked(hide.value_or(0) == 1);
+    dialog.control(kPasswordEdit).setMasked(hide.value_or(0) == 1);
+    onResize(dialog);
+    dialog.control(kPasswordEdit).focus();
+  }
+  void onResize(Dialog& dialog) override {
+    const int width = dialog.screenSize().width;
+    dialog.control(kPasswordLabel).setPlace({4, 20, width - 8, 20});
+    dialog.control(kPasswordEdit).setPlace({20, 46, width - 40, 24});
+    dialog.control(kHidePasswordBox).setPlace({20, 78, width - 40, 24});
+  }
+  void onNotice(Dialog& dialog, ControlId control, Notice notice) override {
+    if (control != kHidePasswordBox || notice != Notice::kEdited) return;
+    dialog.control(kPasswordEdit).setMasked(dialog.control(kHidePasswordBox).checked());
+  }
+  // The same text must be typable wherever the file is opened, so only what its code page has.
+  bool acceptsCharacter(Dialog&, ControlId, char32_t character) override {
+    return CanStore(app_, character);
+  }
+  void onCommand(Dialog& dialog, CommandId command) override {
+    if (command == kActionCommand) {
+      takeText(dialog);
+      dialog.end(kDialogDone);
+    } else if (command == kBackCommand) {
+      dialog.end(kDialogClosed);
+    }
+  }
+
+  std::string typed;
+
+ private:
+  void takeText(Dialog& dialog) {
+    const auto text =
+        StoredText(app_, dialog.control(kPasswordEdit).text().substr(0, kMaxPassword));
+    typed = text.ok() ? *text : std::string();
+    WriteNumberSetting(app_.platform.settings, Setting::kHidePassword,
+                       dialog.control(kHidePasswordBox).checked() ? 1 : 0);
+  }
+
+  Application& app_;
+};
+
+}  // namespace
+
+int AskPassword(Application& app, Dialog* owner, const PasswordQuestion& question,
+                std::string* typed) {
+  PasswordScreen screen(app);
+  const int result = RunModalDialog(app, owner, passwordTemplate(question.for_encryption), screen);
+  if (result != kDialogDone) return kPasswordCancelled;
+  if (typed != nullptr) *typed = screen.typed;
+  if (question.compare && screen.typed != question.expected) {
+    ShowMessage(app, u"Invalid Password", u"Error", MessageIcon::kError);
+  }
+  return kPasswordConfirmed;
+}
+
+}  // namespace tabelion

@@ -1,0 +1,261 @@
+#include "screens/edit_record.h"
+
+#include <algorithm>
+
+#include "engine/calendar.h"
+#include "screens/screen_numbers.h"
+#include "services/access.h"
+#include "services/message.h"
+#include "services/screen_text.h"
+
+namespace tabelion {
+namespace {
+
+constexpr CommandId kFormDone = kActionCommand;
+constexpr CommandId kFormCancel = kDoneCommand;  // the number that Done has elsewhere
+constexpr CommandId kGoFirst = 40201;
+constexpr CommandId kGoPrevious = 40202;
+constexpr CommandId kGoNext = 40203;
+constexpr CommandId kGoLast = 40204;
+
+constexpr int kTodayWhenEmpty = 2;  // default options of dates; the first one of times too
+constexpr int kTodayWhenEmptyToo = 3;
+
+DialogTemplate editRecordTemplate() {
+  DialogTemplate dialog;
+  dialog.resource = kEditRecordScreen;
+  dialog.title = u"Edit Record";
+  dialog.menu_bar.resource = 115;
+  dialog.menu_bar.left = {.command = kFormDone, .text = u"Done"};
+  dialog.menu_bar.right = {.text = u"Menu",
+                           .children = {{.command = kWiderCommand, .text = u"Increase Width"},
+                                        {.command = kNarrowerCommand, .text = u"Decrease Width"},
+                                        {.command = kNewRecordCommand, .text = u"New Record"},
+                                        {.command = kDeleteCommand, .text = u"Delete Record"},
+                                        {.text = u"Go To",
+                                         .children = {{.command = kGoFirst, .text = u"First"},
+                                                      {.command = kGoPrevious, .text = u"Previous"},
+                                                      {.command = kGoNext, .text = u"Next"},
+                                                      {.command = kGoLast, .text = u"Last"}}},
+                                        {.command = kFormCancel, .text = u"Cancel"}}};
+  return dialog;
+}
+
+bool isEmptyDate(const std::optional<Bytes>& value) {
+  return !value || std::all_of(value->begin(), value->end(), [](auto byte) { return byte == 0; });
+}
+
+bool isEmptyTime(const std::optional<Bytes>& value) {
+  return !value || value->size() < 3 || (*value)[2] == kNoTimeHour;
+}
+
+}  // namespace
+
+bool HasRoomForRecord(Application& app) {
+  if (!CurrentDatabase(app).records.isFull()) return true;
+  ShowMessage(app,
+              u"This database holds 65,000 records, which is the most that it can. Delete some "
+              u"before you add another.",
+              u"New Record", MessageIcon::kExclamation);
+  return false;
+}
+
+int ShowEditRecord(Application& app, Dialog& owner, std::uint32_t record) {
+  EditRecordScreen screen(app, record);
+  return RunModalDialog(app, &owner, editRecordTemplate(), screen);
+}
+
+void EditRecordScreen::onInit(Dialog& dialog) {
+  LoadEditRecord(dialog, first_record_);
+}
+
+bool EditRecordScreen::MayChange() const {
+  return app_.new_record ||
+         checkSecurity(CurrentDatabase(app_).schema, Operation::kChange) == kAccessGranted;
+}
+
+void EditRecordScreen::LoadEditRecord(Dialog& dialog, std::uint32_t record) {
+  const Database& database = CurrentDatabase(app_);
+  app_.current_record = record;
+  app_.new_record = record == kNewRecord;
+  copy_.reset();
+  if (app_.new_record) {
+    copy_ = newRecord(database.schema);
+  } else if (record < database.records.count()) {
+    copy_ = unpackRecord(database.records[record].bytes());
+  }
+  Bytes packed;
+  if (copy_ && !packRecord(*copy_, packed)) copy_.reset();
+  form_.Show(dialog, packed, copy_.has_value() && MayChange());
+}
+
+void EditRecordScreen::onCommand(Dialog& dialog, CommandId command) {
+  switch (command) {
+    case kFormDone:
+      return Leave(dialog, true);
+    case kBackCommand:
+      return Leave(dialog, false);
+    case kFormCancel:
+      return dialog.end(kDialogClosed);
+    case kWiderCommand:
+      return ChangeWidth(dialog, kWidthStep);
+    case kNarrowerCommand:
+      return ChangeWidth(dialog, -kWidthStep);
+    case kNewRecordCommand:
+      return NewRecord(dialog);
+    case kDeleteCommand:
+      return DeleteEditRecord(dialog);
+    case kGoFirst:
+    case kGoPrevious:
+    case kGoNext:
+    case kGoLast:
+      return MoveTo(dialog, static_cast<Move>(command - kGoFirst));
+    default:
+      return;
+  }
+}
+
+// Going back from a new record on which nothing was entered stores none.
+void EditRecordScreen::Leave(Dialog& dialog, bool keep_untouched_new) {
+  const bool untouched_new = app_.new_record && !form_.Changed(dialog);
+  if ((untouched_new && !keep_untouched_new) || SaveEditRecord(dialog)) dialog.end(kDialogClosed);
+}
+
+void EditRecordScreen::onNotice(Dialog& dialog, ControlId control, Notice notice) {
+  if (notice == Notice::kEdited) form_.OnEdited(dialog, control);
+  if (notice == Notice::kActivated && form_.OnActivated(dialog, control) == kDialogAutoClosed &&
+      SaveEditRecord(dialog)) {
+    dialog.end(kDialogAutoClosed);
+  }
+}
+
+bool EditRecordScreen::onKey(Dialog& dialog, const KeyPress& key) {
+  if (key.key != Key::kPageUp && key.key != Key::kPageDown) return false;
+  MoveTo(dialog, key.key == Key::kPageUp ? Move::kPrevious : Move::kNext);
+  return true;
+}
+
+bool EditRecordScreen::acceptsCharacter(Dialog&, ControlId, char32_t character) {
+  return CanStore(app_, character);
+}
+
+void EditRecordScreen::onMenuOpening(Dialog&, MenuEntry& soft_key) {
+  for (MenuEntry& entry : soft_key.children) {
+    if (entry.command == kDeleteCommand) entry.enabled = copy_.has_value();
+  }
+}
+
+bool EditRecordScreen::SaveEditRecord(Dialog& dialog) {
+  if (!copy_) return true;
+  const bool changed = form_.Changed(dialog);
+  // Looking at a record is no reason to store it.
+  if (!app_.new_record && !changed) return true;
+  if (!app_.new_record &&
+      securityCode(CurrentDatabase(app_).schema, Operation::kChange) == kCodeRestricted) {
+    return true;
+  }
+  if (!app_.new_record && CheckSecurity(app_, Operation::kChange, true) == kAccessRefused) {
+    return true;
+  }
+  UnpackedRecord before = *copy_;
+  if (!form_.Collect(dialog, *copy_)) return false;
+  CompleteCopy();
+  if (StoreCopy()) return true;
+  copy_ = std::move(before);  // so that another attempt starts from what is stored
+  return false;
+}
+
+// Dates and times that were left empty get today's and the present one where the field says so.
+void EditRecordScreen::CompleteCopy() {
+  const DatabaseRecord& schema = CurrentDatabase(app_).schema;
+  const CalendarTime now = app_.platform.clock.local();
+  for (std::size_t i = 0; i < kFieldSlots; ++i) {
+    const FieldDefinition& field = schema.fields[i];
+    const int option = fieldDefaultOption(field);
+    auto& value = copy_->slots[i];
+    if (field.type == kDate && (option == kTodayWhenEmpty || option == kTodayWhenEmptyToo) &&
+        isEmptyDate(value)) {
+      value = Bytes(4);
+      storeLe32(value->data(), daysSince1904(now.month, now.day, now.year));
+    } else if (field.type == kTime && option == kTodayWhenEmpty && isEmptyTime(value)) {
+      value = Bytes{static_cast<std::uint8_t>(now.second), static_cast<std::uint8_t>(now.minute),
+                    static_cast<std::uint8_t>(now.hour), 0};
+    }
+  }
+}
+
+bool EditRecordScreen::StoreCopy() {
+  Database& database = CurrentDatabase(app_);
+  Bytes packed;
+  bool stored = packRecord(*copy_, packed);
+  if (app_.new_record) {
+    if (!HasRoomForRecord(app_)) return false;
+    const std::uint32_t position =
+        stored ? appendRecord(database, app_.engine, packed, true) : kNoPosition;
+    stored = position != kNoPosition;
+    if (stored) app_.current_record = position;
+  } else if (stored) {
+    if (database.schema.modification_stamp_option != 0) {
+      touchStamp(packed, app_.platform.clock.local());
+    }
+    stored = database.records.replace(app_.current_record, packed);
+    if (stored) setDirty(database);
+  }
+  if (!stored) {
+    ShowMessage(app_, u"ERROR: Saving record!", u"ERROR", MessageIcon::kWarning);
+    return false;
+  }
+  app_.new_record = false;
+  app_.engine.steps.refresh(database);
+  return true;
+}
+
+void EditRecordScreen::DeleteEditRecord(Dialog& dialog) {
+  if (app_.new_record) return dialog.end(kDialogClosed);
+  if (!Ask(app_, u"Are you sure you want to delete this record?", u"Confirm Delete") ||
+      CheckSecurity(app_, Operation::kDelete, true) == kAccessRefused) {
+    return;
+  }
+  Database& database = CurrentDatabase(app_);
+  database.records.remove(app_.current_record);
+  setDirty(database);
+  if (app_.current_record > 0) --app_.current_record;
+  app_.engine.steps.refresh(database);
+  dialog.end(kDialogClosed);
+}
+
+void EditRecordScreen::MoveTo(Dialog& dialog, Move move) {
+  if (CheckSecurity(app_, Operation::kChange, true) == kAccessRefused) return;
+  const bool untouched_new = app_.new_record && !form_.Changed(dialog);
+  if (!untouched_new && !SaveEditRecord(dialog)) return;
+  const auto& index = CurrentDatabase(app_).record_index;
+  if (index.empty()) return;
+  // A record that the list does not show, a new one for instance, lies behind the last.
+  const auto here = std::find(index.begin(), index.end(), app_.current_record);
+  auto to = here;
+  if (move == Move::kFirst) to = index.begin();
+  if (move == Move::kLast) to = index.end() - 1;
+  if (move == Move::kPrevious && here != index.begin()) to = here - 1;
+  if (move == Move::kNext && here != index.end()) to = here + 1;
+  LoadEditRecord(dialog, to == index.end() ? app_.current_record : *to);
+}
+
+void EditRecordScreen::NewRecord(Dialog& dialog) {
+  if (CheckSecurity(app_, Operation::kAdd, true) != kAccessGranted || !SaveEditRecord(dialog) ||
+      !HasRoomForRecord(app_)) {
+    return;
+  }
+  LoadEditRecord(dialog, kNewRecord);
+}
+
+void EditRecordScreen::ChangeWidth(Dialog& dialog, int step) {
+  Database& database = CurrentDatabase(app_);
+  const int now = database.schema.label_width_adjustment;
+  const int wanted = std::clamp(now + step, kNarrowestValues, kWidestValues);
+  if (wanted == now) return;
+  database.schema.label_width_adjustment = static_cast<std::int16_t>(wanted);
+  setDirty(database);
+  form_.Place(dialog);
+}
+
+}  // namespace tabelion

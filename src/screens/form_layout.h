@@ -1,0 +1,37 @@
+// Where the rows of the edit form lie.
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "engine/database_record.h"
+#include "platform/dialogs.h"
+
+namespace tabelion {
+
+// The width adjustment of the value column, kept by the database.
+inline constexpr int kNarrowestValues = -70;
+inline constexpr int kWidestValues = 78;
+inline constexpr int kWidthStep = 2;
+inline constexpr int kCorruptWidth = 86;  // from here on the database is taken for a damaged one
+
+struct FormRow {
+  int slot = 0;
+  int type = 0;
+  Rect label;
+  Rect value;
+  std::optional<Rect> icon;  // 20×20 at the left, behind the label
+};
+
+struct FormLayout {
+  std::vector<FormRow> rows;  // top to bottom; separators take room and make no row
+  int height = 0;
+};
+
+// Rows for every field in display order that the form shows, on a screen of this width.
+FormLayout LayoutEditForm(const DatabaseRecord& schema, int screen_width);
+
+// The slots in display order whose fields exist.
+std::vector<int> SlotsInDisplayOrder(const DatabaseRecord& schema);
+
+}  // namespace tabelion

@@ -1,0 +1,34 @@
+// The columns of the record list and the painting of its rows.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "services/application.h"
+
+namespace tabelion {
+
+// The slots that the list shows, in display order: fields with a column width, of a type that has
+// a text for a list.
+std::vector<int> ListedSlots(const DatabaseRecord& schema);
+
+// A column's width on the screen.
+int ColumnPixels(const FieldDefinition& field);
+
+std::vector<ListColumn> MakeListColumns(const Application& app, const DatabaseRecord& schema,
+                                        const std::vector<int>& slots);
+
+// What a cell shows.
+std::u16string ListCellText(Application& app, std::uint32_t record, int slot);
+
+// Paints one row into `area`: its background, and for a row of the list its cells. The columns'
+// widths are the list's present ones.
+struct RowPainting {
+  const std::vector<int>& slots;
+  const std::vector<ListColumn>& columns;
+  bool selected = false;
+};
+void PaintListRow(Application& app, int row, const RowPainting& row_painting, ListPainter& painter,
+                  const Rect& area);
+
+}  // namespace tabelion

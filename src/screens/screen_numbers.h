@@ -1,0 +1,25 @@
+// The numbers of screens, controls and commands. Those of a screen are what scripts and tests know
+// it by.
+#pragma once
+
+#include "platform/dialogs.h"
+
+namespace tabelion {
+
+inline constexpr int kChooserScreen = 105;
+inline constexpr int kRecordListScreen = 106;
+inline constexpr int kEditRecordScreen = 109;
+inline constexpr int kPasswordScreen = 110;
+inline constexpr int kNoteScreen = 111;
+
+inline constexpr CommandId kNewRecordCommand = 40002;
+inline constexpr CommandId kDeleteCommand = 40004;
+inline constexpr CommandId kSaveCommand = 40016;
+inline constexpr CommandId kWiderCommand = 40023;
+inline constexpr CommandId kNarrowerCommand = 40024;
+inline constexpr CommandId kDoneCommand = 40028;
+inline constexpr CommandId kCancelCommand = 40035;
+
+inline constexpr CommandId kFirstListedCommand = 40100;  // entries that name data, from here up
+
+}  // namespace tabelion

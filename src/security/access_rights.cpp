@@ -1,0 +1,31 @@
+#include "security/access_rights.h"
+
+namespace tabelion {
+
+int securityCode(const DatabaseRecord& schema, Operation operation) {
+  return static_cast<int>(schema.security_word >> (2 * static_cast<int>(operation)) & 3u);
+}
+
+int checkSecurity(const DatabaseRecord& schema, Operation operation) {
+  switch (securityCode(schema, operation)) {
+    case kCodeRefused:
+      return kAccessRefused;
+    case kCodeRestricted:
+      return kAccessRestricted;
+    default:
+      return kAccessGranted;
+  }
+}
+
+int openCode(const DatabaseRecord& schema) {
+  switch (securityCode(schema, Operation::kOpen)) {
+    case kCodeFree:
+      return kOpenFreely;
+    case kCodePassword:
+      return kOpenWithPassword;
+    default:
+      return kNeverOpen;
+  }
+}
+
+}  // namespace tabelion

@@ -1,0 +1,55 @@
+#include "services/application.h"
+
+#include <random>
+
+#include "query/record_index.h"
+#include "services/message.h"
+#include "services/screen_text.h"
+
+namespace tabelion {
+namespace {
+
+RandomSource systemRandom() {
+  auto generator = std::make_shared<std::mt19937>(std::random_device{}());
+  return [generator] { return static_cast<std::uint32_t>((*generator)()); };
+}
+
+}  // namespace
+
+Application::Application(Platform& on)
+    : platform(on), engine{.files = on.files, .clock = on.clock, .random = systemRandom()} {
+  engine.message = [this](const std::string& text) { ShowEngineMessage(*this, text); };
+  engine.steps.refresh = [](Database& database) {
+    rebuildRecordIndex(database);
+    return 1;
+  };
+  engine.steps.restore_current_record = [this](Database&, std::uint32_t number) {
+    current_record = number;
+  };
+  ResetCurrentSlot(*this);
+}
+
+Database& CurrentDatabase(Application& app) {
+  return *app.stack.current().database;
+}
+
+bool IsDatabaseOpen(const Application& app) {
+  return app.stack.current().open;
+}
+
+void PrepareFormats(Application& app) {
+  app.encoding = EncodingOf(app, CurrentDatabase(app).schema);
+  app.formats = makeFormatSettings(app.preferences.formats, app.platform.locale.info(),
+                                   app.encoding.isUtf8());
+}
+
+void ResetCurrentSlot(Application& app) {
+  StackSlot& slot = app.stack.current();
+  slot.open = false;
+  slot.lock.reset();
+  slot.database = std::make_unique<Database>();
+  initDatabase(*slot.database, app.engine);
+  PrepareFormats(app);
+}
+
+}  // namespace tabelion

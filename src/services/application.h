@@ -1,0 +1,88 @@
+// What the whole program shares: built once at its start and handed on by reference; a test builds
+// its own. Owned by the shell, used by every screen on the one user-interface thread.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "engine/database.h"
+#include "interchange/text_encoding.h"
+#include "platform/platform.h"
+#include "query/format_settings.h"
+#include "services/preferences.h"
+
+namespace tabelion {
+
+inline constexpr int kStackDepth = 4;
+inline constexpr std::uint32_t kNewRecord = 65000;  // record number of one that is not stored yet
+inline constexpr char16_t kAllCategories[] = u"All";
+inline constexpr char16_t kUnfiled[] = u"Unfiled";  // category of a database that names none
+
+// Results of a dialog, besides those that a dialog defines itself.
+inline constexpr int kDialogDone = 1;
+inline constexpr int kDialogClosed = 2;
+inline constexpr int kDialogAutoClosed = 10;
+
+// A database that screens work on. The lock is held from before the file is read until it is
+// closed, so no other program changes the file meanwhile.
+struct StackSlot {
+  std::unique_ptr<Database> database;
+  std::unique_ptr<FileLock> lock;
+  bool open = false;
+};
+
+// Slot 0 holds the database that the user opened, deeper ones those opened through a link.
+struct DatabaseStack {
+  std::array<StackSlot, kStackDepth> slots;
+  int current_depth = 0;
+
+  StackSlot& current() { return slots[static_cast<std::size_t>(current_depth)]; }
+  const StackSlot& current() const { return slots[static_cast<std::size_t>(current_depth)]; }
+};
+
+struct Application {
+  // Slot 0 holds an empty database afterwards. `platform` must outlive this object.
+  explicit Application(Platform& platform);
+  Application(const Application&) = delete;
+  Application& operator=(const Application&) = delete;
+
+  Platform& platform;
+  Engine engine;
+  DatabaseStack stack;
+  Preferences preferences;
+  // Of the current database, from what it carries, the preferences and the locale.
+  FormatSettings formats;
+  TextEncoding encoding = TextEncoding::utf8();
+  std::u16string category = kAllCategories;  // that the chooser shows
+  std::uint32_t current_record = 0;          // data record number, or kNewRecord
+  bool new_record = false;
+  bool record_screen_active = false;  // a screen above the chooser is open
+};
+
+// The database that screens work on; an empty one when none is open.
+Database& CurrentDatabase(Application& app);
+bool IsDatabaseOpen(const Application& app);
+
+// Prepares `formats` and `encoding` anew; run when the preferences or the current database changed.
+void PrepareFormats(Application& app);
+
+// A fresh, empty database in the current slot, whose lock is released.
+void ResetCurrentSlot(Application& app);
+
+// Shows the hour-glass while it lives.
+class WaitCursor {
+ public:
+  explicit WaitCursor(Application& app) : dialogs_(app.platform.dialogs) {
+    dialogs_.setWaitCursor(true);
+  }
+  ~WaitCursor() { dialogs_.setWaitCursor(false); }
+  WaitCursor(const WaitCursor&) = delete;
+  WaitCursor& operator=(const WaitCursor&) = delete;
+
+ private:
+  Dialogs& dialogs_;
+};
+
+}  // namespace tabelion

@@ -1,0 +1,152 @@
+#include "services/folders.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "services/message.h"
+#include "services/screen_text.h"
+
+namespace tabelion {
+namespace {
+
+constexpr char kFolderName[] = "/Tabelion";
+constexpr char kOldFolderName[] = "/Tabelion3";
+
+std::optional<std::string> databaseFolder(Files& files, Volume volume) {
+  const auto documents = files.documentsFolder(volume);
+  if (!documents) return std::nullopt;
+  const std::string target = *documents + kFolderName;
+  const std::string old = *documents + kOldFolderName;
+  // The old folder is made so that there is one to rename: the new name comes into being either
+  // way, and never replaces a folder that has it already. Each step may fail.
+  (void)files.makeFolder(old);
+  (void)files.move(old, target);
+  (void)files.remove(old);  // only when empty
+  return target;
+}
+
+bool isDatabaseFileName(const std::string& name) {
+  if (name.size() < 4) return false;
+  const std::string extension = name.substr(name.size() - 4);
+  return extension == ".pdb" || extension == ".PDB";
+}
+
+std::vector<std::string> databaseFileNames(Files& files, const std::string& folder) {
+  std::vector<std::string> names;
+  const auto entries = files.list(folder);
+  if (!entries.ok()) return names;
+  for (const FolderEntry& entry : *entries) {
+    if (!entry.is_folder && isDatabaseFileName(entry.name)) names.push_back(entry.name);
+  }
+  return names;
+}
+
+DatabaseFile describe(const Application& app, const std::string& path,
+                      const DatabaseSummary& summary) {
+  const TextEncoding encoding = EncodingOf(app, summary.schema);
+  DatabaseFile file{path, encoding.toUtf16(areaText(summary.header.name)),
+                    encoding.toUtf16(areaText(summary.schema.category))};
+  if (file.category.empty()) file.category = kUnfiled;
+  return file;
+}
+
+// As a person sorts names, upper and lower case together.
+bool nameLess(const DatabaseFile& a, const DatabaseFile& b) {
+  const auto folded = [](std::u16string text) {
+    for (char16_t& c : text) {
+      if (c >= u'A' && c <= u'Z') c = static_cast<char16_t>(c - u'A' + u'a');
+    }
+    return text;
+  };
+  return std::pair(folded(a.name), a.name) < std::pair(folded(b.name), b.name);
+}
+
+// Both folders, the main one first; the card's only where there is a card.
+std::vector<std::string> databaseFolders(Application& app) {
+  std::vector<std::string> folders;
+  if (auto main = GetDatabaseFolder(app)) folders.push_back(*main);
+  if (auto card = GetCardDatabaseFolder(app)) folders.push_back(*card);
+  return folders;
+}
+
+}  // namespace
+
+std::optional<std::string> GetDatabaseFolder(Application& app) {
+  return databaseFolder(app.platform.files, Volume::kMain);
+}
+
+std::optional<std::string> GetCardDatabaseFolder(Application& app) {
+  return databaseFolder(app.platform.files, Volume::kCard);
+}
+
+bool ReadDatabaseSummary(Application& app, const std::string& path, DatabaseSummary& summary) {
+  Files& files = app.platform.files;
+  if (readHeader(files, path, summary.header, app.engine.last_probed_header) != kProbeAccepted ||
+      summary.header.record_count < kSchemaRecords) {
+    return false;
+  }
+  const auto start = files.readStart(path, kHeaderSize + kRecordListEntrySize);
+  const auto info = files.info(path);
+  if (!start.ok() || !info.ok() || start->size() < kHeaderSize + kRecordListEntrySize) return false;
+  const std::uint64_t offset = loadBe32(start->data() + kHeaderSize);
+  const std::uint64_t end = offset + kDatabaseRecordSize;
+  if (end > info->size) return false;
+  const auto bytes = files.readStart(path, static_cast<std::size_t>(end));
+  if (!bytes.ok() || bytes->size() < end) return false;
+  return readDatabaseRecord(ByteView(*bytes).subspan(static_cast<std::size_t>(offset)),
+                            summary.schema) != 0;
+}
+
+DatabaseList ListDatabases(Application& app, const std::u16string& category) {
+  DatabaseList list;
+  for (const std::string& folder : databaseFolders(app)) {
+    const auto names = databaseFileNames(app.platform.files, folder);
+    if (names.empty()) list.found_files = false;
+    for (const std::string& name : names) {
+      const std::string path = folder + "/" + name;
+      auto summary = std::make_unique<DatabaseSummary>();
+      if (!ReadDatabaseSummary(app, path, *summary)) continue;
+      DatabaseFile file = describe(app, path, *summary);
+      if (std::find(list.categories.begin(), list.categories.end(), file.category) ==
+          list.categories.end()) {
+        list.categories.push_back(file.category);
+      }
+      if (category == kAllCategories || category == file.category) {
+        list.files.push_back(std::move(file));
+      }
+    }
+  }
+  std::stable_sort(list.files.begin(), list.files.end(), nameLess);
+  return list;
+}
+
+std::optional<std::string> FindDatabaseFile(Application& app, const std::string& name) {
+  for (const std::string& folder : databaseFolders(app)) {
+    for (const std::string& file : databaseFileNames(app.platform.files, folder)) {
+      const std::string path = folder + "/" + file;
+      FileHeader header;
+      if (readHeader(app.platform.files, path, header, app.engine.last_probed_header) ==
+              kProbeAccepted &&
+          areaText(header.name) == name) {
+        return path;
+      }
+    }
+  }
+  return std::nullopt;
+}
+
+void InstallSampleDatabases(Application& app) {
+  Files& files = app.platform.files;
+  const auto folder = GetDatabaseFolder(app);
+  if (!folder) return;
+  for (const std::string& name : databaseFileNames(files, app.platform.samples_folder)) {
+    const Status copied =
+        files.copy(app.platform.samples_folder + "/" + name, *folder + "/" + name, false);
+    if (!copied.ok()) {
+      ShowMessage(app, u"Could Not Initialize Database files", u"Error!", MessageIcon::kError);
+      return;
+    }
+  }
+}
+
+}  // namespace tabelion

@@ -1,0 +1,51 @@
+// Where database files live, and which of them there are.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "services/application.h"
+
+namespace tabelion {
+
+// The database folder of the main storage or of the card, which comes into being on first use:
+// "Tabelion" in the volume's documents folder. A folder that the previous major version left there
+// is taken over under the new name. None where the volume has no documents folder.
+std::optional<std::string> GetDatabaseFolder(Application& app);
+std::optional<std::string> GetCardDatabaseFolder(Application& app);
+
+// A database file as far as the chooser needs to know it.
+struct DatabaseFile {
+  std::string path;
+  std::u16string name;      // from the file's header
+  std::u16string category;  // kUnfiled when the database names none
+};
+
+// What the chooser shows.
+struct DatabaseList {
+  std::vector<DatabaseFile> files;         // of the wanted category, sorted by name
+  std::vector<std::u16string> categories;  // of all files, in order of first appearance
+  bool found_files = true;                 // false when a folder holds no file "*.pdb" at all
+};
+
+// Looks through both folders. Reads of each file no more than its schema.
+DatabaseList ListDatabases(Application& app, const std::u16string& category);
+
+// The file whose header carries this name (8-bit), of the main folder first. Names compare exactly.
+std::optional<std::string> FindDatabaseFile(Application& app, const std::string& name);
+
+// Header and database record of a file, without its records; false when it is not a database file
+// of this system or its schema cannot be read.
+struct DatabaseSummary {
+  FileHeader header;
+  DatabaseRecord schema;
+};
+bool ReadDatabaseSummary(Application& app, const std::string& path, DatabaseSummary& summary);
+
+// Copies the sample databases into the main folder; what is there already is never overwritten.
+// The samples stay where they are, since they belong to every user of the machine. Shows a message
+// at the first failure and stops.
+void InstallSampleDatabases(Application& app);
+
+}  // namespace tabelion

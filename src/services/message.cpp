@@ -1,0 +1,26 @@
+#include "services/message.h"
+
+#include "services/screen_text.h"
+
+namespace tabelion {
+
+void ShowMessage(Application& app, const std::u16string& text, const std::u16string& title,
+                 MessageIcon icon) {
+  app.platform.dialogs.message({text, title, MessageButtons::kOk, icon});
+}
+
+bool Ask(Application& app, const std::u16string& text, const std::u16string& title,
+         MessageIcon icon) {
+  return app.platform.dialogs.message({text, title, MessageButtons::kYesNo, icon}) ==
+         MessageAnswer::kYes;
+}
+
+void ShowEngineMessage(Application& app, const std::string& text) {
+  ShowMessage(app, FromUtf8(text), u"ERROR", MessageIcon::kError);
+}
+
+void ShowError(Application& app, const Error& error, const std::u16string& title) {
+  ShowMessage(app, FromUtf8(error.text), title, MessageIcon::kError);
+}
+
+}  // namespace tabelion

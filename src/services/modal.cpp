@@ -1,0 +1,78 @@
+#include "services/modal.h"
+
+namespace tabelion {
+namespace {
+
+// Hands everything on to the screen and restarts the timer on every sign of life.
+class AutoClosing : public DialogHandler {
+ public:
+  AutoClosing(Application& app, Screen& screen) : app_(app), screen_(screen) {}
+
+  void onInit(Dialog& dialog) override {
+    restart(dialog);
+    screen_.onInit(dialog);
+  }
+  void onCommand(Dialog& dialog, CommandId command) override {
+    restart(dialog);
+    screen_.onCommand(dialog, command);
+  }
+  void onNotice(Dialog& dialog, ControlId control, Notice notice) override {
+    restart(dialog);
+    screen_.onNotice(dialog, control, notice);
+  }
+  bool onKey(Dialog& dialog, const KeyPress& key) override {
+    restart(dialog);
+    return screen_.onKey(dialog, key);
+  }
+  bool acceptsCharacter(Dialog& dialog, ControlId control, char32_t character) override {
+    restart(dialog);
+    return screen_.acceptsCharacter(dialog, control, character);
+  }
+  void onMenuOpening(Dialog& dialog, MenuEntry& soft_key) override {
+    restart(dialog);
+    screen_.onMenuOpening(dialog, soft_key);
+  }
+  void onTimer(Dialog& dialog, int timer) override {
+    if (timer != kAutoCloseTimer) return screen_.onTimer(dialog, timer);
+    if (!app_.preferences.autoCloses()) return dialog.stopTimer(kAutoCloseTimer);
+    if (screen_.OnAutoClose(dialog)) {
+      dialog.end(kDialogAutoClosed);
+    } else {
+      restart(dialog);
+    }
+  }
+  void onMessage(Dialog& dialog, int message) override { screen_.onMessage(dialog, message); }
+  void onActivate(Dialog& dialog) override { screen_.onActivate(dialog); }
+  void onResize(Dialog& dialog) override { screen_.onResize(dialog); }
+  void onPaintRow(Dialog& dialog, ControlId list, int row, ListPainter& painter,
+                  const Rect& area) override {
+    screen_.onPaintRow(dialog, list, row, painter, area);
+  }
+  std::u16string rowText(Dialog& dialog, ControlId list, int row) override {
+    return screen_.rowText(dialog, list, row);
+  }
+
+ private:
+  void restart(Dialog& dialog) const {
+    if (app_.preferences.autoCloses()) {
+      dialog.startTimer(kAutoCloseTimer, app_.preferences.auto_close_period_ms);
+    }
+  }
+
+  Application& app_;
+  Screen& screen_;
+};
+
+}  // namespace
+
+int RunModalDialog(Application& app, Dialog* owner, const DialogTemplate& dialog, Screen& screen) {
+  if (owner != nullptr) owner->stopTimer(kAutoCloseTimer);
+  AutoClosing handler(app, screen);
+  const int result = app.platform.dialogs.runModal(dialog, handler);
+  if (owner != nullptr && app.preferences.autoCloses()) {
+    owner->startTimer(kAutoCloseTimer, app.preferences.auto_close_period_ms);
+  }
+  return result;
+}
+
+}  // namespace tabelion

@@ -1,0 +1,126 @@
+#include "services/open_database.h"
+
+#include "security/access_rights.h"
+#include "services/folders.h"
+#include "services/message.h"
+
+namespace tabelion {
+namespace {
+
+constexpr char kLockHolder[] = "tabelion";
+
+// Whether the file is one of this system's. A file of an older format asks until the user
+// gives up on it.
+// Compat: answering Yes only brings the question back (OpenDatabase.LegacyFilesAskUntilNo).
+int probe(Application& app, const std::string& path) {
+  FileHeader header;
+  Files& files = app.platform.files;
+  while (readHeader(files, path, header, app.engine.last_probed_header) != kProbeAccepted) {
+    if (readLegacyHeader(files, path, header, app.engine.last_probed_header) != kProbeAccepted) {
+      ShowMessage(app, u"ERROR: File selected is not a Tabelion Database!", u"Update",
+                  MessageIcon::kExclamation);
+      return kNotADatabase;
+    }
+    if (!Ask(app,
+             u"This database file is not in the current Tabelion database format.  Would you like "
+             u"to updated the database to the latest format? (Y/N)",
+             u"QUESTION")) {
+      return kOpenRefused;
+    }
+    ShowMessage(app, u"This is a pending item.", u"OpenDatabaseFile", MessageIcon::kInformation);
+  }
+  return kOpened;
+}
+
+bool mayOpen(Application& app, const DatabaseRecord& schema, const AccessPasswordPrompt& prompt) {
+  switch (openCode(schema)) {
+    case kOpenFreely:
+      return true;
+    case kOpenWithPassword:
+      return prompt(areaText(schema.access_password));
+    default:
+      ShowMessage(app, u"Action Not Allowed for this Database!", u"ACCESS DENIED",
+                  MessageIcon::kExclamation);
+      return false;
+  }
+}
+
+bool readIntoSlot(Application& app, const std::string& path) {
+  WaitCursor waiting(app);
+  StackSlot& slot = app.stack.current();
+  slot.database->path = path;
+  app.current_record = 0;
+  if (openDatabase(*slot.database, app.engine) != 1) return false;
+  PrepareFormats(app);
+  return true;
+}
+
+}  // namespace
+
+int OpenDatabaseFile(Application& app, const std::string& path,
+                     const AccessPasswordPrompt& ask_password) {
+  if (const int probed = probe(app, path); probed != kOpened) return probed;
+  StackSlot& slot = app.stack.current();
+  auto lock = app.platform.files.lock(path, kLockHolder);
+  if (!lock.ok()) {
+    ShowError(app, lock.error(), u"Open Database");
+    return kOpenRefused;
+  }
+  slot.lock = std::move(*lock);
+  // The rights come first: nothing of a database that may not be opened reaches the screen. A
+  // schema that cannot be read is left to the open itself, which says what is wrong.
+  auto summary = std::make_unique<DatabaseSummary>();
+  const bool readable = ReadDatabaseSummary(app, path, *summary);
+  if (readable && !mayOpen(app, summary->schema, ask_password)) {
+    ResetCurrentSlot(app);
+    return kOpenRefused;
+  }
+  if (!readIntoSlot(app, path)) {
+    ResetCurrentSlot(app);
+    return kOpenRefused;
+  }
+  slot.open = true;
+  return kOpened;
+}
+
+bool SaveCurrentDatabase(Application& app) {
+  Database& database = CurrentDatabase(app);
+  const bool was_dirty = isDirty(database);
+  WaitCursor waiting(app);
+  if (app.current_record < database.records.count()) {
+    database.schema.current_record_index =
+        static_cast<std::uint16_t>(app.current_record + kSchemaRecords);
+  } else if (app.current_record != kNewRecord) {
+    database.schema.current_record_index = 0;
+  }
+  if (saveDatabase(database, app.engine) == 1) return true;
+  if (was_dirty) setDirty(database);
+  return false;
+}
+
+bool CloseDatabase(Application& app, AskBeforeSaving ask) {
+  Database& database = CurrentDatabase(app);
+  if (IsDatabaseOpen(app) && isDirty(database)) {
+    const bool save = ask == AskBeforeSaving::kNo || app.preferences.auto_save_on_close ||
+                      Ask(app, u"Save changes to this database?", u"QUESTION");
+    if (save && !SaveCurrentDatabase(app) &&
+        !Ask(app, u"ERROR:File could not be saved\nClose without saving the changes?", u"Update",
+             MessageIcon::kError)) {
+      return false;
+    }
+  }
+  closeDatabase(database);
+  ResetCurrentSlot(app);
+  app.current_record = 0;
+  app.new_record = false;
+  return true;
+}
+
+void CloseAllDatabases(Application& app) {
+  while (IsDatabaseOpen(app)) {
+    if (!CloseDatabase(app, AskBeforeSaving::kNo)) continue;  // the user wants another attempt
+    if (app.stack.current_depth > 0) --app.stack.current_depth;
+  }
+}
+
+}  // namespace tabelion
