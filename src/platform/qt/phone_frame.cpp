@@ -1,0 +1,199 @@
+#include "platform/qt/phone_frame.h"
+
+#include <QCloseEvent>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QScreen>
+#include <QTimer>
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "platform/qt/theme.h"
+
+namespace tabelion {
+
+namespace {
+
+constexpr int kSmallestSide = 120;  // own pixels; a form's row still fits
+
+}  // namespace
+
+double comfortableZoom(const Size& screen, const QSize& desktop, double dots_per_inch) {
+  const double wanted = 2.0 * std::max(1.0, dots_per_inch / theme::kDotsPerInch);
+  const double fits = 0.9 * std::min(double(desktop.width()) / screen.width,
+                                     double(desktop.height()) / screen.height);
+  return std::max(1.0, std::floor(std::min(wanted, fits) * 4) / 4);
+}
+
+PhoneFrame::PhoneFrame(const FrameOptions& options)
+    : title_(new TitleStrip(scale_, this)),
+      client_(new QWidget(this)),
+      soft_keys_(new SoftKeyBar(
+          scale_, [this](SoftKey key) { pressSoftKey(key); }, this)),
+      menus_(new MenuOverlay(scale_, client_)) {
+  double zoom = options.zoom;
+  if (zoom <= 0) {
+    const QScreen* desktop = QGuiApplication::primaryScreen();
+    zoom = desktop == nullptr ? 1.0
+                              : comfortableZoom(options.screen, desktop->availableSize(),
+                                                desktop->logicalDotsPerInch());
+  }
+  scale_ = Scale(std::clamp(zoom, kSmallestZoom, kLargestZoom));
+  setStyleSheet(theme::styleSheet(scale_));
+  setMinimumSize(scale_.px(kSmallestSide), scale_.px(kSmallestSide));
+  resize(scale_.px(options.screen.width), scale_.px(options.screen.height));
+  layOut();
+}
+
+Size PhoneFrame::screenSize() const {
+  return {scale_.own(width()), scale_.own(height())};
+}
+
+Size PhoneFrame::clientSize() const {
+  const Size whole = screenSize();
+  return {whole.width, whole.height - theme::kTitleHeight - theme::kSoftKeyHeight};
+}
+
+void PhoneFrame::setZoom(double zoom) {
+  const Size own = screenSize();
+  scale_ = Scale(std::clamp(zoom, kSmallestZoom, kLargestZoom));
+  menus_->dismiss();
+  setStyleSheet(theme::styleSheet(scale_));
+  setMinimumSize(scale_.px(kSmallestSide), scale_.px(kSmallestSide));
+  const QSize before = size();
+  resize(scale_.px(own.width), scale_.px(own.height));
+  if (size() == before) layOut();
+}
+
+void PhoneFrame::push(Layer& layer) {
+  menus_->dismiss();
+  layers_.push_back(&layer);
+  layer.setGeometry(client_->rect());
+  layer.applyScale();
+  showWhatIsSeen();
+  if (!isVisible()) {
+    show();
+    activateWindow();
+  }
+  layer.takeFocus();
+}
+
+void PhoneFrame::pop(Layer& layer) {
+  menus_->dismiss();
+  std::erase(layers_, &layer);
+  showWhatIsSeen();
+  layer.hide();
+  if (!layers_.empty()) layers_.back()->takeFocus();
+}
+
+// The topmost layer that covers everything, and what lies over it.
+void PhoneFrame::showWhatIsSeen() {
+  std::size_t lowest = layers_.size();
+  while (lowest > 0 && !layers_[--lowest]->coversAll()) {
+  }
+  for (std::size_t i = 0; i < layers_.size(); ++i) {
+    if (i < lowest) {
+      layers_[i]->hide();
+      continue;
+    }
+    layers_[i]->show();
+    layers_[i]->raise();
+  }
+  refreshStrips();
+}
+
+void PhoneFrame::refreshStrips() {
+  QString title;
+  for (const Layer* layer : layers_) {
+    if (!layer->title().isEmpty()) title = layer->title();
+  }
+  title_->setTitle(title);
+  setWindowTitle(title);
+  if (menus_->isOpen()) {
+    soft_keys_->setLabels({QStringLiteral("Select"), true}, {QStringLiteral("Cancel"), true});
+  } else if (layers_.empty()) {
+    soft_keys_->setLabels({}, {});
+  } else {
+    soft_keys_->setLabels(layers_.back()->softKey(SoftKey::kLeft),
+                          layers_.back()->softKey(SoftKey::kRight));
+  }
+}
+
+void PhoneFrame::openMenu(const std::vector<MenuEntry>& entries,
+                          const MenuOverlay::Opening& opening, MenuOverlay::Done done) {
+  menus_->open(entries, opening, [this, done = std::move(done)](CommandId command) {
+    refreshStrips();
+    if (!layers_.empty()) layers_.back()->takeFocus();
+    done(command);
+  });
+  refreshStrips();
+}
+
+void PhoneFrame::pressSoftKey(SoftKey key) {
+  if (menus_->isOpen()) {
+    if (key == SoftKey::kLeft) {
+      menus_->chooseMarked();
+    } else {
+      menus_->dismiss();
+    }
+    return;
+  }
+  if (Layer* layer = top()) layer->pressSoftKey(key);
+}
+
+void PhoneFrame::layOut() {
+  const int title = scale_.px(theme::kTitleHeight);
+  const int keys = scale_.px(theme::kSoftKeyHeight);
+  title_->setGeometry(0, 0, width(), title);
+  soft_keys_->setGeometry(0, height() - keys, width(), keys);
+  client_->setGeometry(0, title, width(), qMax(1, height() - title - keys));
+  menus_->setGeometry(client_->rect());
+  // A handler that is told of the new size may open or end a screen.
+  const std::vector<Layer*> layers = layers_;
+  for (Layer* layer : layers) {
+    if (std::find(layers_.begin(), layers_.end(), layer) == layers_.end()) continue;
+    layer->setGeometry(client_->rect());
+    layer->applyScale();
+  }
+}
+
+void PhoneFrame::resizeEvent(QResizeEvent*) {
+  layOut();
+}
+
+void PhoneFrame::keyPressEvent(QKeyEvent* event) {
+  const bool control = event->modifiers().testFlag(Qt::ControlModifier);
+  if (control && (event->key() == Qt::Key_Plus || event->key() == Qt::Key_Equal)) {
+    setZoom(scale_.zoom() + 0.25);
+  } else if (control && event->key() == Qt::Key_Minus) {
+    setZoom(scale_.zoom() - 0.25);
+  } else if (event->key() == Qt::Key_F1 || event->key() == Qt::Key_F2) {
+    if (!event->isAutoRepeat()) {
+      pressSoftKey(event->key() == Qt::Key_F1 ? SoftKey::kLeft : SoftKey::kRight);
+    }
+  } else {
+    event->ignore();
+  }
+}
+
+void PhoneFrame::closeEvent(QCloseEvent* event) {
+  if (layers_.empty()) {
+    event->accept();
+    return;
+  }
+  event->ignore();
+  menus_->dismiss();
+  closeStep(layers_.size() + 1);
+}
+
+// Each step runs in the event loop of the layer that has become the topmost, since the one above
+// returns to its caller first.
+void PhoneFrame::closeStep(std::size_t layers_before) {
+  if (layers_.empty() || layers_.size() >= layers_before) return;
+  const std::size_t now = layers_.size();
+  QTimer::singleShot(0, this, [this, now] { closeStep(now); });
+  layers_.back()->goBack();
+}
+
+}  // namespace tabelion

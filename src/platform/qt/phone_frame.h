@@ -1,0 +1,74 @@
+// The window: the phone's screen with its title strip, the layers between, and the soft keys.
+//
+// The layers are a stack. Closing the window asks the topmost layer to go back, then the one
+// below, for as long as each of them ends; what asks a question instead stays, with its question.
+#pragma once
+
+#include <QWidget>
+#include <vector>
+
+#include "platform/dialogs.h"
+#include "platform/qt/layer.h"
+#include "platform/qt/menu_overlay.h"
+#include "platform/qt/scale.h"
+#include "platform/qt/strips.h"
+
+namespace tabelion {
+
+struct FrameOptions {
+  Size screen{240, 320};
+  double zoom = 0;  // 0: one that the desktop can show and the eye can read
+};
+
+inline constexpr double kSmallestZoom = 0.5;
+inline constexpr double kLargestZoom = 10;
+
+class PhoneFrame final : public QWidget {
+ public:
+  explicit PhoneFrame(const FrameOptions& options);
+
+  const Scale& scale() const { return scale_; }
+  Size screenSize() const;  // the whole screen, in its own pixels
+  Size clientSize() const;  // between title strip and soft keys
+  // Keeps the screen's own size and makes the window larger or smaller.
+  void setZoom(double zoom);
+
+  // Layers live in this widget; whoever pushes one pops it again, in reverse order.
+  QWidget* layerParent() { return client_; }
+  void push(Layer& layer);
+  void pop(Layer& layer);
+  Layer* top() const { return layers_.empty() ? nullptr : layers_.back(); }
+  const std::vector<Layer*>& layers() const { return layers_; }
+
+  MenuOverlay& menus() { return *menus_; }
+  void openMenu(const std::vector<MenuEntry>& entries, const MenuOverlay::Opening& opening,
+                MenuOverlay::Done done);
+  void pressSoftKey(SoftKey key);
+  void refreshStrips();  // title and soft keys of the topmost layer
+  void setBusy(bool busy) { title_->setBusy(busy); }
+  const SoftKeyBar& softKeys() const { return *soft_keys_; }
+  QString shownTitle() const { return title_->title(); }
+
+ protected:
+  void resizeEvent(QResizeEvent*) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void closeEvent(QCloseEvent* event) override;
+  bool focusNextPrevChild(bool) override { return true; }  // each layer moves its own focus
+
+ private:
+  void layOut();
+  void showWhatIsSeen();
+  void closeStep(std::size_t layers_before);
+
+  Scale scale_;
+  TitleStrip* title_;
+  QWidget* client_;
+  SoftKeyBar* soft_keys_;
+  MenuOverlay* menus_;
+  std::vector<Layer*> layers_;
+};
+
+// The zoom that a desktop of this size and resolution gets when none is asked for.
+double comfortableZoom(const Size& screen, const QSize& desktop, double dots_per_inch);
+
+}  // namespace tabelion

@@ -1,0 +1,221 @@
+#include "platform/qt/pictures.h"
+
+#include <QPainter>
+#include <QPainterPath>
+
+#include "platform/qt/theme.h"
+
+namespace tabelion {
+
+namespace {
+
+// Draws in a square of `units` by `units` laid over the area.
+class UnitPainter {
+ public:
+  UnitPainter(QPainter& painter, const QRectF& area, double width, double height)
+      : painter_(painter) {
+    painter_.save();
+    painter_.setRenderHint(QPainter::Antialiasing);
+    painter_.translate(area.topLeft());
+    painter_.scale(area.width() / width, area.height() / height);
+    painter_.setBrush(Qt::NoBrush);
+  }
+  ~UnitPainter() { painter_.restore(); }
+  UnitPainter(const UnitPainter&) = delete;
+  UnitPainter& operator=(const UnitPainter&) = delete;
+
+  void pen(QRgb colour, double width) {
+    painter_.setPen(
+        QPen(QColor::fromRgb(colour), width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+  }
+  void lines(std::initializer_list<QPointF> points) {
+    painter_.drawPolyline(points.begin(), static_cast<int>(points.size()));
+  }
+  void box(const QRectF& place, double radius, QRgb fill) {
+    painter_.setBrush(QColor::fromRgb(fill));
+    painter_.drawRoundedRect(place, radius, radius);
+    painter_.setBrush(Qt::NoBrush);
+  }
+  QPainter& operator*() { return painter_; }
+
+ private:
+  QPainter& painter_;
+};
+
+void paintBox(QPainter& painter, const QRectF& area, bool ticked) {
+  UnitPainter unit(painter, area, 13, 13);
+  unit.pen(ticked ? theme::kFocus : theme::kInkSoft, 1);
+  unit.box(QRectF(1, 1, 11, 11), 1.5, ticked ? theme::kFocus : theme::kPaper);
+  if (!ticked) return;
+  unit.pen(theme::kPaper, 1.8);
+  unit.lines({{3.4, 6.8}, {5.6, 9.0}, {9.6, 4.2}});
+}
+
+void paintTextIcon(UnitPainter& unit) {
+  unit.lines({{6, 6}, {14, 6}});
+  unit.lines({{10, 6}, {10, 15}});
+}
+
+void paintNumberIcon(UnitPainter& unit) {
+  unit.lines({{8.6, 5}, {7.4, 15}});
+  unit.lines({{13, 5}, {11.8, 15}});
+  unit.lines({{5.8, 8.4}, {14.8, 8.4}});
+  unit.lines({{5.2, 11.8}, {14.2, 11.8}});
+}
+
+void paintPopupIcon(UnitPainter& unit) {
+  for (const double y : {6.0, 10.0, 14.0}) {
+    unit.lines({{5.2, y}, {5.6, y}});
+    unit.lines({{8.4, y}, {15, y}});
+  }
+}
+
+void paintDateIcon(UnitPainter& unit) {
+  (*unit).drawRoundedRect(QRectF(4.5, 5.5, 11, 10), 1.2, 1.2);
+  unit.lines({{4.8, 8.6}, {15.2, 8.6}});
+  unit.lines({{7.4, 4}, {7.4, 6.4}});
+  unit.lines({{12.6, 4}, {12.6, 6.4}});
+}
+
+void paintTimeIcon(UnitPainter& unit) {
+  (*unit).drawEllipse(QPointF(10, 10), 5.8, 5.8);
+  unit.lines({{10, 6.6}, {10, 10}, {12.6, 11.4}});
+}
+
+void paintFieldIcon(QPainter& painter, const QRectF& area, void (*draw)(UnitPainter&)) {
+  UnitPainter unit(painter, area, 20, 20);
+  unit.pen(theme::kFocus, 1.4);
+  draw(unit);
+}
+
+// Three index cards, the front one with its lines, and the name beside them.
+void paintLogo(QPainter& painter, const QRectF& area) {
+  UnitPainter unit(painter, area, 96, 48);
+  unit.pen(theme::kBar, 1.6);
+  unit.box(QRectF(14, 5, 30, 22), 2.5, 0xFFBFE3F8);
+  unit.box(QRectF(9, 11, 32, 24), 2.5, 0xFF7CCBF6);
+  unit.box(QRectF(4, 18, 34, 26), 2.5, theme::kPaper);
+  unit.pen(theme::kFocus, 2);
+  unit.lines({{9, 25}, {26, 25}});
+  unit.pen(theme::kInkSoft, 1.4);
+  unit.lines({{9, 31}, {33, 31}});
+  unit.lines({{9, 37}, {29, 37}});
+  unit.pen(theme::kBar, 4.4);
+  unit.lines({{55, 13}, {85, 13}});
+  unit.lines({{70, 13}, {70, 40}});
+}
+
+}  // namespace
+
+Size pictureSize(Picture picture) {
+  switch (picture) {
+    case Picture::kNone:
+      return {0, 0};
+    case Picture::kLogo:
+      return {96, 48};
+    case Picture::kChecked:
+    case Picture::kUnchecked:
+      return {13, 13};
+    default:
+      return {20, 20};
+  }
+}
+
+void paintPicture(QPainter& painter, Picture picture, const QRectF& area) {
+  switch (picture) {
+    case Picture::kNone:
+      return;
+    case Picture::kLogo:
+      return paintLogo(painter, area);
+    case Picture::kChecked:
+      return paintBox(painter, area, true);
+    case Picture::kUnchecked:
+      return paintBox(painter, area, false);
+    case Picture::kFieldText:
+      return paintFieldIcon(painter, area, paintTextIcon);
+    case Picture::kFieldNumber:
+      return paintFieldIcon(painter, area, paintNumberIcon);
+    case Picture::kFieldPopup:
+      return paintFieldIcon(painter, area, paintPopupIcon);
+    case Picture::kFieldDate:
+      return paintFieldIcon(painter, area, paintDateIcon);
+    case Picture::kFieldTime:
+      return paintFieldIcon(painter, area, paintTimeIcon);
+  }
+}
+
+void paintMessageIcon(QPainter& painter, MessageIcon icon, const QRectF& area) {
+  if (icon == MessageIcon::kNone) return;
+  const bool triangle = icon == MessageIcon::kExclamation || icon == MessageIcon::kWarning;
+  const QRgb colour = icon == MessageIcon::kError ? 0xFFB3261E
+                      : triangle                  ? 0xFF9A5B00
+                                                  : theme::kFocus;
+  UnitPainter unit(painter, area, 24, 24);
+  (*unit).setPen(Qt::NoPen);
+  (*unit).setBrush(QColor::fromRgb(colour));
+  if (triangle) {
+    unit.pen(colour, 2);
+    (*unit).setBrush(QColor::fromRgb(colour));
+    (*unit).drawPolygon(QPolygonF({{12, 3}, {22, 21}, {2, 21}}));
+  } else {
+    (*unit).drawEllipse(QRectF(1, 1, 22, 22));
+  }
+  unit.pen(theme::kPaper, 2.4);
+  switch (icon) {
+    case MessageIcon::kInformation:
+      unit.lines({{12, 11}, {12, 17.5}});
+      unit.lines({{12, 6.6}, {12, 6.7}});
+      break;
+    case MessageIcon::kQuestion: {
+      QPainterPath hook(QPointF(8.6, 9));
+      hook.cubicTo(8.6, 4.6, 15.6, 4.6, 15.6, 9);
+      hook.cubicTo(15.6, 11.6, 12, 11.4, 12, 14.2);
+      (*unit).setBrush(Qt::NoBrush);
+      (*unit).drawPath(hook);
+      unit.lines({{12, 18}, {12, 18.1}});
+      break;
+    }
+    case MessageIcon::kError:
+      unit.lines({{8, 8}, {16, 16}});
+      unit.lines({{16, 8}, {8, 16}});
+      break;
+    default:
+      unit.lines({{12, 9.5}, {12, 14}});
+      unit.lines({{12, 18}, {12, 18.1}});
+  }
+}
+
+void paintHourGlass(QPainter& painter, const QRectF& area, QRgb colour) {
+  UnitPainter unit(painter, area, 14, 14);
+  unit.pen(colour, 1.3);
+  unit.lines({{3, 1.5}, {11, 1.5}});
+  unit.lines({{3, 12.5}, {11, 12.5}});
+  (*unit).setBrush(QColor::fromRgb(colour));
+  (*unit).drawPolygon(QPolygonF({{4, 2}, {10, 2}, {7, 6.6}}));
+  (*unit).drawPolygon(QPolygonF({{7, 9}, {10, 12}, {4, 12}}));
+  (*unit).setBrush(Qt::NoBrush);
+  (*unit).drawPolygon(QPolygonF({{4, 12}, {7, 7}, {10, 12}}));
+}
+
+void paintTick(QPainter& painter, const QRectF& area, QRgb colour) {
+  UnitPainter unit(painter, area, 13, 13);
+  unit.pen(colour, 1.8);
+  unit.lines({{2.8, 6.8}, {5.4, 9.6}, {10.4, 3.4}});
+}
+
+void paintChevron(QPainter& painter, const QRectF& area, Pointing pointing, QRgb colour) {
+  UnitPainter unit(painter, area, 10, 10);
+  unit.pen(colour, 1.5);
+  switch (pointing) {
+    case Pointing::kLeft:
+      return unit.lines({{6.5, 2}, {3.5, 5}, {6.5, 8}});
+    case Pointing::kRight:
+      return unit.lines({{3.5, 2}, {6.5, 5}, {3.5, 8}});
+    case Pointing::kUp:
+      return unit.lines({{2, 6.5}, {5, 3.5}, {8, 6.5}});
+    case Pointing::kDown:
+      return unit.lines({{2, 3.5}, {5, 6.5}, {8, 3.5}});
+  }
+}
+
+}  // namespace tabelion

@@ -1,0 +1,103 @@
+#include "platform/qt/qt_dialogs.h"
+
+#include <QCursor>
+#include <QEventLoop>
+#include <QGuiApplication>
+
+#include "platform/qt/accessibility.h"
+#include "platform/qt/message_screen.h"
+#include "platform/qt/progress_panel.h"
+#include "platform/qt/screen.h"
+
+namespace tabelion {
+
+namespace {
+
+class PanelProgress final : public Progress {
+ public:
+  PanelProgress(PhoneFrame& frame, const std::u16string& what) : panel_(frame, what) {}
+  void set(int done, int total) override { panel_.set(done, total); }
+
+ private:
+  ProgressPanel panel_;
+};
+
+// Takes the wait cursor away while the user is asked something, and puts it back after.
+class PausedWait {
+ public:
+  PausedWait(PhoneFrame& frame, int waits) : frame_(frame), waits_(waits) {
+    if (waits_ == 0) return;
+    QGuiApplication::restoreOverrideCursor();
+    frame_.setBusy(false);
+  }
+  ~PausedWait() {
+    if (waits_ == 0) return;
+    QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+    frame_.setBusy(true);
+  }
+  PausedWait(const PausedWait&) = delete;
+  PausedWait& operator=(const PausedWait&) = delete;
+
+ private:
+  PhoneFrame& frame_;
+  const int waits_;
+};
+
+}  // namespace
+
+QtDialogs::QtDialogs(const FrameOptions& options) {
+  installAccessibility();
+  frame_ = std::make_unique<PhoneFrame>(options);
+}
+
+QtDialogs::~QtDialogs() = default;
+
+int QtDialogs::runModal(const DialogTemplate& dialog, DialogHandler& handler) {
+  const PausedWait paused(*frame_, waits_);
+  auto* below = dynamic_cast<Screen*>(frame_->top());
+  int result = 0;
+  {
+    Screen screen(*frame_, dialog, handler);
+    result = screen.run();
+  }
+  if (below != nullptr && frame_->top() == below) below->activated();
+  return result;
+}
+
+MessageAnswer QtDialogs::message(const MessageBox& box) {
+  const PausedWait paused(*frame_, waits_);
+  return MessageScreen(*frame_, box).run();
+}
+
+CommandId QtDialogs::popupMenu(Point at, const std::vector<MenuEntry>& entries) {
+  MenuOverlay::Opening opening;
+  opening.anchor = MenuOverlay::Anchor::kPoint;
+  opening.at = frame_->scale().rect(Rect{at.x, at.y, 1, 1});
+  CommandId chosen = 0;
+  QEventLoop loop;
+  bool done = false;
+  frame_->openMenu(entries, opening, [&](CommandId command) {
+    chosen = command;
+    done = true;
+    loop.exit(1);
+  });
+  if (!done) loop.exec();
+  return chosen;
+}
+
+void QtDialogs::setWaitCursor(bool on) {
+  waits_ += on ? 1 : -1;
+  if (on && waits_ == 1) {
+    QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+    frame_->setBusy(true);
+  } else if (!on && waits_ == 0) {
+    QGuiApplication::restoreOverrideCursor();
+    frame_->setBusy(false);
+  }
+}
+
+std::unique_ptr<Progress> QtDialogs::progress(const std::u16string& what) {
+  return std::make_unique<PanelProgress>(*frame_, what);
+}
+
+}  // namespace tabelion

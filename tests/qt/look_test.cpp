@@ -1,0 +1,181 @@
+// What is seen at every zoom, and what is said of it.
+#include <QAccessible>
+#include <QFontMetrics>
+
+#include "platform/qt/theme.h"
+#include "scripted_run.h"
+
+namespace tabelion {
+
+class LookTest : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void textFitsAtEveryZoom_data();
+  void textFitsAtEveryZoom();
+  void theScreenGrowsWithTheWindow();
+  void everythingHasAnAccessibleName();
+  void waitingAndProgressAreShown();
+};
+
+namespace {
+
+DialogTemplate form() {
+  DialogTemplate result;
+  result.title = u"Edit Record";
+  result.controls = {makeControlTemplate(1, ControlKind::kLabel, {9, 7, 104, 16}, u"Telephone"),
+                     makeControlTemplate(2, ControlKind::kEdit, {116, 5, 116, 22}, u"Ågjp 0123"),
+                     makeControlTemplate(3, ControlKind::kLabel, {9, 33, 104, 16}, u"Kind"),
+                     makeControlTemplate(4, ControlKind::kChoice, {116, 31, 116, 22}, u"Friend"),
+                     makeControlTemplate(5, ControlKind::kLabel, {9, 59, 104, 16}, u"Member"),
+                     makeControlTemplate(6, ControlKind::kCheckBox, {116, 57, 116, 24}),
+                     makeControlTemplate(7, ControlKind::kButton, {116, 83, 116, 24}, u"Note"),
+                     makeControlTemplate(8, ControlKind::kMultiEdit, {4, 110, 200, 40})};
+  result.controls[7].accessible_name = u"Remarks";
+  result.menu_bar.left = {1, u"Done", true, false, {}};
+  result.menu_bar.right = {0, u"Menu", true, false, {{5, u"Save", true, false, {}}}};
+  return result;
+}
+
+// The smallest rectangle round what is not the colour of the top left corner.
+QRect inkOf(const QImage& image) {
+  const QRgb paper = image.pixel(0, 0);
+  QRect ink;
+  for (int y = 0; y < image.height(); ++y) {
+    for (int x = 0; x < image.width(); ++x) {
+      if (image.pixel(x, y) != paper) ink |= QRect(x, y, 1, 1);
+    }
+  }
+  return ink;
+}
+
+}  // namespace
+
+void LookTest::textFitsAtEveryZoom_data() {
+  QTest::addColumn<double>("zoom");
+  for (const double zoom : {1.0, 1.5, 2.0, 3.0}) QTest::addRow("%.1f", zoom) << zoom;
+}
+
+void LookTest::textFitsAtEveryZoom() {
+  QFETCH(double, zoom);
+  QtDialogs dialogs({{240, 320}, zoom});
+  RecordingHandler handler;
+  handler.on_command = [](Dialog& dialog, CommandId) { dialog.end(1); };
+  Script script(dialogs);
+  script.then([&] {
+    const QImage whole = dialogs.frame().grab().toImage();
+    QCOMPARE(whole.size(), QSize(qRound(240 * zoom), qRound(320 * zoom)));
+    // Labels, boxes and soft keys: the text is no wider than its place and not cut at its edges.
+    for (const ControlId id : {1, 2, 4, 7}) {
+      QWidget* widget = script.widget(id);
+      const QFontMetrics metrics(widget->font());
+      const QString text = toQt(script.screen()->control(id).text());
+      QVERIFY(metrics.height() <= widget->height());
+      QVERIFY(metrics.horizontalAdvance(text) + qRound(8 * zoom) <= widget->width());
+    }
+    const QRect label = inkOf(script.widget(1)->grab().toImage());
+    QVERIFY(label.top() > 0 && label.bottom() < script.widget(1)->height() - 1);
+    QVERIFY(label.height() >= qFloor(8 * zoom));  // enlarged by fonts, in full
+    const QWidget& key = dialogs.frame().softKeys().button(SoftKey::kLeft);
+    const QRect done = inkOf(const_cast<QWidget&>(key).grab().toImage());
+    QVERIFY(done.top() > 0 && done.bottom() < key.height() - 1 && done.right() < key.width() - 1);
+    // A form's box is as high as the text of its neighbours at any zoom.
+    QCOMPARE(script.widget(2)->height(), qRound(27 * zoom) - qRound(5 * zoom));
+  });
+  script.key(Qt::Key_F1);
+  script.run(form(), handler);
+}
+
+void LookTest::theScreenGrowsWithTheWindow() {
+  QCOMPARE(comfortableZoom({240, 320}, {1920, 1050}, 96), 2.0);
+  QCOMPARE(comfortableZoom({240, 320}, {3840, 2100}, 192), 4.0);
+  QCOMPARE(comfortableZoom({240, 320}, {800, 600}, 96), 1.5);
+  QtDialogs dialogs({{320, 240}, 1.25});
+  RecordingHandler handler;
+  handler.on_command = [](Dialog& dialog, CommandId) { dialog.end(1); };
+  Script script(dialogs);
+  script.then([&] {
+    QCOMPARE(script.screen()->fullScreenSize().width, 320);
+    QCOMPARE(script.screen()->screenSize().height, 240 - 22 - 24);
+    dialogs.frame().resize(500, 500);
+    QCOMPARE(script.screen()->fullScreenSize().width, 400);
+    QCOMPARE(handler.resizes, 1);
+  });
+  script.key(Qt::Key_Plus, Qt::ControlModifier).then([&] {
+    QCOMPARE(dialogs.frame().scale().zoom(), 1.5);
+    QCOMPARE(script.screen()->fullScreenSize().width, 400);
+    QCOMPARE(script.widget(1)->geometry(), dialogs.frame().scale().rect({9, 7, 104, 16}));
+  });
+  script.key(Qt::Key_F1);
+  script.run(form(), handler);
+}
+
+void LookTest::everythingHasAnAccessibleName() {
+  QtDialogs dialogs({{240, 320}, 1});
+  RecordingHandler handler;
+  handler.on_command = [&](Dialog& dialog, CommandId command) {
+    if (command == 1) dialogs.message({u"File Saved", u"Update", MessageButtons::kOk, {}});
+    if (command == kBackCommand) dialog.end(1);
+  };
+  Script script(dialogs);
+  const auto of = [](QWidget* widget) { return QAccessible::queryAccessibleInterface(widget); };
+  script.then([&] {
+    const std::pair<ControlId, QString> names[] = {
+        {2, "Telephone"}, {4, "Kind"}, {6, "Member"}, {7, "Note"}, {8, "Remarks"}};
+    for (const auto& [id, name] : names) {
+      QCOMPARE(of(script.widget(id))->text(QAccessible::Name), name);
+    }
+    QCOMPARE(of(script.widget(2))->text(QAccessible::Value), "Ågjp 0123");
+    QCOMPARE(of(script.widget(4))->role(), QAccessible::ComboBox);
+    QCOMPARE(of(script.widget(4))->text(QAccessible::Value), "Friend");
+    QCOMPARE(of(script.widget(6))->role(), QAccessible::CheckBox);
+    QCOMPARE(of(script.screen())->text(QAccessible::Name), "Edit Record");
+    auto& key = const_cast<SoftKeyButton&>(dialogs.frame().softKeys().button(SoftKey::kRight));
+    QCOMPARE(of(&key)->text(QAccessible::Name), "Menu");
+    script.screen()->control(1).setText(u"Mobile");
+  });
+  script.key(Qt::Key_F2).then([&] {
+    QCOMPARE(of(script.widget(2))->text(QAccessible::Name), "Mobile");
+    QAccessibleInterface* row = of(dialogs.frame().menus().panel()->rows()[0]);
+    QCOMPARE(row->role(), QAccessible::MenuItem);
+    QCOMPARE(row->text(QAccessible::Name), "Save");
+  });
+  script.key(Qt::Key_Escape).key(Qt::Key_F1).then([&] {
+    QAccessibleInterface* box = of(script.question());
+    QCOMPARE(box->role(), QAccessible::AlertMessage);
+    QCOMPARE(box->text(QAccessible::Name), "Update");
+    QCOMPARE(of(script.focusWidget())->text(QAccessible::Name), "Update: File Saved");
+  });
+  script.key(Qt::Key_Return).key(Qt::Key_Escape);
+  script.run(form(), handler);
+}
+
+void LookTest::waitingAndProgressAreShown() {
+  QtDialogs dialogs({{240, 320}, 1});
+  RecordingHandler handler;
+  handler.on_command = [](Dialog& dialog, CommandId) { dialog.end(1); };
+  Script script(dialogs);
+  script.then([&] {
+    const QImage idle = dialogs.frame().grab().toImage();
+    dialogs.setWaitCursor(true);
+    dialogs.setWaitCursor(true);
+    dialogs.setWaitCursor(false);
+    QVERIFY(QGuiApplication::overrideCursor() != nullptr);
+    QVERIFY(dialogs.frame().grab().toImage() != idle);
+    dialogs.setWaitCursor(false);
+    QVERIFY(QGuiApplication::overrideCursor() == nullptr);
+    QCOMPARE(dialogs.frame().grab().toImage(), idle);
+    const auto progress = dialogs.progress(u"Sorting");
+    progress->set(1, 4);
+    const QImage quarter = dialogs.frame().grab().toImage();
+    progress->set(3, 4);
+    QVERIFY(dialogs.frame().grab().toImage() != quarter);
+  });
+  script.key(Qt::Key_F1);
+  script.run(form(), handler);
+}
+
+}  // namespace tabelion
+
+QTEST_MAIN(tabelion::LookTest)
+#include "look_test.moc"
