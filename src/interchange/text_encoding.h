@@ -24,6 +24,8 @@
 
 namespace tabelion {
 
+struct CodePage;
+
 inline constexpr std::string_view kDefaultCodePage = "CP1252";
 
 // The first character that could not be encoded.
@@ -63,11 +65,9 @@ class TextEncoding {
   // The longest start of `bytes` of at most `max_bytes` that splits no character.
   std::string_view cut(std::string_view bytes, std::size_t max_bytes) const;
 
-  struct Page;
-
  private:
-  explicit TextEncoding(std::shared_ptr<const Page> page) : page_(std::move(page)) {}
-  std::shared_ptr<const Page> page_;
+  explicit TextEncoding(std::shared_ptr<const CodePage> page) : page_(std::move(page)) {}
+  std::shared_ptr<const CodePage> page_;
 };
 
 // The database's own page where its mark names a usable one, else the user's, else 1252.
