@@ -1,0 +1,151 @@
+#include "shell/main_window.h"
+
+#include "screens/edit_record.h"
+#include "screens/record_list.h"
+#include "screens/screen_numbers.h"
+#include "services/modal.h"
+#include "support/phone_world.h"
+
+namespace tabelion {
+namespace {
+
+class Chooser : public testing::Test {
+ protected:
+  ScreenScript chooser() { return world.phone.at(kChooserScreen); }
+  void run(const StartOptions& options = {}) {
+    world.phone.play([&] { EXPECT_EQ(RunTabelion(world.platform, options), 0); });
+  }
+  static auto shows(const std::vector<std::u16string>& names) {
+    return [names](FakeDialog& dialog) {
+      const FakeControl& list = dialog.fake(kDatabaseList);
+      std::vector<std::u16string> rows;
+      for (int row = 0; row < list.rowCount(); ++row) {
+        rows.push_back(dialog.handler.rowText(dialog, kDatabaseList, row));
+      }
+      EXPECT_EQ(rows, names);
+    };
+  }
+  void putSamples() {
+    const std::string path = world.add("Recipes", {{"Dish"}}, {{"Soup"}});
+    world.files.put("/samples/Recipes.PDB", world.files.bytes(path));
+    ASSERT_TRUE(world.files.remove(path).ok());
+  }
+
+  PhoneWorld world;
+  const std::u16string offer = u"Install Sample Database? (Y/N)";
+};
+
+TEST_F(Chooser, OffersSamplesUntilNo) {
+  putSamples();
+  world.phone.asks(offer, u"QUESTION", MessageAnswer::kYes);
+  chooser().look(shows({u"Recipes"})).press(Key::kBack);
+  run();
+  EXPECT_EQ(world.setting("SampleDBs"), "0");
+
+  // Yes left the question armed; without samples it comes twice, since the list is filled twice.
+  ASSERT_TRUE(world.files.remove("/documents/Tabelion/Recipes.PDB").ok());
+  ASSERT_TRUE(world.files.remove("/samples/Recipes.PDB").ok());
+  world.phone.asks(offer, u"QUESTION", MessageAnswer::kYes);
+  world.phone.asks(offer, u"QUESTION", MessageAnswer::kNo);
+  chooser().look(shows({})).press(Key::kEnter).choose({u"Menu", u"Refresh"});
+  chooser().choose({u"Menu", u"Exit"});
+  run();
+  EXPECT_EQ(world.setting("SampleDBs"), "1");
+  chooser().press(Key::kBack);
+  run();
+}
+
+TEST_F(Chooser, ShowsOneCategoryAtATime) {
+  for (const char* name : {"Wines", "Tasks", "Plans"}) {
+    const auto database = world.make(name, {{"Name"}}, {});
+    if (name[0] != 'W') setAreaText(database->schema.category, "Work");
+    world.store(*database);
+  }
+  chooser()
+      .look(shows({u"Plans", u"Tasks", u"Wines"}))
+      .look([](FakeDialog& dialog) {
+        EXPECT_EQ(dialog.menuTexts({u"All"}),
+                  (std::vector<std::u16string>{u"All", u"Work", u"Unfiled"}));
+        EXPECT_EQ(dialog.fake(kDatabaseList).headings(),
+                  std::vector<std::u16string>{u"Choose Database:"});
+        EXPECT_EQ(dialog.fake(kDatabaseList).columns()[0].width, 230);
+        EXPECT_EQ(dialog.fake(kDatabaseList).paintRow(1).words(),
+                  std::vector<std::u16string>{u"Tasks"});
+      })
+      .choose({u"All", u"Work"})
+      .look(shows({u"Plans", u"Tasks"}))
+      .choose({u"Work", u"Unfiled"})
+      .look(shows({u"Wines"}))
+      .choose({u"Unfiled", u"All"})
+      .look(shows({u"Plans", u"Tasks", u"Wines"}))
+      .choose({u"Menu", u"Exit"});
+  run();
+}
+
+TEST_F(Chooser, OpensChangesAndSavesTheSelectedDatabase) {
+  world.add("Apples", {{"Sort"}}, {{"Cox"}});
+  const std::string path = world.add("Pears", {{"Sort"}}, {{"Conference"}, {"Kieffer"}});
+  const auto before = world.read(path);
+  chooser().press(Key::kDown).press(Key::kEnter);
+  world.phone.at(kRecordListScreen).press(Key::kDown).press(Key::kEnter);
+  world.phone.at(kEditRecordScreen).write(FormValue(0), u"Größe").press(Key::kEnter);
+  world.phone.at(kRecordListScreen).choose({u"Menu", u"Save"});
+  world.phone.says(u"File Saved", u"Update");
+  world.phone.at(kRecordListScreen).choose({u"Menu", u"Close"});
+  chooser().press(Key::kBack);
+  run();
+  EXPECT_EQ(world.cell(path, 1, 0),
+            "Gr\xF6\xDF"
+            "e");
+  const auto after = world.read(path);
+  EXPECT_TRUE(std::ranges::equal(before->records[0].bytes(), after->records[0].bytes()));
+}
+
+TEST_F(Chooser, CodePageOfThisRunIsTheOneGiven) {
+  const std::string path = world.add("Apples", {{"Sort"}}, {{"Cox"}});
+  chooser().press(Key::kEnter);
+  world.phone.at(kRecordListScreen).press(Key::kEnter);
+  world.phone.at(kEditRecordScreen).write(FormValue(0), u"Ж").press(Key::kEnter);
+  world.phone.at(kRecordListScreen).choose({u"Menu", u"Close"});
+  world.phone.asks(u"Save changes to this database?", u"QUESTION", MessageAnswer::kYes);
+  chooser().press(Key::kBack);
+  run({.command_line = "", .code_page = "CP1251"});
+  EXPECT_EQ(world.cell(path, 0, 0), "\xC6");
+  EXPECT_EQ(world.setting("CodePage"), "(none)");
+}
+
+TEST_F(Chooser, AutoSaveWritesAnOpenDatabaseAndNothingElse) {
+  world.set("AutoSaveSeconds", "30");
+  const std::string path = world.add("Apples", {{"Sort"}}, {{"Cox"}, {"Idared"}});
+  chooser()
+      .look([](FakeDialog& dialog) { EXPECT_EQ(dialog.timers[kAutoSaveTimer], 30000); })
+      .fire(kAutoSaveTimer)
+      .look([&](FakeDialog&) { EXPECT_EQ(world.files.replaces, 1); })
+      .press(Key::kEnter);
+  world.phone.at(kRecordListScreen).press(Key::kDown).press(Key::kEnter);
+  world.phone.at(kEditRecordScreen).write(FormValue(0), u"Braeburn").press(Key::kPageUp);
+  world.phone.at(kEditRecordScreen)
+      .write(FormValue(0), u"half ty")
+      .fireOf(kChooserScreen, kAutoSaveTimer)
+      .look([&](FakeDialog& dialog) {
+        EXPECT_EQ(world.cell(path, 1, 0), "Braeburn");
+        EXPECT_EQ(world.cell(path, 0, 0), "Cox");
+        EXPECT_EQ(dialog.fake(FormValue(0)).text(), u"half ty");
+        world.files.fail_replace_at = 0;
+      })
+      .fireOf(kChooserScreen, kAutoSaveTimer);
+  world.phone.says(u"ERROR:File could not be saved", u"Update");
+  world.phone.at(kEditRecordScreen).choose({u"Menu", u"Cancel"});
+  world.phone.at(kRecordListScreen).choose({u"Menu", u"Close"});
+  chooser().choose({u"Menu", u"Exit"});
+  run();
+
+  world.set("AutoSaveSeconds", "0");
+  chooser()
+      .look([](FakeDialog& dialog) { EXPECT_TRUE(dialog.timers.empty()); })
+      .choose({u"Menu", u"Exit"});
+  run();
+}
+
+}  // namespace
+}  // namespace tabelion
