@@ -78,6 +78,7 @@ class RecordStore {
 
   // The image that borrowed records point into; kept until clear().
   void adopt(FileImage image, std::size_t expected_records);
+  std::size_t imageSize() const { return image_.size; }
   void addBorrowed(Record record) { records_.push_back(std::move(record)); }
 
   // Insertion before `position` (count() appends). kNoPosition when the store is full or the
