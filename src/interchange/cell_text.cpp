@@ -1,0 +1,343 @@
+#include "interchange/cell_text.h"
+
+#include <algorithm>
+#include <charconv>
+
+#include <fmt/format.h>
+
+#include "engine/calendar.h"
+#include "engine/schema_places.h"
+#include "interchange/hex.h"
+
+namespace tabelion {
+namespace {
+
+std::string_view untilNul(ByteView stored) {
+  const auto* begin = reinterpret_cast<const char*>(stored.data());
+  if (stored.empty()) return {};
+  const void* nul = std::memchr(begin, 0, stored.size());
+  return {begin,
+          nul ? static_cast<std::size_t>(static_cast<const char*>(nul) - begin) : stored.size()};
+}
+
+template <class Number>
+CellText numberCell(Number number, CellScratch& scratch) {
+  const auto end =
+      std::to_chars(scratch.digits.data(), scratch.digits.data() + scratch.digits.size(), number);
+  return {{scratch.digits.data(), static_cast<std::size_t>(end.ptr - scratch.digits.data())}};
+}
+
+char* putTwoDigits(char* at, unsigned number) {
+  at[0] = static_cast<char>('0' + number / 10);
+  at[1] = static_cast<char>('0' + number % 10);
+  return at + 2;
+}
+
+CellText dateCell(std::uint32_t days, CellScratch& scratch) {
+  if (days == 0) return {};
+  const CalendarDate date = dateOfDayCount(days);
+  char* at = scratch.digits.data();
+  if (date.year <= kLastYear) {
+    at = putTwoDigits(at, static_cast<unsigned>(date.year / 100));
+    at = putTwoDigits(at, static_cast<unsigned>(date.year % 100));
+  } else {
+    at = std::to_chars(at, at + 16, date.year).ptr;
+  }
+  *at++ = '-';
+  at = putTwoDigits(at, static_cast<unsigned>(date.month));
+  *at++ = '-';
+  at = putTwoDigits(at, static_cast<unsigned>(date.day));
+  return {{scratch.digits.data(), static_cast<std::size_t>(at - scratch.digits.data())}};
+}
+
+CellText timeCell(ByteView stored, CellScratch& scratch) {
+  if (stored[2] == kNoTimeHour) return {};
+  char* at = scratch.digits.data();
+  for (const int part : {2, 1, 0}) {
+    if (part != 2) *at++ = ':';
+    const unsigned number = stored[static_cast<std::size_t>(part)];
+    at = number < 100 ? putTwoDigits(at, number) : std::to_chars(at, at + 3, number).ptr;
+  }
+  return {{scratch.digits.data(), static_cast<std::size_t>(at - scratch.digits.data())}};
+}
+
+// Numbers are stored as text, with a comma where that was the setting.
+CellText numberTextCell(std::string_view stored, CellScratch& scratch) {
+  const bool plain = isDecimalNumber(stored);
+  if (!plain && stored.find(',') != std::string_view::npos) {
+    scratch.text.assign(stored);
+    std::replace(scratch.text.begin(), scratch.text.end(), ',', '.');
+    if (isDecimalNumber(scratch.text)) return {scratch.text};
+  }
+  return {stored, plain, plain};
+}
+
+CellText popupCell(const PopupNames& popups, ByteView stored, CellScratch& scratch) {
+  if (const std::string* name = popups.nameOf(stored)) return {*name, false};
+  const bool is_empty =
+      std::all_of(stored.begin(), stored.end(), [](std::uint8_t byte) { return byte == 0; });
+  if (is_empty) return {};
+  scratch.text = "?" + toHex(stored);
+  return {scratch.text};
+}
+
+CellText linkCell(bool is_key, ByteView stored, CellScratch& scratch) {
+  const bool is_empty = stored.size() <= kLinkHeadSize;
+  if (!is_key) {
+    if (is_empty) return {};
+    return {untilNul(stored.subspan(kLinkHeadSize)), false, false};
+  }
+  const std::uint32_t key = stored.size() < 4 ? 0 : loadLe32(stored.data());
+  if (is_empty && key == 0) return {};
+  return numberCell(key, scratch);
+}
+
+// A 32-bit value; one that is stored shorter reads as padded with zeros.
+std::uint32_t load32(ByteView stored) {
+  if (stored.size() >= 4) return loadLe32(stored.data());
+  std::array<std::uint8_t, 4> padded{};
+  std::copy(stored.begin(), stored.end(), padded.begin());
+  return loadLe32(padded.data());
+}
+
+// Digits alone; -1 when there is anything else, or nothing.
+int parseDigits(std::string_view text) {
+  int number = text.empty() ? -1 : 0;
+  for (const char c : text) {
+    if (c < '0' || c > '9') return -1;
+    number = number * 10 + (c - '0');
+  }
+  return number;
+}
+
+template <class Number>
+std::optional<Number> parseNumber(std::string_view text) {
+  Number number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (text.empty() || error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+  return number;
+}
+
+void putLe32(Bytes& value, std::uint32_t number) {
+  value.resize(value.size() + 4);
+  storeLe32(&value[value.size() - 4], number);
+}
+
+std::optional<std::string> readDate(std::string_view text, Bytes& value) {
+  const bool shaped = text.size() == 10 && text[4] == '-' && text[7] == '-';
+  CalendarDate date;
+  date.year = shaped ? parseDigits(text.substr(0, 4)) : -1;
+  date.month = shaped ? parseDigits(text.substr(5, 2)) : -1;
+  date.day = shaped ? parseDigits(text.substr(8, 2)) : -1;
+  if (date.year < 0 || date.month < 0 || date.day < 0) {
+    return fmt::format("\"{}\" is not a date like 2024-03-31", text);
+  }
+  if (date.year < kFirstYear) return fmt::format("\"{}\" lies before {}", text, kFirstYear);
+  const bool in_range = date.month >= 1 && date.month <= 12 && date.day >= 1;
+  const std::uint32_t days = in_range ? daysSince1904(date.month, date.day, date.year) : 0;
+  if (!in_range || dateOfDayCount(days) != date) {
+    return fmt::format("\"{}\" is not a day of the calendar", text);
+  }
+  if (days == 0) return fmt::format("\"{}\" is what a date without a value is kept as", text);
+  putLe32(value, days);
+  return std::nullopt;
+}
+
+std::optional<std::string> readTime(std::string_view text, Bytes& value) {
+  const bool has_seconds = text.size() == 8 && text[5] == ':';
+  const bool shaped = (text.size() == 5 || has_seconds) && text[2] == ':';
+  const int hour = shaped ? parseDigits(text.substr(0, 2)) : -1;
+  const int minute = shaped ? parseDigits(text.substr(3, 2)) : -1;
+  const int second = has_seconds ? parseDigits(text.substr(6, 2)) : 0;
+  if (hour < 0 || hour > 23 || minute < 0 || minute > 59 || second < 0 || second > 59) {
+    return fmt::format("\"{}\" is not a time like 17:05 or 17:05:09", text);
+  }
+  for (const int part : {second, minute, hour, 0}) {
+    value.push_back(static_cast<std::uint8_t>(part));
+  }
+  return std::nullopt;
+}
+
+std::optional<std::string> readPopup(const PopupNames& popups, std::string_view text,
+                                     Bytes& value) {
+  if (const ItemKey* key = popups.keyOf(text)) {
+    value.insert(value.end(), key->begin(), key->begin() + kPopupKeySize);
+    return std::nullopt;
+  }
+  const auto bytes = text[0] == '?' ? fromHex(text.substr(1)) : std::nullopt;
+  if (!bytes || bytes->size() > kPopupKeySize) {
+    return fmt::format("\"{}\" is not an item of the list", text);
+  }
+  value.insert(value.end(), bytes->begin(), bytes->end());
+  return std::nullopt;
+}
+
+std::optional<std::string> readNumberText(std::string_view text, bool calculated, Bytes& value) {
+  if (!isDecimalNumber(text) && !(calculated && text == "Error!")) {
+    return fmt::format("\"{}\" is not a number", text);
+  }
+  if (text.size() >= kNumberTextSize) {
+    return fmt::format("\"{}\" is longer than the {} characters of a number", text,
+                       kNumberTextSize - 1);
+  }
+  value.insert(value.end(), text.begin(), text.end());
+  value.push_back(0);
+  return std::nullopt;
+}
+
+bool isAscii(std::string_view text) {
+  std::size_t i = 0;
+  std::uint64_t bits = 0;
+  for (; i + 8 <= text.size(); i += 8) {
+    std::uint64_t eight;
+    std::memcpy(&eight, text.data() + i, 8);
+    bits |= eight;
+  }
+  for (; i < text.size(); ++i) bits |= static_cast<std::uint8_t>(text[i]);
+  return (bits & 0x8080808080808080u) == 0;
+}
+
+// The text and its NUL; `most` is the longest text that the field takes.
+std::optional<std::string> readText(const TextEncoding& encoding, std::string_view text,
+                                    std::size_t most, Bytes& value) {
+  std::string converted;
+  if (!isAscii(text)) {
+    Encoded encoded = encoding.fromUtf8(text);
+    if (!encoded.ok()) return describeFault(*encoded.fault, encoding);
+    converted = std::move(encoded.bytes);
+    text = converted;
+  }
+  if (text.size() > most) {
+    return fmt::format("the text takes {} bytes; the field holds {}", text.size(), most);
+  }
+  if (!text.empty() && std::memchr(text.data(), 0, text.size())) return "the text holds a NUL";
+  value.insert(value.end(), text.begin(), text.end());
+  value.push_back(0);
+  return std::nullopt;
+}
+
+std::optional<std::string> readExternal(std::string_view text, std::size_t size, Bytes& value) {
+  const auto bytes = fromHex(text);
+  if (!bytes || bytes->size() > size) {
+    return fmt::format("must be hexadecimal digits of at most {} bytes", size);
+  }
+  value.insert(value.end(), bytes->begin(), bytes->end());
+  return std::nullopt;
+}
+
+// What an empty cell is stored as.
+void putNoValue(int type, Bytes& value) {
+  if (type == kTime) value.insert(value.end(), {0, 0, kNoTimeHour, 0});
+  if (type == kDate) putLe32(value, 0);
+  if (type == kPopup) value.resize(value.size() + kPopupKeySize);
+  if (type == kNote) value.push_back(0);
+}
+
+}  // namespace
+
+CellText cellText(const TableColumn& column, const PopupNames& popups, ByteView stored,
+                  CellScratch& scratch) {
+  if (stored.empty()) return {};
+  switch (column.type) {
+    case kInteger:
+    case kAutoNumber:
+      return numberCell(static_cast<std::int32_t>(load32(stored)), scratch);
+    case kLinkedField:
+      return numberCell(load32(stored), scratch);
+    case kFloat:
+    case kCalculated:
+      return numberTextCell(untilNul(stored), scratch);
+    case kPopup:
+      return popupCell(popups, stored, scratch);
+    case kCheckBox:
+      return {stored[0] != 0 ? "1" : "0"};
+    case kDate:
+      return dateCell(load32(stored), scratch);
+    case kTime:
+      return stored.size() < 3 ? CellText{} : timeCell(stored, scratch);
+    case kLinkField:
+      return linkCell(column.is_link_key, stored, scratch);
+    case kExternal:
+      scratch.text = toHex(stored);
+      return {scratch.text};
+    default:
+      return {untilNul(stored), false, false};
+  }
+}
+
+std::optional<std::uint32_t> parseAutoNumber(std::string_view text, int type) {
+  if (type == kLinkedField) return parseNumber<std::uint32_t>(text);
+  const auto number = parseNumber<std::int32_t>(text);
+  if (!number) return std::nullopt;
+  return static_cast<std::uint32_t>(*number);
+}
+
+std::optional<std::string> readLinkCells(const TextEncoding& encoding, std::string_view text,
+                                         std::string_view key, Bytes& value) {
+  if (text.empty() && key.empty()) return std::nullopt;
+  const auto number =
+      key.empty() ? std::optional<std::uint32_t>(0) : parseNumber<std::uint32_t>(key);
+  if (!number) return fmt::format("\"{}\" is not the number of a record", key);
+  putLe32(value, *number);
+  value.resize(value.size() + kLinkHeadSize - 4);
+  return readText(encoding, text, kLinkSize - kLinkHeadSize - 1, value);
+}
+
+std::optional<std::string> readCell(const CellReader& reader, std::string_view text, Bytes& value) {
+  const int type = reader.column.type;
+  if (text.empty()) {
+    putNoValue(type, value);
+    return std::nullopt;
+  }
+  switch (type) {
+    case kInteger:
+    case kAutoNumber:
+    case kLinkedField: {
+      const auto number = parseAutoNumber(text, type);
+      if (!number) return fmt::format("\"{}\" is not a whole number of 32 bits", text);
+      putLe32(value, *number);
+      return std::nullopt;
+    }
+    case kFloat:
+    case kCalculated:
+      return readNumberText(text, type == kCalculated, value);
+    case kPopup:
+      return readPopup(reader.popups, text, value);
+    case kCheckBox:
+      if (text != "0" && text != "1") return fmt::format("\"{}\" is not 0 or 1", text);
+      value.push_back(text == "1");
+      return std::nullopt;
+    case kDate:
+      return readDate(text, value);
+    case kTime:
+      return readTime(text, value);
+    case kExternal:
+      return readExternal(text, fieldValueSize(reader.field), value);
+    default:
+      return readText(reader.encoding, text, fieldValueSize(reader.field) - 1, value);
+  }
+}
+
+bool isDecimalNumber(std::string_view text) {
+  std::size_t i = 0;
+  const auto digits = [&] {
+    const std::size_t begin = i;
+    while (i < text.size() && text[i] >= '0' && text[i] <= '9') ++i;
+    return i - begin;
+  };
+  if (i < text.size() && (text[i] == '-' || text[i] == '+')) ++i;
+  std::size_t count = digits();
+  if (i < text.size() && text[i] == '.') {
+    ++i;
+    count += digits();
+  }
+  if (count == 0) return false;
+  if (i < text.size() && (text[i] == 'e' || text[i] == 'E')) {
+    ++i;
+    if (i < text.size() && (text[i] == '-' || text[i] == '+')) ++i;
+    if (digits() == 0) return false;
+  }
+  return i == text.size();
+}
+
+}  // namespace tabelion

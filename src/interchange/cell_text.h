@@ -1,0 +1,58 @@
+// A field's value as the text of a table cell, the same in every locale, and back.
+//
+//   text kinds, notes   the text
+//   integers            decimal digits; the relationship key unsigned, the others signed
+//   floats, calculated  the stored number, with a point
+//   check box           0 or 1
+//   date                YYYY-MM-DD           time   HH:MM:SS (its fourth byte has no text)
+//   pop-up              the item's name; a value that no item has: "?" and its 14 bytes as hex
+//   link                its text; the key has a column of its own
+//   external            hexadecimal digits
+//
+// No value is an empty cell. Texts are 8-bit here when `is_utf8` is off.
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "engine/packed_record.h"
+#include "interchange/table_columns.h"
+
+namespace tabelion {
+
+struct CellText {
+  std::string_view text;  // into the record, the pop-up names or `scratch`
+  bool is_plain = true;   // ASCII digits and signs alone: nothing to convert or to quote
+  bool is_utf8 = true;    // else still in the database's code page
+};
+
+// Room for the texts that are made up; a value of 65535 bytes as hex is the longest.
+struct CellScratch {
+  std::array<char, 64> digits;
+  std::string text;
+};
+
+// `stored` is the field's value in the record; `popups` the names of the column's items.
+CellText cellText(const TableColumn& column, const PopupNames& popups, ByteView stored,
+                  CellScratch& scratch);
+
+// Text as a value, appended to `value`. The error's text says what is wrong, without the place.
+struct CellReader {
+  const TableColumn& column;
+  const FieldDefinition& field;
+  const PopupNames& popups;
+  const TextEncoding& encoding;
+};
+std::optional<std::string> readCell(const CellReader& reader, std::string_view text, Bytes& value);
+// The two columns of a link field make one value.
+std::optional<std::string> readLinkCells(const TextEncoding& encoding, std::string_view text,
+                                         std::string_view key, Bytes& value);
+// A record number of an auto-number or relationship key column; none when it is not one.
+std::optional<std::uint32_t> parseAutoNumber(std::string_view text, int type);
+
+// A decimal number, whole: sign, digits with a point among them, exponent.
+bool isDecimalNumber(std::string_view text);
+
+}  // namespace tabelion

@@ -1,0 +1,331 @@
+#include "interchange/table_export.h"
+
+#include <array>
+
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+
+#include "engine/calendar.h"
+#include "interchange/csv_reader.h"
+#include "interchange/table_rows.h"
+
+namespace tabelion {
+namespace {
+
+// What a row's writer and the records' walk share.
+class Writer {
+ public:
+  Writer(TableRows& rows, OutputBuffer& to) : rows_(rows), to_(to) {}
+  virtual ~Writer() = default;
+  virtual void begin() = 0;
+  virtual void putRow(bool is_first) = 0;
+  virtual void end() = 0;
+
+ protected:
+  std::size_t columnCount() const { return rows_.columns().size(); }
+
+  TableRows& rows_;
+  OutputBuffer& to_;
+};
+
+constexpr std::uint8_t kCsvSpecial = 1;
+constexpr std::uint8_t kNotAscii = 2;
+constexpr std::array<std::uint8_t, 256> kCharacterKinds = [] {
+  std::array<std::uint8_t, 256> kinds{};
+  for (const unsigned char c : {',', '"', '\n', '\r'}) kinds[c] = kCsvSpecial;
+  for (std::size_t c = 0x80; c < kinds.size(); ++c) kinds[c] = kNotAscii;
+  return kinds;
+}();
+
+class CsvWriter : public Writer {
+ public:
+  using Writer::Writer;
+
+  void begin() override {
+    for (std::size_t i = 0; i < columnCount(); ++i) {
+      if (i > 0) to_.put(',');
+      putText(rows_.columns()[i].name, csvNeedsQuotes(rows_.columns()[i].name));
+    }
+    to_.put('\n');
+  }
+
+  void putRow(bool) override {
+    for (std::size_t i = 0; i < columnCount(); ++i) {
+      if (i > 0) to_.put(',');
+      const CellText cell = rows_.cell(i);
+      if (cell.is_plain) {
+        to_.put(cell.text);
+      } else {
+        putCell(cell);
+      }
+    }
+    to_.put('\n');
+  }
+
+  void end() override {}
+
+ private:
+  void putCell(const CellText& cell) {
+    std::uint8_t kinds = 0;
+    for (const char c : cell.text) kinds |= kCharacterKinds[static_cast<unsigned char>(c)];
+    const bool convert = (kinds & kNotAscii) != 0 && !cell.is_utf8;
+    putText(convert ? rows_.utf8(cell) : cell.text, (kinds & kCsvSpecial) != 0);
+  }
+
+  void putText(std::string_view text, bool quoted) {
+    // A line of nothing would be no row.
+    if (columnCount() == 1 && text.empty()) quoted = true;
+    if (!quoted) {
+      to_.put(text);
+      return;
+    }
+    to_.put('"');
+    for (;;) {
+      const std::size_t quote = text.find('"');
+      to_.put(text.substr(0, quote));
+      if (quote == std::string_view::npos) break;
+      to_.put("\"\"");
+      text.remove_prefix(quote + 1);
+    }
+    to_.put('"');
+  }
+};
+
+// "007" and "+1" are numbers to a person but not to JSON.
+bool isJsonNumber(std::string_view text) {
+  if (!isDecimalNumber(text) || text[0] == '+') return false;
+  const std::size_t first = text[0] == '-' ? 1 : 0;
+  if (text[first] == '.') return false;
+  if (text[first] == '0' && text.size() > first + 1) {
+    const char second = text[first + 1];
+    if (second >= '0' && second <= '9') return false;
+  }
+  const std::size_t point = text.find('.');
+  return point == std::string_view::npos ||
+         (point + 1 < text.size() && text[point + 1] >= '0' && text[point + 1] <= '9');
+}
+
+class JsonWriter : public Writer {
+ public:
+  using Writer::Writer;
+
+  void begin() override {
+    for (const TableColumn& column : rows_.columns()) names_.push_back(quoted(column.name) + ":");
+    to_.put('[');
+  }
+
+  void putRow(bool is_first) override {
+    to_.put(is_first ? "\n{" : ",\n{");
+    for (std::size_t i = 0; i < columnCount(); ++i) {
+      if (i > 0) to_.put(',');
+      to_.put(names_[i]);
+      putValue(rows_.columns()[i], rows_.cell(i));
+    }
+    to_.put('}');
+  }
+
+  void end() override { to_.put("\n]\n"); }
+
+ private:
+  static std::string quoted(std::string_view text) {
+    return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+  }
+
+  void putValue(const TableColumn& column, const CellText& cell) {
+    if (cell.text.empty()) {
+      to_.put("null");
+    } else if (column.type == kCheckBox) {
+      to_.put(cell.text == "1" ? "true" : "false");
+    } else if (isNumberColumn(column) && isJsonNumber(cell.text)) {
+      to_.put(cell.text);
+    } else {
+      to_.put(quoted(rows_.utf8(cell)));
+    }
+  }
+
+  static bool isNumberColumn(const TableColumn& column) {
+    switch (column.type) {
+      case kInteger:
+      case kFloat:
+      case kAutoNumber:
+      case kLinkedField:
+      case kCalculated:
+        return true;
+      default:
+        return column.is_link_key;
+    }
+  }
+
+  std::vector<std::string> names_;
+};
+
+class SqlWriter : public Writer {
+ public:
+  SqlWriter(TableRows& rows, OutputBuffer& to, const Database& database,
+            std::string_view table_name)
+      : Writer(rows, to), database_(database), table_(quoted(table_name, '"')) {}
+
+  void begin() override {
+    chooseTypes();
+    to_.put("BEGIN;\nCREATE TABLE ");
+    to_.put(table_);
+    to_.put(" (");
+    for (std::size_t i = 0; i < columnCount(); ++i) {
+      to_.put(i == 0 ? "\n  " : ",\n  ");
+      to_.put(quoted(rows_.columns()[i].name, '"'));
+      to_.put(' ');
+      to_.put(types_[i]);
+    }
+    to_.put("\n);\n");
+  }
+
+  void putRow(bool) override {
+    if (rows_in_statement_ == 0) {
+      to_.put("INSERT INTO ");
+      to_.put(table_);
+      to_.put(" VALUES\n(");
+    } else {
+      to_.put(",\n(");
+    }
+    for (std::size_t i = 0; i < columnCount(); ++i) {
+      if (i > 0) to_.put(',');
+      putValue(i, rows_.cell(i));
+    }
+    to_.put(')');
+    if (++rows_in_statement_ == kRowsPerStatement) endStatement();
+  }
+
+  void end() override {
+    if (rows_in_statement_ > 0) endStatement();
+    to_.put("COMMIT;\n");
+  }
+
+ private:
+  static constexpr int kRowsPerStatement = 500;
+
+  static std::string quoted(std::string_view text, char quote) {
+    std::string result(1, quote);
+    for (const char c : text) {
+      if (c == quote) result += c;
+      result += c;
+    }
+    result += quote;
+    return result;
+  }
+
+  void endStatement() {
+    to_.put(";\n");
+    rows_in_statement_ = 0;
+  }
+
+  static std::string_view typeOf(const TableColumn& column) {
+    if (column.is_link_key) return "bigint";
+    switch (column.type) {
+      case kInteger:
+      case kAutoNumber:
+      case kLinkedField:
+        return "bigint";
+      case kFloat:
+      case kCalculated:
+        return "numeric";
+      case kCheckBox:
+        return "boolean";
+      case kDate:
+        return "date";
+      case kTime:
+        return "time";
+      default:
+        return "text";
+    }
+  }
+
+  // Whether the cell is a value of its column's type to every database. Our calendar has a 29
+  // February in years that have none elsewhere, and numbers and times are kept as they came.
+  static bool fits(const TableColumn& column, std::string_view text) {
+    if (text.empty()) return true;
+    switch (column.type) {
+      case kFloat:
+      case kCalculated:
+        return isDecimalNumber(text);
+      case kTime:
+        return text.size() == 8 && text.substr(0, 2) < "24" && text.substr(3, 2) < "60" &&
+               text.substr(6, 2) < "60";
+      case kDate: {
+        if (text.size() != 10) return false;
+        if (text.substr(5) != "02-29") return true;
+        const int century = (text[0] - '0') * 10 + (text[1] - '0');
+        return text.substr(2, 2) != "00" || century % 4 == 0;
+      }
+      default:
+        return true;
+    }
+  }
+
+  // A column of a type that not every value fits becomes text.
+  void chooseTypes() {
+    std::vector<std::size_t> doubtful;
+    for (std::size_t i = 0; i < columnCount(); ++i) {
+      const int type = rows_.columns()[i].type;
+      types_.push_back(typeOf(rows_.columns()[i]));
+      if (type == kFloat || type == kCalculated || type == kTime || type == kDate) {
+        doubtful.push_back(i);
+      }
+    }
+    if (doubtful.empty()) return;
+    for (const Record& record : database_.records) {
+      rows_.load(record.bytes());
+      for (const std::size_t i : doubtful) {
+        if (!fits(rows_.columns()[i], rows_.cell(i).text)) types_[i] = "text";
+      }
+    }
+  }
+
+  void putValue(std::size_t column, const CellText& cell) {
+    const std::string_view type = types_[column];
+    if (cell.text.empty()) {
+      to_.put("NULL");
+    } else if (type == "boolean") {
+      to_.put(cell.text == "1" ? "TRUE" : "FALSE");
+    } else if (type == "bigint" || type == "numeric") {
+      to_.put(cell.text);
+    } else {
+      to_.put(quoted(rows_.utf8(cell), '\''));
+    }
+  }
+
+  const Database& database_;
+  std::string table_;
+  std::vector<std::string_view> types_;
+  int rows_in_statement_ = 0;
+};
+
+}  // namespace
+
+ExportSummary exportTable(const Database& database, const TextEncoding& encoding,
+                          TableFormat format, std::string_view table_name, OutputBuffer& to,
+                          const ProgressStep& progress) {
+  constexpr std::uint32_t kRecordsPerStep = 1024;
+  TableRows rows(database, encoding);
+  std::unique_ptr<Writer> writer;
+  if (format == TableFormat::kCsv) writer = std::make_unique<CsvWriter>(rows, to);
+  if (format == TableFormat::kJson) writer = std::make_unique<JsonWriter>(rows, to);
+  if (format == TableFormat::kSql) {
+    writer = std::make_unique<SqlWriter>(rows, to, database, table_name);
+  }
+  ExportSummary summary;
+  writer->begin();
+  for (const Record& record : database.records) {
+    rows.load(record.bytes());
+    writer->putRow(summary.records == 0);
+    ++summary.records;
+    if (rows.isEnciphered()) ++summary.enciphered_records;
+    if (summary.records % kRecordsPerStep != 0) continue;
+    if (!to.ok()) return summary;
+    if (progress) progress(summary.records, database.records.count());
+  }
+  writer->end();
+  summary.is_written = to.flush();
+  return summary;
+}
+
+}  // namespace tabelion

@@ -1,0 +1,44 @@
+#include "interchange/table_rows.h"
+
+#include "engine/packed_record.h"
+
+namespace tabelion {
+
+TableRows::TableRows(const Database& database, const TextEncoding& encoding)
+    : database_(database), encoding_(encoding), columns_(tableColumns(database.schema, encoding)) {
+  int last_slot = -1;
+  for (const TableColumn& column : columns_) {
+    const auto slot = static_cast<std::size_t>(column.slot);
+    popups_.push_back(column.type == kPopup ? PopupNames(database_.fields[slot], encoding)
+                                            : PopupNames());
+    is_flagged_.push_back(database_.schema.fields[slot].encrypt_flag != 0);
+    last_slot = column.slot;
+  }
+  values_.resize(static_cast<std::size_t>(last_slot + 1));
+}
+
+void TableRows::load(ByteView record) {
+  is_enciphered_ = isRecordEncrypted(record);
+  SlotWalker walker(record);
+  bool ended = false;
+  for (ByteView& value : values_) {
+    const auto next = ended ? std::nullopt : walker.next();
+    ended = !next;
+    value = next.value_or(ByteView());
+  }
+}
+
+CellText TableRows::cell(std::size_t column) {
+  if (is_enciphered_ && is_flagged_[column]) return {};
+  const TableColumn& at = columns_[column];
+  return cellText(at, popups_[column], values_[static_cast<std::size_t>(at.slot)], scratch_);
+}
+
+std::string_view TableRows::utf8(const CellText& cell) {
+  if (cell.is_utf8) return cell.text;
+  converted_.clear();
+  encoding_.appendUtf8(converted_, cell.text);
+  return converted_;
+}
+
+}  // namespace tabelion
