@@ -1,0 +1,164 @@
+#include "cli/context.h"
+
+#include <chrono>
+
+#include <fmt/format.h>
+
+#include "engine/calendar.h"
+
+namespace tabelion {
+namespace {
+
+constexpr const char* kSettingsKey = "Software\\Tabelion3";
+constexpr const char* kCodePageValue = "CodePage";
+
+// How long a person waits without a word, and between two.
+using SteadyClock = std::chrono::steady_clock;
+constexpr std::chrono::milliseconds kPatience{500};
+constexpr std::chrono::milliseconds kBetween{100};
+
+}  // namespace
+
+ExitCode exitCodeFor(ErrorKind kind) {
+  switch (kind) {
+    case ErrorKind::kNotFound:
+    case ErrorKind::kCannotOpen:
+      return ExitCode::kCannotOpen;
+    case ErrorKind::kCannotWrite:
+      return ExitCode::kCannotWrite;
+    case ErrorKind::kLocked:
+      return ExitCode::kLocked;
+    case ErrorKind::kNotDatabase:
+      return ExitCode::kNotDatabase;
+    case ErrorKind::kDamaged:
+      return ExitCode::kDamaged;
+    case ErrorKind::kInvalid:
+    case ErrorKind::kRefused:
+      break;
+  }
+  return ExitCode::kRefused;
+}
+
+CliContext::CliContext(CliPlatform& platform, Streams& the_streams, std::string code_page)
+    : streams(the_streams),
+      files(platform.files, the_streams),
+      clock(platform.clock),
+      engine{files, platform.clock, platform.random, {}, {}, {}},
+      out(the_streams.out),
+      settings_(platform.settings),
+      code_page_(std::move(code_page)) {
+  engine.message = [this](const std::string& text) {
+    if (!engine_message_.empty()) engine_message_ += "; ";
+    engine_message_ += text;
+  };
+}
+
+void CliContext::say(std::string_view text) {
+  clearProgress();
+  streams.err.write(fmt::format("tabelion-cli: {}\n", text));
+}
+
+ExitCode CliContext::fail(const Error& error) {
+  say(error.text);
+  return exitCodeFor(error.kind);
+}
+
+std::unique_ptr<Database> CliContext::open(const std::string& path, ExitCode& failure) {
+  const auto start = files.readStart(path, kHeaderSize);
+  if (!start.ok()) {
+    failure = fail(start.error());
+    return nullptr;
+  }
+  const std::uint32_t creator = parseHeader(*start).creator;
+  if (creator == kLegacyCreator) {
+    failure = fail({ErrorKind::kNotDatabase,
+                    path + ": a database of the earlier format, which cannot be converted"});
+    return nullptr;
+  }
+  if (creator != kCreator) {
+    failure = fail({ErrorKind::kNotDatabase, path + ": not a Tabelion database"});
+    return nullptr;
+  }
+  auto database = std::make_unique<Database>();
+  initDatabase(*database, engine);
+  database->path = path;
+  engine_message_.clear();
+  if (!openDatabase(*database, engine)) {
+    failure = fail({ErrorKind::kDamaged, fmt::format("{}: {}; \"tabelion-cli check\" tells more",
+                                                     path, engine_message_)});
+    return nullptr;
+  }
+  return database;
+}
+
+ExitCode CliContext::save(Database& database) {
+  if (saveDatabase(database, engine)) return ExitCode::kDone;
+  Error error = files.lastWriteError();
+  if (error.text.empty()) error.text = database.path + ": too large to be written";
+  error.kind = ErrorKind::kCannotWrite;
+  return fail(error);
+}
+
+std::unique_ptr<FileLock> CliContext::lock(const std::string& path, ExitCode& failure) {
+  auto lock = files.lock(path, "tabelion-cli");
+  if (lock.ok()) return std::move(lock).value();
+  failure = fail(lock.error());
+  return nullptr;
+}
+
+Result<TextEncoding> CliContext::userEncoding() {
+  std::string name = code_page_;
+  if (name.empty()) {
+    name = settings_.readText(SettingsRoot::kUser, kSettingsKey, kCodePageValue)
+               .value_or(std::string(kDefaultCodePage));
+  }
+  return TextEncoding::open(name);
+}
+
+Result<TextEncoding> CliContext::encodingOf(const Database& database) {
+  const std::string own = databaseCodePage(database);
+  if (!own.empty()) {
+    auto encoding = TextEncoding::open(own);
+    if (encoding.ok()) return encoding;
+    say(fmt::format("{}: {}; read in the user's code page", database.path, encoding.error().text));
+  }
+  return userEncoding();
+}
+
+ExitCode CliContext::finishOutput() {
+  clearProgress();
+  if (out.flush()) return ExitCode::kDone;
+  return fail({ErrorKind::kCannotWrite, "standard output cannot be written"});
+}
+
+ProgressStep CliContext::progress(std::string what) {
+  if (!streams.err_is_terminal) return {};
+  return [this, what = std::move(what), next = SteadyClock::now() + kPatience](
+             std::uint32_t done, std::uint32_t of) mutable {
+    const auto now = SteadyClock::now();
+    if (now < next) return;
+    next = now + kBetween;
+    const std::uint64_t percent = of == 0 ? 100 : std::uint64_t{done} * 100 / of;
+    streams.err.write(fmt::format("\r{} {} %", what, percent));
+    shows_progress_ = true;
+  };
+}
+
+void CliContext::clearProgress() {
+  if (shows_progress_) streams.err.write("\r\x1b[K");
+  shows_progress_ = false;
+}
+
+std::string fileNameOf(const std::string& path) {
+  const std::size_t slash = path.find_last_of('/');
+  return slash == std::string::npos ? path : path.substr(slash + 1);
+}
+
+std::string headerTimeText(std::uint32_t seconds) {
+  const CalendarDate date = dateOfDayCount(seconds / 86400);
+  const std::uint32_t rest = seconds % 86400;
+  return fmt::format("{:04}-{:02}-{:02} {:02}:{:02}:{:02}", date.year, date.month, date.day,
+                     rest / 3600, rest / 60 % 60, rest % 60);
+}
+
+}  // namespace tabelion

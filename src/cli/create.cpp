@@ -1,0 +1,96 @@
+// create: a database from its description, with records from CSV.
+
+#include <fmt/format.h>
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
+#include "cli/command.h"
+#include "cli/context.h"
+#include "cli/import_step.h"
+#include "interchange/schema_json.h"
+
+namespace tabelion {
+namespace {
+
+struct CreateOptions {
+  std::string file;
+  std::string schema;
+  std::string data;
+  bool skip_bad = false;
+  bool force = false;
+};
+
+// "Contacts" for "/home/me/Contacts.PDB", as much of it as a name can hold.
+std::string nameFromPath(const std::string& path) {
+  std::string name = fileNameOf(path);
+  const std::size_t dot = name.find_last_of('.');
+  if (dot != std::string::npos && dot > 0) name.resize(dot);
+  return name.substr(0, kNameSize - 1);
+}
+
+Result<nlohmann::ordered_json> parseJson(std::span<const std::uint8_t> bytes) {
+  try {
+    return nlohmann::ordered_json::parse(bytes.begin(), bytes.end());
+  } catch (const nlohmann::json::parse_error& error) {
+    // The library's own tag in brackets says nothing to a person.
+    const std::string_view text = error.what();
+    const std::size_t bracket = text.find("] ");
+    return makeError(ErrorKind::kInvalid,
+                     std::string(text.substr(bracket == text.npos ? 0 : bracket + 2)));
+  }
+}
+
+Status describe(const CreateOptions& options, CliContext& context, Database& database) {
+  const auto image = context.files.read(options.schema);
+  if (!image.ok()) return image.error();
+  const auto parsed = parseJson(image->span());
+  if (!parsed.ok()) {
+    return makeError(parsed.error().kind, options.schema + ": " + parsed.error().text);
+  }
+  const nlohmann::ordered_json& json = *parsed;
+  const auto encoding = context.userEncoding();
+  if (!encoding.ok()) return encoding.error();
+  const Status status = schemaFromJson(json, *encoding, database);
+  if (!status.ok()) {
+    return makeError(status.error().kind, options.schema + ": " + status.error().text);
+  }
+  if (!json.contains("name") && options.file != kPipe) {
+    setAreaText(database.header.name, nameFromPath(options.file));
+  }
+  return Done{};
+}
+
+ExitCode runCreate(const CreateOptions& options, CliContext& context) {
+  ExitCode failure{};
+  const auto lock = context.lock(options.file, failure);
+  if (!lock) return failure;
+  if (!options.force && context.files.info(options.file).ok()) {
+    return context.fail(
+        {ErrorKind::kRefused, options.file + ": is already there; --force replaces it"});
+  }
+  const auto database = std::make_unique<Database>();
+  initDatabase(*database, context.engine);
+  database->path = options.file;
+  const Status described = describe(options, context, *database);
+  if (!described.ok()) return context.fail(described.error());
+  if (!options.data.empty()) {
+    const ExitCode code = importRows(context, options.data, options.skip_bad, *database);
+    if (code != ExitCode::kDone) return code;
+  }
+  return context.save(*database);
+}
+
+}  // namespace
+
+CommandBody declareCreate(CLI::App& app) {
+  const auto options = std::make_shared<CreateOptions>();
+  app.add_option("FILE", options->file, "The database to be made")->required();
+  app.add_option("--schema", options->schema, "Its description as JSON")->required();
+  app.add_option("--data", options->data, "Records as CSV in UTF-8");
+  app.add_flag("--skip-bad", options->skip_bad,
+               "Take the rows that fit and list the others, instead of making nothing");
+  app.add_flag("--force", options->force, "Replace a file that is there");
+  return [options](CliContext& context) { return runCreate(*options, context); };
+}
+
+}  // namespace tabelion

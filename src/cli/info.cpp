@@ -1,0 +1,122 @@
+// info: what a database is, for people or as JSON.
+
+#include <fmt/format.h>
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
+#include "cli/command.h"
+#include "cli/context.h"
+#include "engine/packed_record.h"
+
+namespace tabelion {
+namespace {
+
+struct InfoOptions {
+  std::string file;
+  bool json = false;
+};
+
+const char* encryptionText(int mode) {
+  switch (mode) {
+    case 0:
+      return "whole database";
+    case 1:
+      return "record by record, automatic";
+    case 2:
+      return "record by record";
+    case 3:
+      return "none";
+    default:
+      return "unknown";
+  }
+}
+
+const char* openingText(std::uint32_t security_word) {
+  switch (security_word & 3) {
+    case 0:
+      return "free";
+    case 1:
+      return "asks for the password";
+    default:
+      return "refused";
+  }
+}
+
+struct Counts {
+  int fields = 0;
+  int flagged_fields = 0;
+  std::uint32_t enciphered_records = 0;
+  std::uint64_t size = 0;  // of the file
+};
+
+Counts countParts(const Database& database, std::uint64_t size) {
+  Counts counts;
+  counts.size = size;
+  for (const FieldDefinition& field : database.schema.fields) {
+    if (field.type == kUnused) continue;
+    ++counts.fields;
+    if (field.encrypt_flag != 0) ++counts.flagged_fields;
+  }
+  if (counts.flagged_fields == 0) return counts;
+  for (const Record& record : database.records) {
+    if (isRecordEncrypted(record.bytes())) ++counts.enciphered_records;
+  }
+  return counts;
+}
+
+// The same facts in the same order for both forms.
+nlohmann::ordered_json infoJson(const Database& database, const Counts& counts,
+                                const TextEncoding& encoding) {
+  const DatabaseRecord& schema = database.schema;
+  const std::string code_page = databaseCodePage(database);
+  nlohmann::ordered_json json;
+  json["name"] = encoding.toUtf8(areaText(database.header.name));
+  json["category"] = encoding.toUtf8(areaText(schema.category));
+  json["author"] = encoding.toUtf8(areaText(schema.author));
+  json["created"] = headerTimeText(database.header.creation_date);
+  json["modified"] = headerTimeText(database.header.modification_date);
+  json["size"] = counts.size;
+  json["records"] = database.records.count();
+  json["fields"] = counts.fields;
+  json["views"] = schema.view_count;
+  json["code page"] = code_page.empty() ? "the user's" : code_page;
+  json["opening"] = openingText(schema.security_word);
+  json["security word"] = schema.security_word;
+  json["encryption"] = encryptionText(schema.encryption_mode);
+  json["enciphered as a whole"] = (schema.head[kStampFlagOffset] & kDatabaseEncrypted) != 0;
+  json["flagged fields"] = counts.flagged_fields;
+  json["enciphered records"] = counts.enciphered_records;
+  return json;
+}
+
+ExitCode runInfo(const InfoOptions& options, CliContext& context) {
+  ExitCode failure{};
+  const auto database = context.open(options.file, failure);
+  if (!database) return failure;
+  const auto encoding = context.encodingOf(*database);
+  if (!encoding.ok()) return context.fail(encoding.error());
+  const Counts counts = countParts(*database, database->records.imageSize());
+  const auto json = infoJson(*database, counts, *encoding);
+  if (options.json) {
+    context.out.put(json.dump(2, ' ', false, nlohmann::json::error_handler_t::replace));
+    context.out.put('\n');
+    return context.finishOutput();
+  }
+  for (const auto& [name, value] : json.items()) {
+    std::string text = value.is_string() ? value.get<std::string>() : value.dump();
+    if (value.is_boolean()) text = value.get<bool>() ? "yes" : "no";
+    context.out.put(fmt::format("{:<22} {}\n", name + ":", text));
+  }
+  return context.finishOutput();
+}
+
+}  // namespace
+
+CommandBody declareInfo(CLI::App& app) {
+  const auto options = std::make_shared<InfoOptions>();
+  app.add_option("FILE", options->file, "The database")->required();
+  app.add_flag("--json", options->json, "As JSON");
+  return [options](CliContext& context) { return runInfo(*options, context); };
+}
+
+}  // namespace tabelion

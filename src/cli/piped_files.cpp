@@ -1,0 +1,57 @@
+#include "cli/piped_files.h"
+
+#include <algorithm>
+
+namespace tabelion {
+
+Result<FileImage> PipedFiles::read(const std::string& path) {
+  if (path != kPipe) return real_.read(path);
+  if (started_) {
+    FileImage image = std::move(*started_);
+    started_.reset();
+    return image;
+  }
+  if (input_used_) {
+    return makeError(ErrorKind::kCannotOpen, "standard input (-) can stand for one file only");
+  }
+  input_used_ = true;
+  return streams_.read_input();
+}
+
+Result<std::vector<std::uint8_t>> PipedFiles::readStart(const std::string& path,
+                                                        std::size_t limit) {
+  if (path != kPipe) return real_.readStart(path, limit);
+  auto image = read(path);
+  if (!image.ok()) return image.error();
+  started_ = *image;
+  const auto bytes = image->span().first(std::min(limit, image->size));
+  return std::vector<std::uint8_t>(bytes.begin(), bytes.end());
+}
+
+Status PipedFiles::replace(const std::string& path, std::span<const BytePiece> pieces) {
+  if (path != kPipe) {
+    Status status = real_.replace(path, pieces);
+    if (!status.ok()) last_write_error_ = status.error();
+    return status;
+  }
+  OutputBuffer buffer(streams_.out);
+  for (const BytePiece& piece : pieces) {
+    buffer.put({reinterpret_cast<const char*>(piece.data()), piece.size()});
+  }
+  if (buffer.flush()) return Done{};
+  last_write_error_ = makeError(ErrorKind::kCannotWrite, "standard output cannot be written");
+  return last_write_error_;
+}
+
+Result<std::unique_ptr<FileLock>> PipedFiles::lock(const std::string& path,
+                                                   const std::string& holder) {
+  if (path != kPipe) return real_.lock(path, holder);
+  return std::make_unique<FileLock>();
+}
+
+Result<FileInfo> PipedFiles::info(const std::string& path) {
+  if (path != kPipe) return real_.info(path);
+  return makeError(ErrorKind::kNotFound, "- is not a file");
+}
+
+}  // namespace tabelion

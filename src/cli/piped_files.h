@@ -1,0 +1,52 @@
+// Files where "-" is standard input and standard output.
+#pragma once
+
+#include <optional>
+
+#include "cli/streams.h"
+#include "platform/files.h"
+
+namespace tabelion {
+
+inline constexpr const char* kPipe = "-";
+
+// Standard input can be asked for as one file only: a second one finds it used up. Everything but
+// reading and writing goes to the real files.
+class PipedFiles : public Files {
+ public:
+  PipedFiles(Files& real, Streams& streams) : real_(real), streams_(streams) {}
+
+  // Why the last replace() failed; a save itself tells only that it did.
+  const Error& lastWriteError() const { return last_write_error_; }
+
+  Result<FileImage> read(const std::string& path) override;
+  Result<std::vector<std::uint8_t>> readStart(const std::string& path, std::size_t limit) override;
+  Status replace(const std::string& path, std::span<const BytePiece> pieces) override;
+  Result<std::unique_ptr<FileLock>> lock(const std::string& path,
+                                         const std::string& holder) override;
+
+  Result<std::vector<FolderEntry>> list(const std::string& folder) override {
+    return real_.list(folder);
+  }
+  Result<FileInfo> info(const std::string& path) override;
+  Status copy(const std::string& from, const std::string& to, bool overwrite) override {
+    return real_.copy(from, to, overwrite);
+  }
+  Status move(const std::string& from, const std::string& to) override {
+    return real_.move(from, to);
+  }
+  Status remove(const std::string& path) override { return real_.remove(path); }
+  Status makeFolder(const std::string& path) override { return real_.makeFolder(path); }
+  std::optional<std::string> documentsFolder(Volume volume) override {
+    return real_.documentsFolder(volume);
+  }
+
+ private:
+  Files& real_;
+  Streams& streams_;
+  std::optional<FileImage> started_;  // input of which only the start was wanted so far
+  bool input_used_ = false;
+  Error last_write_error_;
+};
+
+}  // namespace tabelion

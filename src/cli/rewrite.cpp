@@ -1,0 +1,35 @@
+// rewrite: open a database and save it under another name.
+
+#include <CLI/CLI.hpp>
+
+#include "cli/command.h"
+#include "cli/context.h"
+
+namespace tabelion {
+namespace {
+
+struct RewriteOptions {
+  std::string file;
+  std::string out;
+};
+
+ExitCode runRewrite(const RewriteOptions& options, CliContext& context) {
+  ExitCode failure{};
+  const auto lock = context.lock(options.out, failure);
+  if (!lock) return failure;
+  const auto database = context.open(options.file, failure);
+  if (!database) return failure;
+  database->path = options.out;
+  return context.save(*database);
+}
+
+}  // namespace
+
+CommandBody declareRewrite(CLI::App& app) {
+  const auto options = std::make_shared<RewriteOptions>();
+  app.add_option("FILE", options->file, "The database")->required();
+  app.add_option("OUT", options->out, "Where it is saved; replaced when it is there")->required();
+  return [options](CliContext& context) { return runRewrite(*options, context); };
+}
+
+}  // namespace tabelion

@@ -1,0 +1,76 @@
+#include "cli/run.h"
+
+#include <algorithm>
+#include <sstream>
+
+#include <fmt/format.h>
+#include <CLI/CLI.hpp>
+
+#include "cli/command.h"
+
+namespace tabelion {
+namespace {
+
+constexpr Command kCommands[] = {
+    {"info", "Show what a database is: name, dates, counts, protection", declareInfo},
+    {"dump", "Write the whole file as JSON, also a damaged one", declareDump},
+    {"check", "List everything in which a file deviates from a sound one", declareCheck},
+    {"schema", "Write the description of a database as JSON", declareSchema},
+    {"create", "Make a database from a description, and records from CSV", declareCreate},
+    {"import", "Add the rows of a CSV text as records", declareImport},
+    {"export", "Write the records as CSV, JSON or SQL", declareExport},
+    {"rewrite", "Open a database and save it under another name", declareRewrite},
+};
+
+std::string footer() {
+  std::string text = "A FILE or OUT of - is standard input or standard output.\n\nExit codes:\n";
+  for (const ExitCodeText& entry : kExitCodes) {
+    text += fmt::format("  {}  {}\n", static_cast<int>(entry.code), entry.meaning);
+  }
+  text += "\n\"tabelion-cli COMMAND --help\" tells more about a command.";
+  return text;
+}
+
+}  // namespace
+
+std::span<const Command> commands() {
+  return kCommands;
+}
+
+ExitCode runCli(std::vector<std::string> arguments, CliPlatform& platform, Streams& streams) {
+  CLI::App app("Work with Tabelion databases from the command line.", "tabelion-cli");
+  app.set_version_flag("--version", std::string("tabelion-cli ") + TABELION_VERSION);
+  app.footer(footer());
+  app.require_subcommand(1);
+  app.fallthrough();
+  std::string code_page;
+  app.add_option("--code-page", code_page,
+                 "Code page of databases that name none (default: the user's setting, else 1252)");
+
+  std::vector<std::pair<CLI::App*, CommandBody>> bodies;
+  for (const Command& command : commands()) {
+    CLI::App* sub = app.add_subcommand(command.name, command.summary);
+    bodies.emplace_back(sub, command.declare(*sub));
+  }
+  try {
+    std::reverse(arguments.begin(), arguments.end());  // as the parser wants them
+    app.parse(arguments);
+  } catch (const CLI::ParseError& error) {
+    std::ostringstream out;
+    std::ostringstream err;
+    const int code = app.exit(error, out, err);
+    const bool written = streams.out.write(out.str()) && streams.err.write(err.str());
+    if (code != 0) return ExitCode::kUsage;
+    return written ? ExitCode::kDone : ExitCode::kCannotWrite;
+  }
+  CliContext context(platform, streams, code_page);
+  for (const auto& [sub, body] : bodies) {
+    if (!sub->parsed()) continue;
+    const ExitCode code = body(context);
+    context.clearProgress();
+    return code;
+  }
+  return ExitCode::kUsage;
+}
+
+}  // namespace tabelion

@@ -1,0 +1,14 @@
+// The program without its main: a command line in, an exit code out.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "cli/context.h"
+
+namespace tabelion {
+
+// `arguments` are those behind the program's name.
+ExitCode runCli(std::vector<std::string> arguments, CliPlatform& platform, Streams& streams);
+
+}  // namespace tabelion
