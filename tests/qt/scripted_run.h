@@ -2,8 +2,6 @@
 // is topmost by then. A run that does not come to its end fails the test instead of hanging it.
 #pragma once
 
-#include <QCoreApplication>
-#include <QKeyEvent>
 #include <QTest>
 #include <QTimer>
 #include <algorithm>
@@ -12,9 +10,10 @@
 #include <utility>
 #include <vector>
 
+#include "platform/qt/dialog_screen.h"
 #include "platform/qt/message_screen.h"
 #include "platform/qt/qt_dialogs.h"
-#include "platform/qt/screen.h"
+#include "platform/qt/screen_probe.h"
 
 namespace tabelion {
 
@@ -82,40 +81,25 @@ class RecordingHandler : public DialogHandler {
 
 class Script {
  public:
-  explicit Script(QtDialogs& dialogs) : dialogs_(dialogs) {}
+  explicit Script(QtDialogs& dialogs) : dialogs_(dialogs), probe_(dialogs.frame()) {}
 
   Script& then(std::function<void()> step) {
     steps_.push_back(std::move(step));
     return *this;
   }
-  // Sends the key as a keyboard would: to the widget that has the focus in the phone's window.
   Script& key(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
     return then([this, key, modifiers] { press(key, modifiers); });
   }
   Script& type(const QString& text) {
-    return then([this, text] {
-      for (const QChar c : text) {
-        QKeyEvent event(QEvent::KeyPress, c.toUpper().unicode(), Qt::NoModifier, QString(c));
-        QCoreApplication::sendEvent(focusWidget(), &event);
-      }
-    });
+    return then([this, text] { probe_.type(text); });
   }
   void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-    QTest::keyClick(focusWidget(), key, modifiers);
+    probe_.press(key, modifiers);
   }
-  QWidget* focusWidget() const {
-    QWidget* focus = dialogs_.frame().focusWidget();
-    return focus == nullptr ? &dialogs_.frame() : focus;
-  }
-  // The widget of a control of the topmost screen.
-  QWidget* widget(ControlId id) const {
-    for (const auto& control : screen()->controls()) {
-      if (control->id() == id) return &control->widget();
-    }
-    return nullptr;
-  }
-  Screen* screen() const { return dynamic_cast<Screen*>(dialogs_.frame().top()); }
-  MessageScreen* question() const { return dynamic_cast<MessageScreen*>(dialogs_.frame().top()); }
+  QWidget* widget(ControlId id) const { return probe_.widget(id); }
+  QWidget* focusWidget() const { return dialogs_.frame().focusWidget(); }
+  DialogScreen* screen() const { return probe_.screen(); }
+  MessageScreen* question() const { return probe_.message(); }
 
   int run(const DialogTemplate& dialog, DialogHandler& handler) {
     arm();
@@ -142,13 +126,14 @@ class Script {
       if (dialogs_.frame().top() == nullptr) return;
       QTest::qFail("the dialog did not end after its script", __FILE__, __LINE__);
       for (Layer* layer : dialogs_.frame().layers()) {
-        if (auto* screen = dynamic_cast<Screen*>(layer)) screen->end(-1);
+        if (auto* screen = dynamic_cast<DialogScreen*>(layer)) screen->end(-1);
         if (auto* box = dynamic_cast<MessageScreen*>(layer)) box->answer(MessageAnswer::kNo);
       }
     });
   }
 
   QtDialogs& dialogs_;
+  ScreenProbe probe_;
   std::deque<std::function<void()>> steps_;
 };
 

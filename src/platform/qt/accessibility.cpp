@@ -5,10 +5,10 @@
 #include <QPointer>
 #include <map>
 
+#include "platform/qt/dialog_screen.h"
 #include "platform/qt/list_view.h"
 #include "platform/qt/menu_overlay.h"
 #include "platform/qt/message_screen.h"
-#include "platform/qt/screen.h"
 #include "platform/qt/step_box.h"
 
 namespace tabelion {
@@ -152,7 +152,7 @@ QAccessibleInterface* make(const QString&, QObject* object) {
   if (auto* message = dynamic_cast<MessageScreen*>(object)) {
     return new QAccessibleWidget(message, QAccessible::AlertMessage);
   }
-  if (auto* screen = dynamic_cast<Screen*>(object)) {
+  if (auto* screen = dynamic_cast<DialogScreen*>(object)) {
     return new QAccessibleWidget(screen, QAccessible::Dialog);
   }
   return nullptr;

@@ -51,40 +51,42 @@ void paintBox(QPainter& painter, const QRectF& area, bool ticked) {
   unit.lines({{3.4, 6.8}, {5.6, 9.0}, {9.6, 4.2}});
 }
 
+// The icons of form rows stand in the top left 8 units of their 20×20 box: a row's label begins
+// there, and the rest of the box lies under it.
 void paintTextIcon(UnitPainter& unit) {
-  unit.lines({{6, 6}, {14, 6}});
-  unit.lines({{10, 6}, {10, 15}});
+  unit.lines({{1, 1}, {7, 1}});
+  unit.lines({{4, 1}, {4, 7}});
 }
 
 void paintNumberIcon(UnitPainter& unit) {
-  unit.lines({{8.6, 5}, {7.4, 15}});
-  unit.lines({{13, 5}, {11.8, 15}});
-  unit.lines({{5.8, 8.4}, {14.8, 8.4}});
-  unit.lines({{5.2, 11.8}, {14.2, 11.8}});
+  unit.lines({{3.0, 0.8}, {2.4, 7.2}});
+  unit.lines({{5.8, 0.8}, {5.2, 7.2}});
+  unit.lines({{1.0, 2.8}, {7.2, 2.8}});
+  unit.lines({{0.8, 5.2}, {7.0, 5.2}});
 }
 
 void paintPopupIcon(UnitPainter& unit) {
-  for (const double y : {6.0, 10.0, 14.0}) {
-    unit.lines({{5.2, y}, {5.6, y}});
-    unit.lines({{8.4, y}, {15, y}});
+  for (const double y : {1.2, 4.0, 6.8}) {
+    unit.lines({{0.8, y}, {1.0, y}});
+    unit.lines({{3.2, y}, {7.2, y}});
   }
 }
 
 void paintDateIcon(UnitPainter& unit) {
-  (*unit).drawRoundedRect(QRectF(4.5, 5.5, 11, 10), 1.2, 1.2);
-  unit.lines({{4.8, 8.6}, {15.2, 8.6}});
-  unit.lines({{7.4, 4}, {7.4, 6.4}});
-  unit.lines({{12.6, 4}, {12.6, 6.4}});
+  (*unit).drawRoundedRect(QRectF(0.8, 1.4, 6.4, 5.8), 0.8, 0.8);
+  unit.lines({{1.0, 3.4}, {7.0, 3.4}});
+  unit.lines({{2.6, 0.5}, {2.6, 1.6}});
+  unit.lines({{5.4, 0.5}, {5.4, 1.6}});
 }
 
 void paintTimeIcon(UnitPainter& unit) {
-  (*unit).drawEllipse(QPointF(10, 10), 5.8, 5.8);
-  unit.lines({{10, 6.6}, {10, 10}, {12.6, 11.4}});
+  (*unit).drawEllipse(QPointF(4, 4), 3.3, 3.3);
+  unit.lines({{4, 2.2}, {4, 4}, {5.4, 4.8}});
 }
 
 void paintFieldIcon(QPainter& painter, const QRectF& area, void (*draw)(UnitPainter&)) {
   UnitPainter unit(painter, area, 20, 20);
-  unit.pen(theme::kFocus, 1.4);
+  unit.pen(theme::kFocus, 0.9);
   draw(unit);
 }
 

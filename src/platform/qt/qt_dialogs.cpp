@@ -5,9 +5,9 @@
 #include <QGuiApplication>
 
 #include "platform/qt/accessibility.h"
+#include "platform/qt/dialog_screen.h"
 #include "platform/qt/message_screen.h"
 #include "platform/qt/progress_panel.h"
-#include "platform/qt/screen.h"
 
 namespace tabelion {
 
@@ -54,10 +54,10 @@ QtDialogs::~QtDialogs() = default;
 
 int QtDialogs::runModal(const DialogTemplate& dialog, DialogHandler& handler) {
   const PausedWait paused(*frame_, waits_);
-  auto* below = dynamic_cast<Screen*>(frame_->top());
+  auto* below = dynamic_cast<DialogScreen*>(frame_->top());
   int result = 0;
   {
-    Screen screen(*frame_, dialog, handler);
+    DialogScreen screen(*frame_, dialog, handler);
     result = screen.run();
   }
   if (below != nullptr && frame_->top() == below) below->activated();

@@ -18,10 +18,10 @@ namespace tabelion {
 
 class PhoneFrame;
 
-class Screen final : public Layer, public Dialog, private ControlHost {
+class DialogScreen final : public Layer, public Dialog, private ControlHost {
  public:
-  Screen(PhoneFrame& frame, const DialogTemplate& made_from, DialogHandler& handler);
-  ~Screen() override;
+  DialogScreen(PhoneFrame& frame, const DialogTemplate& made_from, DialogHandler& handler);
+  ~DialogScreen() override;
 
   // Shows the dialog until its end.
   int run();
@@ -79,15 +79,28 @@ class Screen final : public Layer, public Dialog, private ControlHost {
   void stateChanged(ScreenControl& control) override;
 
   // A call into the handler; what was put off until its end happens when the outermost returns.
-  class Call;
+  class Call {
+   public:
+    explicit Call(DialogScreen& screen) : screen_(screen) { ++screen_.calls_; }
+    ~Call() {
+      if (--screen_.calls_ == 0) screen_.afterCalls();
+    }
+    Call(const Call&) = delete;
+    Call& operator=(const Call&) = delete;
+
+   private:
+    DialogScreen& screen_;
+  };
   void afterCalls();
+  void workLater();  // what waits for the present event is done in the next one
   void command(CommandId command);
 
-  // Keys (screen_keys.cpp)
+  // Keys (dialog_screen_keys.cpp)
   bool takeKey(ScreenControl* control, QKeyEvent* event);
   void moveFocus(int by);
   void moveFocusByPage(int by);
 
+  // Controls (dialog_screen_controls.cpp)
   ScreenControl* find(ControlId id) const;
   ScreenControl* findByWidget(const QObject* widget) const;
   ScreenControl* add(const ControlTemplate& made_from);

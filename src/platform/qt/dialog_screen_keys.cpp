@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "platform/qt/dialog_screen.h"
 #include "platform/qt/phone_frame.h"
-#include "platform/qt/screen.h"
 
 namespace tabelion {
 
@@ -69,7 +69,7 @@ bool isTextBox(const ScreenControl* control) {
 
 }  // namespace
 
-bool Screen::eventFilter(QObject* watched, QEvent* event) {
+bool DialogScreen::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::KeyPress) {
     return takeKey(findByWidget(watched), static_cast<QKeyEvent*>(event));
   }
@@ -79,11 +79,11 @@ bool Screen::eventFilter(QObject* watched, QEvent* event) {
   return false;
 }
 
-void Screen::keyPressEvent(QKeyEvent* event) {
+void DialogScreen::keyPressEvent(QKeyEvent* event) {
   if (!takeKey(nullptr, event)) event->ignore();
 }
 
-bool Screen::takeKey(ScreenControl* control, QKeyEvent* event) {
+bool DialogScreen::takeKey(ScreenControl* control, QKeyEvent* event) {
   if (event->key() == Qt::Key_Tab || event->key() == Qt::Key_Backtab) {
     moveFocus(event->key() == Qt::Key_Tab ? 1 : -1);
     return true;
@@ -95,16 +95,12 @@ bool Screen::takeKey(ScreenControl* control, QKeyEvent* event) {
   const bool erases =
       event->key() == Qt::Key_Backspace && isTextBox(control) && !control->madeFrom().read_only;
   if (erases || (control != nullptr && control->editsWith(press))) return false;
+  bool consumed = false;
   {
-    const bool consumed = [&] {
-      ++calls_;
-      const bool taken = handler_.onKey(*this, press);
-      --calls_;
-      return taken;
-    }();
-    if (calls_ == 0) afterCalls();
-    if (consumed || result_) return true;
+    const Call call(*this);
+    consumed = handler_.onKey(*this, press);
   }
+  if (consumed || result_) return true;
   // The handler may have removed the control or opened and closed another screen.
   control = control == nullptr ? nullptr : find(press.control);
   if (control != nullptr && control->takeKey(press)) return true;
@@ -133,7 +129,7 @@ bool Screen::takeKey(ScreenControl* control, QKeyEvent* event) {
   return true;
 }
 
-void Screen::moveFocus(int by) {
+void DialogScreen::moveFocus(int by) {
   const int count = int(controls_.size());
   int at = by > 0 ? -1 : count;
   for (int i = 0; i < count; ++i) {
@@ -146,7 +142,7 @@ void Screen::moveFocus(int by) {
 }
 
 // To the control that lies nearest to one screen further.
-void Screen::moveFocusByPage(int by) {
+void DialogScreen::moveFocusByPage(int by) {
   const ScreenControl* from = focused();
   if (from == nullptr) return;
   const int wanted = from->area().y + by * (screenSize().height - from->area().height);
