@@ -65,6 +65,11 @@ int fullYear(std::int64_t year) {
   return static_cast<int>(std::clamp<std::int64_t>(year, INT32_MIN, INT32_MAX));
 }
 
+int monthLength(int month, int year) {
+  if (month == 2) return isLeapYear(year) ? 29 : 28;
+  return month == 4 || month == 6 || month == 9 || month == 11 ? 30 : 31;
+}
+
 int clampedPart(std::string_view token, int most) {
   const std::int64_t value = leadingInteger(token);
   return value >= 1 && value <= most ? static_cast<int>(value) : 1;
@@ -108,17 +113,21 @@ CalendarDate dateOfText(std::string_view text, const FormatSettings& settings) {
   return date;
 }
 
-bool isExactDate(std::string_view text, const FormatSettings& settings) {
-  if (text.empty() || text == kNoDateText) return true;
+std::optional<CalendarDate> exactDateOfText(std::string_view text, const FormatSettings& settings) {
+  if (text.empty() || text == kNoDateText) return CalendarDate{};
   const DateTokens tokens = splitDate(text, settings);
   if (!isDigits(tokens.month, 2) || !isDigits(tokens.day, 2) || !isDigits(tokens.year, 4) ||
       !tokens.rest.empty()) {
-    return false;
+    return std::nullopt;
   }
-  const CalendarDate date = dateOfText(text, settings);
-  return leadingInteger(tokens.month) == date.month && leadingInteger(tokens.day) == date.day &&
-         date.year >= kFirstYear &&
-         dateOfDayCount(daysSince1904(date.month, date.day, date.year)) == date;
+  const CalendarDate date{static_cast<int>(leadingInteger(tokens.month)),
+                          static_cast<int>(leadingInteger(tokens.day)),
+                          fullYear(leadingInteger(tokens.year))};
+  if (date.month < 1 || date.month > 12 || date.year < kFirstYear || date.day < 1 ||
+      date.day > monthLength(date.month, date.year)) {
+    return std::nullopt;
+  }
+  return date;
 }
 
 }  // namespace tabelion

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -30,9 +31,9 @@ std::string dateText(std::uint32_t days, const FormatSettings& settings);
 // Compat: two-digit years turn at 6, 05 is 2005 and 06 is 1906 (DateText.TypedDatesAreClamped).
 CalendarDate dateOfText(std::string_view text, const FormatSettings& settings);
 
-// Whether the text is a date just as it stands: three numbers in the order of the user's choice
-// and nothing else, a day that the month has, a year from 1904 to 9999, or no date. For input that
-// nobody looks at again, where a clamped date would go unnoticed.
-bool isExactDate(std::string_view text, const FormatSettings& settings);
+// The date that a text is just as it stands: three numbers in the order of the user's choice and
+// nothing else, a day that the month has, a year from 1904 to 9999, or no date; none for any other
+// text. For input that nobody looks at again, where a clamped date would go unnoticed.
+std::optional<CalendarDate> exactDateOfText(std::string_view text, const FormatSettings& settings);
 
 }  // namespace tabelion

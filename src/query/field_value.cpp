@@ -4,6 +4,8 @@
 #include <array>
 #include <charconv>
 #include <limits>
+#include <optional>
+#include <utility>
 
 #include "engine/schema_places.h"
 #include "query/date_text.h"
@@ -26,37 +28,47 @@ struct Input {
   InputCare care;
 };
 
-Error refused(std::string reason) {
+// What a text is refused for; none when its value was put.
+using Refusal = std::optional<Error>;
+
+Refusal refused(std::string reason) {
   return makeError(ErrorKind::kInvalid, std::move(reason));
 }
 
 std::string_view trimmed(std::string_view text) {
-  const std::size_t begin = text.find_first_not_of(" \t\r\n");
-  if (begin == std::string_view::npos) return {};
-  return text.substr(begin, text.find_last_not_of(" \t\r\n") - begin + 1);
+  const auto isBlank = [](char c) { return c == ' ' || (c >= '\t' && c <= '\r'); };
+  while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
+  while (!text.empty() && isBlank(text.back())) text.remove_suffix(1);
+  return text;
 }
 
-Bytes terminated(std::string_view text) {
-  Bytes bytes(text.begin(), text.end());
-  if (!bytes.empty()) bytes.push_back(0);
-  return bytes;
+void putTerminated(Bytes& into, std::string_view text) {
+  if (text.empty()) return;
+  into.insert(into.end(), text.begin(), text.end());
+  into.push_back(0);
 }
 
-Bytes little(std::uint32_t number) {
-  Bytes bytes(4);
+void putLittle(Bytes& into, std::uint32_t number) {
+  std::array<std::uint8_t, 4> bytes;
   storeLe32(bytes.data(), number);
-  return bytes;
+  into.insert(into.end(), bytes.begin(), bytes.end());
 }
 
-Result<Bytes> textValue(std::string_view text, std::size_t most) {
-  if (text.find('\0') != std::string_view::npos) return refused("contains a zero byte");
+Refusal checkText(std::string_view text, std::size_t most) {
   if (text.size() > most) return refused("is longer than " + std::to_string(most) + " bytes");
-  return terminated(text);
+  if (text.find('\0') != std::string_view::npos) return refused("contains a zero byte");
+  return std::nullopt;
 }
 
-Result<Bytes> integerValue(std::string_view text, std::int64_t least, std::int64_t most) {
+Refusal putText(Bytes& into, std::string_view text, std::size_t most) {
+  if (auto refusal = checkText(text, most)) return refusal;
+  putTerminated(into, text);
+  return std::nullopt;
+}
+
+Refusal putInteger(Bytes& into, std::string_view text, std::int64_t least, std::int64_t most) {
   text = trimmed(text);
-  if (text.empty()) return Bytes{};
+  if (text.empty()) return std::nullopt;
   std::string_view digits = text;
   if (digits.starts_with('+') && !digits.starts_with("+-")) digits.remove_prefix(1);
   std::int64_t number = 0;
@@ -66,30 +78,34 @@ Result<Bytes> integerValue(std::string_view text, std::int64_t least, std::int64
   if (read.ec != std::errc{} || number < least || number > most) {
     return refused("is not between " + std::to_string(least) + " and " + std::to_string(most));
   }
-  return little(static_cast<std::uint32_t>(number));
+  putLittle(into, static_cast<std::uint32_t>(number));
+  return std::nullopt;
 }
 
 // Whether all of the text is one number with a decimal point.
 bool isNumber(std::string_view text) {
   if (text.starts_with('-') || text.starts_with('+')) text.remove_prefix(1);
   const std::size_t digit = text.starts_with('.') ? 1 : 0;
-  if (!isDigits(text.substr(0, digit + 1).substr(digit), 1)) return false;
+  if (text.size() <= digit || !isDigits(text.substr(digit, 1), 1)) return false;
   double value = 0;
   const auto read = std::from_chars(text.data(), text.data() + text.size(), value);
   return read.ec == std::errc{} && read.ptr == text.data() + text.size();
 }
 
-Result<Bytes> numberValue(const Input& input, bool as_typed) {
+enum class DecimalMark { kPoint, kAsTyped };
+
+Refusal putNumber(Bytes& into, const Input& input, DecimalMark mark) {
   const std::string_view typed = trimmed(input.text);
-  std::string text(typed);
-  if (input.settings.choices.decimal_comma) std::replace(text.begin(), text.end(), ',', '.');
-  if (text.empty()) return Bytes{};
-  if (!isNumber(text)) return refused("is not a number");
-  if (text.size() > kLongestNumberText) {
-    return refused("is a number of more than " + std::to_string(kLongestNumberText) +
+  if (typed.empty()) return std::nullopt;
+  if (typed.size() > kLongestNumberText) {
+    return refused("is not a number of at most " + std::to_string(kLongestNumberText) +
                    " characters");
   }
-  return terminated(as_typed ? typed : text);
+  std::string text(typed);
+  if (input.settings.choices.decimal_comma) std::replace(text.begin(), text.end(), ',', '.');
+  if (!isNumber(text)) return refused("is not a number");
+  putTerminated(into, mark == DecimalMark::kAsTyped ? typed : text);
+  return std::nullopt;
 }
 
 // A key that no item has.
@@ -99,100 +115,122 @@ Bytes freeKey(const FieldRecord& items) {
   return key;
 }
 
-Result<Bytes> popupValue(const Input& input) {
+Refusal putPopup(Bytes& into, const Input& input) {
   for (const PopupItem& item : input.items.items) {
     if (!input.text.empty() && item.text == input.text) {
       const ByteView key = item.valueKey();
-      return Bytes(key.begin(), key.end());
+      into.insert(into.end(), key.begin(), key.end());
+      return std::nullopt;
     }
   }
-  if (input.text.empty() || input.text == kNoValueText) return freeKey(input.items);
-  return refused("is not in the field's list");
+  if (!input.text.empty() && input.text != kNoValueText) {
+    return refused("is not in the field's list");
+  }
+  const Bytes key = freeKey(input.items);
+  into.insert(into.end(), key.begin(), key.end());
+  return std::nullopt;
 }
 
-Result<Bytes> checkBoxValue(std::string_view text) {
+Refusal putCheckBox(Bytes& into, std::string_view text) {
   text = trimmed(text);
   const auto is = [&](std::string_view word) {
     return text.size() == word.size() && containsAnyCase(text, word);
   };
-  if (is("1") || is("yes") || is("true")) return Bytes{1};
-  if (text.empty() || is("0") || is("no") || is("false")) return Bytes{0};
-  return refused("is neither 1 nor 0");
+  if (is("1") || is("yes") || is("true")) {
+    into.push_back(1);
+  } else if (text.empty() || is("0") || is("no") || is("false")) {
+    into.push_back(0);
+  } else {
+    return refused("is neither 1 nor 0");
+  }
+  return std::nullopt;
 }
 
-Result<std::uint32_t> daysOfText(const Input& input) {
+std::optional<std::uint32_t> daysOfText(const Input& input) {
   const std::string_view text = trimmed(input.text);
-  if (input.care == InputCare::kFile && !isExactDate(text, input.settings)) {
-    return refused("is not a date");
-  }
-  const CalendarDate date = dateOfText(text, input.settings);
-  if (date.year < kFirstYear || date.year > kLastYear) {
-    return refused("is not a date from 1904 to 9999");
-  }
-  return daysSince1904(date.month, date.day, date.year);
+  std::optional<CalendarDate> date = exactDateOfText(text, input.settings);
+  if (!date && input.care == InputCare::kPerson) date = dateOfText(text, input.settings);
+  if (!date || date->year < kFirstYear || date->year > kLastYear) return std::nullopt;
+  return daysSince1904(date->month, date->day, date->year);
 }
 
-Result<Bytes> timeValue(const Input& input) {
+Refusal refusedDate() {
+  return refused("is not a date from 1904 to 9999");
+}
+
+Refusal putDate(Bytes& into, const Input& input) {
+  const auto days = daysOfText(input);
+  if (!days) return refusedDate();
+  putLittle(into, *days);
+  return std::nullopt;
+}
+
+Refusal putTime(Bytes& into, const Input& input) {
   const std::string_view text = trimmed(input.text);
   const TimeValue before = timeOfValue(input.previous);
-  if (text.empty()) return Bytes{0, 0, kNoTimeHour, before.fourth};
-  if (input.care == InputCare::kFile && !isExactTime(text, input.settings)) {
-    return refused("is not a time");
+  const auto put = [&](int second, int minute, int hour) {
+    for (const int part : {second, minute, hour}) into.push_back(static_cast<std::uint8_t>(part));
+    into.push_back(before.fourth);
+  };
+  if (text.empty()) {
+    put(0, 0, kNoTimeHour);
+    return std::nullopt;
   }
   const TypedTime time = timeOfText(text, input.settings);
-  if (time.result != kParseAccepted) return refused("is not a time");
-  int second = time.second;
-  if (second < 0) {
-    const bool same =
-        !input.previous.empty() && before.hour == time.hour && before.minute == time.minute;
-    second = same ? before.second : 0;
+  if (time.result != kParseAccepted ||
+      (input.care == InputCare::kFile && !isExactTime(text, input.settings))) {
+    return refused("is not a time");
   }
-  return Bytes{static_cast<std::uint8_t>(second), static_cast<std::uint8_t>(time.minute),
-               static_cast<std::uint8_t>(time.hour), before.fourth};
+  const bool same =
+      !input.previous.empty() && before.hour == time.hour && before.minute == time.minute;
+  const int kept = same ? before.second : 0;
+  put(time.second < 0 ? kept : time.second, time.minute, time.hour);
+  return std::nullopt;
 }
 
 // "h:mm:ss" as results of kind time are shown.
-Result<Bytes> durationValue(const Input& input) {
+Refusal putDuration(Bytes& into, const Input& input) {
   std::string_view text = trimmed(input.text);
-  if (text.empty()) return Bytes{};
+  if (text.empty()) return std::nullopt;
   const bool negative = text.starts_with('-');
   if (negative) text.remove_prefix(1);
   const TypedTokens typed = splitTyped(text, ':');
   const auto& [hours, minutes, seconds] = typed.tokens;
-  if (!isDigits(hours, 12) || !isDigits(minutes, 2) || !isDigits(seconds, 2) ||
+  if (!isDigits(hours, 11) || !isDigits(minutes, 2) || !isDigits(seconds, 2) ||
       !typed.rest.empty()) {
     return refused("is not a duration");
   }
   const std::int64_t count =
       (leadingInteger(hours) * 60 + leadingInteger(minutes)) * 60 + leadingInteger(seconds);
-  return terminated(std::to_string(negative ? -count : count));
+  putTerminated(into, std::to_string(negative ? -count : count));
+  return std::nullopt;
 }
 
-Result<Bytes> resultValue(const Input& input) {
-  if (input.text == kResultErrorText) return refused("is not a result");
+Refusal putResult(Bytes& into, const Input& input) {
   switch (effectiveType(input.field)) {
     case kFloat:
     case kInteger:
-      return numberValue(input, true);
+      return putNumber(into, input, DecimalMark::kAsTyped);
     case kTime:
-      return durationValue(input);
+      return putDuration(into, input);
     case kDate: {
-      if (trimmed(input.text).empty()) return Bytes{};
+      if (trimmed(input.text).empty()) return std::nullopt;
       const auto days = daysOfText(input);
-      if (!days) return days.error();
-      return terminated(std::to_string(*days));
+      if (!days) return refusedDate();
+      putTerminated(into, std::to_string(*days));
+      return std::nullopt;
     }
     default:
       return refused("belongs to a calculated field without a kind of result");
   }
 }
 
-Result<Bytes> linkTextValue(const Input& input) {
-  constexpr std::size_t kMost = kLinkSize - kLinkHeadSize - 1;
-  const auto text = textValue(input.text, kMost);
-  if (!text) return text.error();
-  if (input.text.empty() && input.previous.empty()) return Bytes{};
-  return linkValue(linkKey(input.previous), input.text, input.previous);
+Refusal putLinkText(Bytes& into, const Input& input) {
+  if (auto refusal = checkText(input.text, kLinkSize - kLinkHeadSize - 1)) return refusal;
+  if (input.text.empty() && input.previous.empty()) return std::nullopt;
+  const Bytes value = linkValue(linkKey(input.previous), input.text, input.previous);
+  into.insert(into.end(), value.begin(), value.end());
+  return std::nullopt;
 }
 
 // Whether the text is what a form shows for the value of before.
@@ -207,40 +245,37 @@ bool isUnchanged(const Input& input) {
          shown == input.text;
 }
 
-Result<Bytes> newValue(const Input& input) {
+Refusal putNewValue(Bytes& into, const Input& input) {
   const std::size_t area = fieldValueSize(input.field);
   switch (input.field.type) {
     case kText:
     case kTextVariant:
     case kLongText:
     case kText254:
-      return textValue(input.text, area == 0 ? 0 : area - 1);
+      return putText(into, input.text, area == 0 ? 0 : area - 1);
     case kNote:
-      if (input.text.empty()) return Bytes{0};
-      return textValue(input.text, kNoteSize - 1);
+      if (input.text.empty()) into.push_back(0);
+      return putText(into, input.text, kNoteSize - 1);
     case kInteger:
     case kAutoNumber:
-      return integerValue(input.text, std::numeric_limits<std::int32_t>::min(),
-                          std::numeric_limits<std::int32_t>::max());
+      return putInteger(into, input.text, std::numeric_limits<std::int32_t>::min(),
+                        std::numeric_limits<std::int32_t>::max());
     case kLinkedField:
-      return integerValue(input.text, 0, std::numeric_limits<std::uint32_t>::max());
+      return putInteger(into, input.text, 0, std::numeric_limits<std::uint32_t>::max());
     case kFloat:
-      return numberValue(input, false);
+      return putNumber(into, input, DecimalMark::kPoint);
     case kPopup:
-      return popupValue(input);
+      return putPopup(into, input);
     case kCheckBox:
-      return checkBoxValue(input.text);
-    case kDate: {
-      const auto days = daysOfText(input);
-      if (!days) return days.error();
-      return little(*days);
-    }
+      return putCheckBox(into, input.text);
+    case kDate:
+      return putDate(into, input);
     case kTime:
-      return timeValue(input);
+      return putTime(into, input);
     case kLinkField:
-      return linkTextValue(input);
+      return putLinkText(into, input);
     case kCalculated:
-      return resultValue(input);
+      return putResult(into, input);
     default:
       return refused("belongs to a field that takes no text");
   }
@@ -256,12 +291,25 @@ Bytes linkValue(std::uint32_t key, std::string_view text, ByteView previous) {
   return value;
 }
 
+Status appendValueOfText(Bytes& into, const FieldDefinition& field, const FieldRecord& items,
+                         std::string_view text, const FormatSettings& settings, ByteView previous,
+                         InputCare care) {
+  const Input input{field, items, text, settings, previous, care};
+  if (isUnchanged(input)) {
+    into.insert(into.end(), previous.begin(), previous.end());
+  } else if (auto refusal = putNewValue(into, input)) {
+    return std::move(*refusal);
+  }
+  return Done{};
+}
+
 Result<Bytes> valueOfText(const FieldDefinition& field, const FieldRecord& items,
                           std::string_view text, const FormatSettings& settings, ByteView previous,
                           InputCare care) {
-  const Input input{field, items, text, settings, previous, care};
-  if (isUnchanged(input)) return Bytes(previous.begin(), previous.end());
-  return newValue(input);
+  Bytes value;
+  const Status status = appendValueOfText(value, field, items, text, settings, previous, care);
+  if (!status) return status.error();
+  return value;
 }
 
 }  // namespace tabelion

@@ -40,6 +40,12 @@ Result<Bytes> valueOfText(const FieldDefinition& field, const FieldRecord& items
                           std::string_view text, const FormatSettings& settings,
                           ByteView previous = {}, InputCare care = InputCare::kPerson);
 
+// The same for many values, appended to `into`; what was there stays as it was when the text is
+// refused.
+Status appendValueOfText(Bytes& into, const FieldDefinition& field, const FieldRecord& items,
+                         std::string_view text, const FormatSettings& settings,
+                         ByteView previous = {}, InputCare care = InputCare::kPerson);
+
 // A link to the record with this key. What follows the key in the head stays as in `previous`.
 Bytes linkValue(std::uint32_t key, std::string_view text, ByteView previous = {});
 

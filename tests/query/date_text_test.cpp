@@ -85,11 +85,11 @@ TEST(DateText, TypedDatesAreClamped) {
 TEST(DateText, ExactDatesHaveNothingToClamp) {
   const FormatSettings settings = chosen(6);
   for (const char* exact : {"2031-5-9", "2032-02-29", "1904-01-02", "9999-12-31", "", "NO DATE"}) {
-    EXPECT_TRUE(isExactDate(exact, settings)) << exact;
+    EXPECT_EQ(exactDateOfText(exact, settings), dateOfText(exact, settings)) << exact;
   }
   for (const char* other : {"2031-13-9", "2031-2-29", "2031-5", "31/5/2009", "1903-12-31",
                             "2031-5-9-1", "2031-5-x", "10000-1-1", "no date"}) {
-    EXPECT_FALSE(isExactDate(other, settings)) << other;
+    EXPECT_FALSE(exactDateOfText(other, settings)) << other;
   }
 }
 

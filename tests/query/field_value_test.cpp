@@ -68,7 +68,8 @@ TEST(FieldValue, RefusesWhatDoesNotFit) {
   }
   // A person sees what became of a date; a file's is taken as it stands or not at all.
   EXPECT_TRUE(Form(kDate).typed("0/40/2010").ok());
-  EXPECT_EQ(reason(Form(kDate).typed("0/40/2010", InputCare::kFile)), "is not a date");
+  EXPECT_EQ(reason(Form(kDate).typed("0/40/2010", InputCare::kFile)),
+            "is not a date from 1904 to 9999");
   EXPECT_TRUE(Form(kTime).typed("x").ok());
   EXPECT_EQ(reason(Form(kTime).typed("x", InputCare::kFile)), "is not a time");
 }
