@@ -147,7 +147,7 @@ TEST_F(FilesTest, ReplaceRefusesWhatIsNoFile) {
   for (const std::string& path : {folder.path(), std::string("/dev/null"), folder / "no/file"}) {
     const Status result = replaceWith(files, path, "new");
     ASSERT_FALSE(result.ok()) << path;
-    EXPECT_EQ(result.error().kind, ErrorKind::kCannotWrite);
+    EXPECT_EQ(result.error().kind, ErrorKind::kRefused);
   }
   struct stat status {};
   ASSERT_EQ(::stat("/dev/null", &status), 0);
