@@ -70,6 +70,7 @@ int monthLength(int month, int year) {
   return month == 4 || month == 6 || month == 9 || month == 11 ? 30 : 31;
 }
 
+// Compat: what is no month or day becomes 1 without a word (DateText.TypedDatesAreClamped).
 int clampedPart(std::string_view token, int most) {
   const std::int64_t value = leadingInteger(token);
   return value >= 1 && value <= most ? static_cast<int>(value) : 1;

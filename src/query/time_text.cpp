@@ -103,6 +103,7 @@ TypedTime timeOfText(std::string_view text, const FormatSettings& settings) {
   std::int64_t hour = leadingInteger(typed.tokens[0]);
   const std::int64_t minute = leadingInteger(typed.tokens[1]);
   if (form.twelve_hours) {
+    // Compat: 13 and above are read as 0 on this clock, like 12 (TimeText.TypedTimes).
     if (hour >= kNoon) hour = 0;
     const auto contains = [&](const char* word) {
       return text.find(word) != std::string_view::npos;
