@@ -6,7 +6,7 @@ namespace tabelion {
 class DialogsTest : public QObject {
   Q_OBJECT
 
- private slots:
+ private Q_SLOTS:
   void nestedDialogsReturnTheirResults();
   void messageBoxesGiveTheAnswerOfTheKey();
   void timersAndPostedMessagesArrive();

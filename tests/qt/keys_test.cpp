@@ -10,7 +10,7 @@ namespace tabelion {
 class KeysTest : public QObject {
   Q_OBJECT
 
- private slots:
+ private Q_SLOTS:
   void keysBecomeCommandsUnlessConsumed();
   void softKeyMenuWorksByKeys();
   void softKeyMenuWorksByMouse();

@@ -11,7 +11,7 @@ namespace tabelion {
 class ListTest : public QObject {
   Q_OBJECT
 
- private slots:
+ private Q_SLOTS:
   void keysAndPointerSelectRows();
   void paintsTheVisibleRowsAndNoOthers();
   void rowsSpeakToAScreenReader();

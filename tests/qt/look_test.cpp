@@ -10,7 +10,7 @@ namespace tabelion {
 class LookTest : public QObject {
   Q_OBJECT
 
- private slots:
+ private Q_SLOTS:
   void textFitsAtEveryZoom_data();
   void textFitsAtEveryZoom();
   void theScreenGrowsWithTheWindow();

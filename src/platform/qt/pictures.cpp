@@ -86,7 +86,7 @@ void paintTimeIcon(UnitPainter& unit) {
 
 void paintFieldIcon(QPainter& painter, const QRectF& area, void (*draw)(UnitPainter&)) {
   UnitPainter unit(painter, area, 20, 20);
-  unit.pen(theme::kFocus, 0.9);
+  unit.pen(theme::kFocus, 1.1);
   draw(unit);
 }
 

@@ -26,13 +26,15 @@ class LabelWidget final : public QLabel {
     QPainter painter(this);
     painter.setPen(QColor::fromRgb(isEnabled() ? theme::kInk : theme::kInkDisabled));
     const QFontMetrics metrics = painter.fontMetrics();
+    const int inset = scale_.px(3);  // from the screen's edge, or from an icon
+    const QRect space = rect().adjusted(inset, 0, -inset, 0);
     if (height() >= 2 * metrics.height()) {
-      painter.drawText(rect(), int(side_ | Qt::AlignTop) | Qt::TextWordWrap | Qt::TextExpandTabs,
+      painter.drawText(space, int(side_ | Qt::AlignTop) | Qt::TextWordWrap | Qt::TextExpandTabs,
                        text());
       return;
     }
-    painter.drawText(rect(), int(side_ | Qt::AlignVCenter) | Qt::TextSingleLine,
-                     metrics.elidedText(text(), Qt::ElideRight, width()));
+    painter.drawText(space, int(side_ | Qt::AlignVCenter) | Qt::TextSingleLine,
+                     metrics.elidedText(text(), Qt::ElideRight, space.width()));
   }
 
  private:

@@ -1,0 +1,90 @@
+#include "app/options.h"
+
+#include <CLI/CLI.hpp>
+#include <charconv>
+#include <iostream>
+
+namespace tabelion {
+
+namespace {
+
+constexpr int kSmallestSide = 120;
+constexpr int kLargestSide = 4000;
+constexpr double kSmallestAskedZoom = 0.5;
+constexpr double kLargestAskedZoom = 10;
+
+// "240x320"; empty when it is fine, else what is wrong.
+std::string parseScreen(const std::string& text, Size& screen) {
+  const char* const end = text.data() + text.size();
+  Size size;
+  const auto width = std::from_chars(text.data(), end, size.width);
+  if (width.ec != std::errc() || width.ptr == end || (*width.ptr != 'x' && *width.ptr != 'X')) {
+    return "is not a size like 240x320";
+  }
+  const auto height = std::from_chars(width.ptr + 1, end, size.height);
+  if (height.ec != std::errc() || height.ptr != end) return "is not a size like 240x320";
+  for (const int side : {size.width, size.height}) {
+    if (side < kSmallestSide || side > kLargestSide) {
+      return "is not between 120x120 and 4000x4000";
+    }
+  }
+  screen = size;
+  return {};
+}
+
+std::string joined(const std::vector<std::string>& words) {
+  std::string line;
+  for (const std::string& word : words) line += (line.empty() ? "" : " ") + word;
+  return line;
+}
+
+}  // namespace
+
+ParsedOptions parseOptions(int argc, const char* const* argv) {
+  ParsedOptions parsed;
+  ProgramOptions& options = parsed.options;
+  CLI::App app(
+      "A personal relational database that is worked with a few keys.\n"
+      "F1 and F2 are the soft keys, the arrows the navigation pad, Enter the action key,\n"
+      "Backspace and Escape the Back key; everything else types. Ctrl + and Ctrl - zoom.",
+      "tabelion");
+  app.allow_extras();
+  app.set_version_flag("--version", "tabelion " TABELION_VERSION);
+  app.add_option_function<std::string>(
+         "--screen",
+         [&options](const std::string& text) {
+           const std::string wrong = parseScreen(text, options.screen);
+           if (!wrong.empty()) throw CLI::ValidationError("--screen", text + " " + wrong);
+         },
+         "Size of the phone's screen in its own pixels; 240x320 when not given")
+      ->type_name("WIDTHxHEIGHT");
+  app.add_option("--zoom", options.zoom, "How large the screen is shown; 1.5 is one and a half")
+      ->type_name("N")
+      ->check(CLI::Range(kSmallestAskedZoom, kLargestAskedZoom));
+  app.add_option("--documents", options.documents_folder,
+                 "Documents folder, in which the databases lie in \"Tabelion\"")
+      ->type_name("DIR");
+  app.add_option("--card", options.card_folder, "The same of a storage card")->type_name("DIR");
+  app.add_option("--code-page", options.code_page,
+                 "Code page of databases that name none, for this run")
+      ->type_name("NAME");
+  app.add_option("--samples", options.samples_folder, "Folder of the sample databases")
+      ->type_name("DIR");
+  app.add_option("--tour", options.tour_folder,
+                 "Walk through the program on the samples, leave pictures in DIR, say what was
+                 "
+                 "checked; needs no display and keeps away from the user's files")
+      ->type_name("DIR");
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    const bool asked = error.get_exit_code() == 0;  // help or version
+    app.exit(error, std::cout, std::cerr);
+    parsed.exit_code = asked ? 0 : kExitUsage;
+    return parsed;
+  }
+  options.command_line = joined(app.remaining());
+  return parsed;
+}
+
+}  // namespace tabelion

@@ -1,0 +1,32 @@
+// What the program is told on its command line.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "platform/dialogs.h"
+
+namespace tabelion {
+
+struct ProgramOptions {
+  Size screen{240, 320};
+  double zoom = 0;  // 0: chosen from the desktop
+  std::string documents_folder;
+  std::string card_folder;
+  std::string code_page;
+  std::string samples_folder;  // empty: beside the program
+  std::string tour_folder;     // where the tour leaves its pictures; empty: no tour
+  std::string command_line;    // the words that are no options
+};
+
+struct ParsedOptions {
+  ProgramOptions options;
+  std::optional<int> exit_code;  // the program ends at once with it
+};
+
+inline constexpr int kExitUsage = 2;
+
+// Prints help, version and complaints itself.
+ParsedOptions parseOptions(int argc, const char* const* argv);
+
+}  // namespace tabelion

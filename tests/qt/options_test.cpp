@@ -1,0 +1,51 @@
+// The command line of the program.
+#include <QTest>
+
+#include "app/options.h"
+
+namespace tabelion {
+
+class OptionsTest : public QObject {
+  Q_OBJECT
+
+ private Q_SLOTS:
+  void optionsAndOtherWordsAreTold();
+  void wrongOnesAreRefused();
+};
+
+namespace {
+
+ParsedOptions parse(std::vector<const char*> words) {
+  words.insert(words.begin(), "tabelion");
+  return parseOptions(int(words.size()), words.data());
+}
+
+}  // namespace
+
+void OptionsTest::optionsAndOtherWordsAreTold() {
+  const ParsedOptions parsed = parse({"--screen", "320x240", "--zoom", "1.5", "--documents", "/d",
+                                      "--code-page", "CP1251", "AppRunToHandleNotification", "17"});
+  QVERIFY(!parsed.exit_code);
+  QCOMPARE(parsed.options.screen.width, 320);
+  QCOMPARE(parsed.options.screen.height, 240);
+  QCOMPARE(parsed.options.zoom, 1.5);
+  QCOMPARE(parsed.options.documents_folder, std::string("/d"));
+  QCOMPARE(parsed.options.code_page, std::string("CP1251"));
+  QCOMPARE(parsed.options.command_line, std::string("AppRunToHandleNotification 17"));
+  QCOMPARE(parse({"--version"}).exit_code, std::optional<int>(0));
+  QCOMPARE(parse({"--help"}).exit_code, std::optional<int>(0));
+}
+
+void OptionsTest::wrongOnesAreRefused() {
+  for (const char* screen : {"240", "240x", "x320", "240x320x", "-240x320", "1x1", "9999x320"}) {
+    QCOMPARE(parse({"--screen", screen}).exit_code, std::optional<int>(kExitUsage));
+  }
+  for (const char* zoom : {"0", "-1", "much", "1000"}) {
+    QCOMPARE(parse({"--zoom", zoom}).exit_code, std::optional<int>(kExitUsage));
+  }
+}
+
+}  // namespace tabelion
+
+QTEST_MAIN(tabelion::OptionsTest)
+#include "options_test.moc"
