@@ -71,8 +71,7 @@ ParsedOptions parseOptions(int argc, const char* const* argv) {
   app.add_option("--samples", options.samples_folder, "Folder of the sample databases")
       ->type_name("DIR");
   app.add_option("--tour", options.tour_folder,
-                 "Walk through the program on the samples, leave pictures in DIR, say what was
-                 "
+                 "Walk through the program on the samples, leave pictures in DIR, say what was\n"
                  "checked; needs no display and keeps away from the user's files")
       ->type_name("DIR");
   try {
