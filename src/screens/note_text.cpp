@@ -21,13 +21,12 @@ class NoteScreen : public Screen {
   bool acceptsCharacter(Dialog&, ControlId, char32_t character) override {
     return CanStore(app_, character);
   }
+  // Only Cancel gives up what was written.
   void onCommand(Dialog& dialog, CommandId command) override {
-    if (command == kDoneCommand) {
-      note_.text = dialog.control(kNoteEdit).text();
-      dialog.end(kDialogDone);
-    } else if (command == kCancelCommand || command == kBackCommand) {
-      dialog.end(kDialogClosed);
-    }
+    if (command == kCancelCommand) return dialog.end(kDialogClosed);
+    if (command != kDoneCommand && command != kActionCommand && command != kBackCommand) return;
+    note_.text = dialog.control(kNoteEdit).text();
+    dialog.end(kDialogDone);
   }
   bool OnAutoClose(Dialog& dialog) override {
     note_.text = dialog.control(kNoteEdit).text();

@@ -199,14 +199,16 @@ void RecordListScreen::Save() {
 }
 
 void RecordListScreen::Close(Dialog& dialog, int result) {
-  if (!CloseDatabase(app_, AskBeforeSaving::kYes)) return FillRecordList(dialog);
-  if (result == kDialogAutoClosed) SavePreferences(app_.platform, app_.preferences);
-  dialog.end(result);
+  if (CloseFor(result)) {
+    dialog.end(result);
+  } else {
+    FillRecordList(dialog);
+  }
 }
 
-bool RecordListScreen::OnAutoClose(Dialog&) {
+bool RecordListScreen::CloseFor(int result) {
   if (!CloseDatabase(app_, AskBeforeSaving::kYes)) return false;
-  SavePreferences(app_.platform, app_.preferences);
+  if (result == kDialogAutoClosed) SavePreferences(app_.platform, app_.preferences);
   return true;
 }
 

@@ -135,18 +135,21 @@ std::optional<std::string> FindDatabaseFile(Application& app, const std::string&
   return std::nullopt;
 }
 
-void InstallSampleDatabases(Application& app) {
+int InstallSampleDatabases(Application& app) {
   Files& files = app.platform.files;
   const auto folder = GetDatabaseFolder(app);
-  if (!folder) return;
+  int installed = 0;
+  if (!folder) return installed;
   for (const std::string& name : databaseFileNames(files, app.platform.samples_folder)) {
     const Status copied =
         files.copy(app.platform.samples_folder + "/" + name, *folder + "/" + name, false);
     if (!copied.ok()) {
       ShowMessage(app, u"Could Not Initialize Database files", u"Error!", MessageIcon::kError);
-      return;
+      return installed;
     }
+    ++installed;
   }
+  return installed;
 }
 
 }  // namespace tabelion

@@ -59,7 +59,7 @@ void MainWindow::Start(Dialog& dialog) {
   LoadPreferences(app_.platform, app_.preferences);
   if (!options_.code_page.empty()) app_.preferences.code_page = options_.code_page;
   PrepareFormats(app_);
-  if (!RefreshDatabaseList(dialog)) RefreshDatabaseList(dialog);  // samples may be there now
+  if (!RefreshDatabaseList(dialog)) RefreshDatabaseList(dialog);  // a folder was empty: look again
   ListControl& list = dialog.list(kDatabaseList);
   list.focus();
   list.selectRow(0);
@@ -88,21 +88,21 @@ bool MainWindow::RefreshDatabaseList(Dialog& dialog) {
   list.repaint();
   if (list_.found_files) left_key_text_ = app_.category;
   ShowMenuBar(dialog);
-  if (!list_.found_files && list_.files.empty()) OfferSamples();
+  if (!list_.found_files && list_.files.empty() && OfferSamples()) {
+    return RefreshDatabaseList(dialog);
+  }
   return list_.found_files;
 }
 
+// True when samples were installed.
 // Compat: Yes leaves the question armed for the next time that the list is empty, only No stops
 // it for good (Chooser.OffersSamplesUntilNo).
-void MainWindow::OfferSamples() {
+bool MainWindow::OfferSamples() {
   Settings& settings = app_.platform.settings;
-  if (ReadNumberSetting(settings, Setting::kSampleDatabases).value_or(0) != 0) return;
-  if (Ask(app_, u"Install Sample Database? (Y/N)", u"QUESTION")) {
-    WriteNumberSetting(settings, Setting::kSampleDatabases, 0);
-    InstallSampleDatabases(app_);
-  } else {
-    WriteNumberSetting(settings, Setting::kSampleDatabases, 1);
-  }
+  if (ReadNumberSetting(settings, Setting::kSampleDatabases).value_or(0) != 0) return false;
+  const bool install = Ask(app_, u"Install Sample Database? (Y/N)", u"QUESTION");
+  WriteNumberSetting(settings, Setting::kSampleDatabases, install ? 0 : 1);
+  return install && InstallSampleDatabases(app_) > 0;
 }
 
 // The left soft key carries the category that is shown, its menu all of them.

@@ -33,7 +33,7 @@ class MainWindow : public DialogHandler {
   void Layout(Dialog& dialog);
   void Start(Dialog& dialog);
   bool RefreshDatabaseList(Dialog& dialog);
-  void OfferSamples();
+  bool OfferSamples();
   void ShowMenuBar(Dialog& dialog);
   void ChooseCategory(Dialog& dialog, CommandId command);
   void OpenSelected(Dialog& dialog);
