@@ -40,11 +40,11 @@ DialogTemplate RecordListTemplate() {
       {.id = kNameLabel,
        .kind = ControlKind::kLabel,
        .text = u"Database Name",
-       .place = {0, 2, 140, 22}},
+       .place = {2, 2, 138, 22}},
       {.id = kViewLabel,
        .kind = ControlKind::kLabel,
        .text = u"View",
-       .place = {140, 2, 100, 22},
+       .place = {140, 2, 98, 22},
        .right_aligned = true},
       {.id = kRecordList, .kind = ControlKind::kList, .accessible_name = u"Records"},
   };
@@ -74,8 +74,8 @@ void RecordListScreen::Layout(Dialog& dialog) {
     dialog.control(kViewLabel).setPlace({200, 2, 120, 25});
   } else {  // the name takes seven twelfths, as it does on a screen of 240 pixels
     const int name_width = size.width * 7 / 12;
-    dialog.control(kNameLabel).setPlace({0, 2, name_width, 22});
-    dialog.control(kViewLabel).setPlace({name_width, 2, size.width - name_width, 22});
+    dialog.control(kNameLabel).setPlace({2, 2, name_width - 2, 22});
+    dialog.control(kViewLabel).setPlace({name_width, 2, size.width - name_width - 2, 22});
   }
   dialog.control(kRecordList)
       .setPlace({0, kListTop, size.width, std::max(0, size.height - kListTop)});
