@@ -108,6 +108,8 @@ void KeysTest::softKeyMenuWorksByKeys() {
     MenuPanel* panel = dialogs.frame().menus().panel();
     QVERIFY(panel->rect().contains(QRect(marked()->mapTo(panel, QPoint(0, 0)), marked()->size())));
   });
+  script.key(Qt::Key_Home).type("m").then([&] { QCOMPARE(marked()->text(), "More"); });
+  script.key(Qt::Key_PageDown).then([&] { QCOMPARE(marked()->text(), "Filler"); });
   script.key(Qt::Key_3).key(Qt::Key_2);      // More, Inner & two
   script.key(Qt::Key_F2).key(Qt::Key_1);     // greyed: nothing
   script.key(Qt::Key_Return);                // First
@@ -172,6 +174,10 @@ void KeysTest::focusGoesThroughEveryUsableControl() {
   script.key(Qt::Key_Up).then(note).key(Qt::Key_Backtab).then(note);
   script.then([&] { script.screen()->control(5).focus(); }).key(Qt::Key_Space).key(Qt::Key_Enter);
   script.then([&] { script.screen()->control(6).focus(); }).key(Qt::Key_Return);
+  script.then([&] {  // a click beside the controls leaves it where it is
+    QTest::mouseClick(script.screen(), Qt::LeftButton, {}, QPoint(220, 100));
+    QVERIFY(script.screen()->control(6).hasFocus() && script.widget(6)->hasFocus());
+  });
   script.then([&] {  // the focus leaves what cannot have it any more
     script.screen()->control(6).setEnabled(false);
     QVERIFY(!script.screen()->control(6).hasFocus());

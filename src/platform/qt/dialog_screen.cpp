@@ -27,7 +27,7 @@ DialogScreen::DialogScreen(PhoneFrame& frame, const DialogTemplate& made_from,
       content_(new QWidget(this)),
       bar_(new QScrollBar(Qt::Vertical, this)) {
   hide();
-  setFocusPolicy(Qt::StrongFocus);
+  setFocusPolicy(Qt::NoFocus);  // a click beside the controls leaves the focus where it is
   setAccessibleName(title_);
   bar_->setFocusPolicy(Qt::NoFocus);
   bar_->hide();

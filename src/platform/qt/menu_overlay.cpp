@@ -96,13 +96,17 @@ bool MenuOverlay::takeKey(QKeyEvent* event) {
       top.step(-1);
       return true;
     case Qt::Key_Home:
-    case Qt::Key_PageUp:
       top.markFirst();
       return true;
     case Qt::Key_End:
-    case Qt::Key_PageDown:
       top.markFirst();
       top.step(-1);
+      return true;
+    case Qt::Key_PageUp:
+      top.page(-1);
+      return true;
+    case Qt::Key_PageDown:
+      top.page(1);
       return true;
     case Qt::Key_Return:
     case Qt::Key_Enter:
@@ -131,7 +135,9 @@ bool MenuOverlay::takeKey(QKeyEvent* event) {
   if (event->key() >= Qt::Key_1 && event->key() <= Qt::Key_9 && opening_.numbered) {
     return chooseByDigit(event->key() - Qt::Key_0);
   }
-  return false;
+  if (event->text().isEmpty() || !event->text()[0].isPrint()) return false;
+  top.markByLetter(event->text());
+  return true;
 }
 
 void MenuOverlay::keyPressEvent(QKeyEvent* event) {

@@ -43,7 +43,9 @@ class MenuPanel final : public QWidget {
   MenuRow* marked() const;
   void mark(MenuRow* row);
   void markFirst();
-  void step(int by);  // to the next choosable row that way, round the ends
+  void step(int by);                         // to the next choosable row that way, round the ends
+  void page(int by);                         // to the one that lies nearest to one panel further
+  void markByLetter(const QString& letter);  // the next one that begins so, round the end
   QSize wantedSize() const;
 
  protected:

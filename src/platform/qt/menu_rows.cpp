@@ -2,6 +2,7 @@
 #include <QKeyEvent>
 #include <QPainter>
 #include <QWheelEvent>
+#include <algorithm>
 
 #include "platform/qt/menu_overlay.h"
 #include "platform/qt/pictures.h"
@@ -125,6 +126,27 @@ void MenuPanel::step(int by) {
   for (int tried = 0; tried < count; ++tried) {
     at = (at + by + count) % count;
     if (rows_[at]->isChoosable()) return mark(rows_[at]);
+  }
+}
+
+void MenuPanel::page(int by) {
+  if (marked_ == nullptr) return;
+  const int wanted = marked_->y() + by * (window_->height() - marked_->height());
+  MenuRow* nearest = marked_;
+  for (MenuRow* row : rows_) {
+    if (row->isChoosable() && qAbs(row->y() - wanted) < qAbs(nearest->y() - wanted)) nearest = row;
+  }
+  mark(nearest);
+}
+
+void MenuPanel::markByLetter(const QString& letter) {
+  const auto here = std::find(rows_.begin(), rows_.end(), marked_);
+  const auto start = std::size_t(here == rows_.end() ? 0 : here - rows_.begin() + 1);
+  for (std::size_t i = 0; i < rows_.size(); ++i) {
+    MenuRow* row = rows_[(start + i) % rows_.size()];
+    if (row->isChoosable() && row->text().trimmed().startsWith(letter, Qt::CaseInsensitive)) {
+      return mark(row);
+    }
   }
 }
 

@@ -127,7 +127,7 @@ class ChoiceControl final : public ControlOf<Control> {
     const int count = int(texts_.size());
     for (int i = 1; i <= count; ++i) {
       const int index = (std::max(chosen_, -1) + i) % count;
-      if (texts_[index].startsWith(start, Qt::CaseInsensitive)) return choose(index);
+      if (texts_[index].trimmed().startsWith(start, Qt::CaseInsensitive)) return choose(index);
     }
     return true;
   }
