@@ -77,7 +77,8 @@ CellText popupCell(const PopupNames& popups, ByteView stored, CellScratch& scrat
   const bool is_empty =
       std::all_of(stored.begin(), stored.end(), [](std::uint8_t byte) { return byte == 0; });
   if (is_empty) return {};
-  scratch.text = "?" + toHex(stored);
+  scratch.text.assign(1, '?');
+  scratch.text.append(toHex(stored));
   return {scratch.text};
 }
 

@@ -1,0 +1,73 @@
+#!/bin/bash
+# Compares whole runs of tabelion-cli at the record limit with plain programs and with SQLite, in
+# turns, and prints the medians, the ratios and their targets as Markdown.
+#
+#   bench/whole_process.sh BUILD_FOLDER [ROUNDS]     (a build with TABELION_BENCH, see the README)
+set -euo pipefail
+
+build=${1:?usage: bench/whole_process.sh BUILD_FOLDER [ROUNDS]}
+rounds=${2:-11}
+cli=$build/bin/tabelion-cli
+work=$(mktemp -d "${TMPDIR:-/tmp}/tabelion-bench.XXXXXX")
+trap 'rm -rf "$work"' EXIT
+
+"$build/bin/make_records" "$work"
+"$cli" create "$work/records.PDB" --schema "$work/records.json" --data "$work/records.csv"
+"$cli" create "$work/empty.PDB" --schema "$work/records.json"
+tail -n +2 "$work/records.csv" > "$work/rows.csv"
+columns='Title text, Place text, Count integer, Weight real, Kind text, Checked integer, Day text,
+  Hour text, Note text, Text text, Amount real, Number integer'
+sqlite3 "$work/records.db" "CREATE TABLE records ($columns);" ".mode csv" \
+  ".import $work/rows.csv records"
+
+compare() { "$build/bin/compare_runs" "$rounds" "$@"; }
+
+# row WHAT OURS THEIRS TARGET: a line of the table from the last comparison in $result.
+row() {
+  awk -F'\t' -v what="$1" -v ours="$2" -v theirs="$3" -v target="$4" '
+    $1 == ours { a = $2 } $1 == theirs { b = $2 }
+    END { r = a / b
+          printf "| %s | %.1f | %s | %.1f | %.2f | %s | %s |\n", what, a, theirs, b, r, target,
+                 (r <= target ? "yes" : "no") }' <<< "$result"
+}
+
+size=$(stat -c %s "$work/records.PDB")
+echo "65,000 records of 12 fields, $size bytes; medians of $rounds runs in turns, whole processes;"
+echo "$(nproc) cores, $(awk -F': ' '/model name/ { print $2; exit }' /proc/cpuinfo)," \
+  "$(awk '/MemTotal/ { printf "%.0f GB", $2 / 1e6 }' /proc/meminfo), $(date +%Y-%m-%d)"
+echo
+echo "| | Tabelion ms | compared with | ms | ratio | at most | met |"
+echo "|---|---|---|---|---|---|---|"
+
+result=$(compare \
+  tabelion "" "$cli info $work/records.PDB" \
+  "one read() and a walk" "" "$build/bin/plain_read $work/records.PDB" \
+  "SQLite into memory" "" \
+  "sqlite3 :memory: 'ATTACH \"$work/records.db\" AS f; CREATE TABLE t AS SELECT * FROM f.records;'")
+row open tabelion "one read() and a walk" 1.3
+row open tabelion "SQLite into memory" 0.55
+peak=$(awk -F'\t' '$1 == "tabelion" { print $3 }' <<< "$result")
+
+result=$(compare \
+  tabelion "" "$cli rewrite $work/records.PDB $work/saved.PDB" \
+  "read, write(), fsync()" "" "$build/bin/plain_write $work/records.PDB $work/plain.PDB" \
+  "SQLite VACUUM INTO" "rm -f $work/vacuum.db" \
+  "sqlite3 $work/records.db 'VACUUM INTO \"$work/vacuum.db\"'")
+row "open and save" tabelion "read, write(), fsync()" 1.2
+row "open and save" tabelion "SQLite VACUUM INTO" 1.0
+
+result=$(compare \
+  tabelion "" "$cli export $work/records.PDB --format csv >$work/out.csv" \
+  "sqlite3 -csv" "" "sqlite3 -csv $work/records.db 'SELECT * FROM records' >$work/sqlite.csv")
+row "CSV export" tabelion "sqlite3 -csv" 0.5
+
+result=$(compare \
+  tabelion "cp $work/empty.PDB $work/import.PDB" "$cli import $work/import.PDB $work/records.csv" \
+  "SQLite .import" "rm -f $work/import.db; sqlite3 $work/import.db 'CREATE TABLE records ($columns);'" \
+  "sqlite3 $work/import.db '.mode csv' '.import $work/rows.csv records'")
+row "CSV import" tabelion "SQLite .import" 0.6
+
+awk -v peak="$peak" -v size="$size" 'BEGIN {
+  r = peak * 1024 / size
+  printf "| peak memory after open | %.1f MB | the file | %.1f MB | %.2f | 1.5 | %s |\n",
+         peak * 1024 / 1e6, size / 1e6, r, (r <= 1.5 ? "yes" : "no") }'
