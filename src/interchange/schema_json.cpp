@@ -263,6 +263,15 @@ void readExtension(const JsonNode& node, ExtensionRecord& extension) {
   json.finish();
 }
 
+// A mark that names no code page stands as digits: as a text it would be refused.
+Json codePageJson(ByteView mark, const TextEncoding& encoding) {
+  Json json = areaJson(mark, encoding);
+  if (!json.is_string() || json == "" || TextEncoding::open(json.get<std::string>()).ok()) {
+    return json;
+  }
+  return Json{{"hex", toHex(mark)}};
+}
+
 Json rawJson(const Database& database, const Database& described) {
   Json raw = Json::object();
   putUnlessEmpty(raw, "items", rawItemsJson(database.schema, described.schema));
@@ -377,7 +386,7 @@ Json schemaToJson(const Database& database, const TextEncoding& encoding) {
   json["name"] = areaJson(database.header.name, encoding);
   putUnlessEmpty(json, "category", areaJson(database.schema.category, encoding));
   putUnlessEmpty(json, "author", areaJson(database.schema.author, encoding));
-  putUnlessEmpty(json, "code_page", areaJson(database.schema.code_page, encoding));
+  putUnlessEmpty(json, "code_page", codePageJson(database.schema.code_page, encoding));
   json["fields"] = fieldsJson(database, *standard, encoding);
   putSettings(json, database, *standard, names, encoding);
   // Read what was written so far, to see what it leaves out.

@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 
+#include "engine/packed_record.h"
 #include "interchange/hex.h"
 #include "interchange/popup_keys.h"
 #include "interchange/schema_json_parts.h"
@@ -287,6 +288,10 @@ void readOneField(const JsonNode& node, int slot, const TextEncoding& encoding,
   readRanges(json["ranges"], record);
   readRaw(json["raw"], field, record);
   json.finish();
+  if (const std::size_t length = fieldRecordLength(record); length > kMaxRecordSize) {
+    node.refuse(
+        fmt::format("items and ranges take {} bytes; {} is the limit", length, kMaxRecordSize));
+  }
 }
 
 void readOneLookup(const JsonNode& node, const FieldNames& names, const TextEncoding& encoding,
@@ -297,6 +302,36 @@ void readOneLookup(const JsonNode& node, const FieldNames& names, const TextEnco
   JsonObject raw(json["raw"]);
   raw["area_e"].hexInto(field.area_e.data(), field.area_e.size());
   raw["area_i"].hexInto(field.area_i.data(), field.area_i.size());
+}
+
+// The settings of the field's type. Ones that the program would not store itself, such as a text
+// that fills its area to the last byte, are left to the raw areas.
+void putTypeSettings(Json& json, const FieldDefinition& field, const FieldNames& names,
+                     const TextEncoding& encoding) {
+  FieldDefinition copy = field;
+  switch (field.type) {
+    case kLinkedField:
+    case kLinkField:
+      if (setLinkSettings(copy, linkSettings(field))) json["link"] = linkJson(field, encoding);
+      break;
+    case kLookup:
+      if (setLookupSettings(copy, lookupSettings(field))) {
+        json["lookup"] = lookupJson(field, names, encoding);
+      }
+      break;
+    case kExternal:
+      if (setPluginSettings(copy, pluginSettings(field))) {
+        json["plugin"] = pluginJson(field, encoding);
+      }
+      break;
+    case kCalculated:
+      if (setStoredFormula(copy, storedFormula(field))) {
+        json["formula"] = formulaJson(field, encoding);
+      }
+      break;
+    default:
+      break;
+  }
 }
 
 Json namedFieldJson(const Database& database, int slot, const Database& standard,
@@ -320,11 +355,7 @@ Json namedFieldJson(const Database& database, int slot, const Database& standard
   if (isDateOrTime(field.type) && fieldDefaultOption(field) != 0) {
     json["default"] = defaultOptionJson(field);
   }
-  const bool is_link = field.type == kLinkedField || field.type == kLinkField;
-  if (is_link) json["link"] = linkJson(field, encoding);
-  if (field.type == kLookup) json["lookup"] = lookupJson(field, names, encoding);
-  if (field.type == kExternal) json["plugin"] = pluginJson(field, encoding);
-  if (field.type == kCalculated) json["formula"] = formulaJson(field, encoding);
+  putTypeSettings(json, field, names, encoding);
   putUnlessEmpty(json, "items", itemsJson(record, slot, encoding));
   putUnlessEmpty(json, "ranges", rangesJson(record));
   return json;

@@ -43,8 +43,8 @@ Json filterJson(const FilterBlock& filter, const FieldNames& names, const TextEn
   const FilterBlock standard;
   Json json = Json::object();
   putFlagUnless(json, "enabled", filter.enabled, standard.enabled);
-  // 255 is a slot number here, not "none".
-  if (filter.field != standard.field) {
+  // 255 is a slot number here, not "none". The first field is named as well, for the reader.
+  if (filter != standard) {
     json["field"] = filter.field < kFieldSlots ? names.reference(filter.field) : Json(filter.field);
   }
   putUnlessEmpty(json, "value1", areaJson(filter.value1, encoding));
