@@ -1,0 +1,257 @@
+// The program in process: a command line in; exit code, output and messages out.
+
+#include "cli/run.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include "cli/command.h"
+#include "engine/check.h"
+#include "support/fake_clock.h"
+#include "support/memory_files.h"
+#include "support/memory_settings.h"
+
+namespace tabelion {
+namespace {
+
+using nlohmann::json;
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+
+class StringSink : public TextSink {
+ public:
+  bool write(std::string_view bytes) override {
+    if (!is_open) return false;
+    text += bytes;
+    return true;
+  }
+  std::string text;
+  bool is_open = true;
+};
+
+class Cli : public ::testing::Test {
+ protected:
+  Cli() {
+    files.put("/in/contacts.json", std::string(R"({"name": "Contacts", "category": "Privé",
+      "fields": [{"name": "Name", "type": "text"}, {"name": "Born", "type": "date"},
+      {"name": "Group", "type": "pop-up", "items": ["Family", "Friends"]}]})"));
+    files.put("/in/contacts.csv", std::string("Name,Born,Group\nZoë,1970-05-17,Family\nBob,,\n"));
+  }
+
+  int run(const std::vector<std::string>& arguments) {
+    out = {};
+    err = {};
+    out.is_open = out_is_open;
+    Streams streams{out, err,
+                    [this]() -> Result<FileImage> {
+                      files.put("/stdin", input);
+                      return files.read("/stdin");
+                    },
+                    false};
+    CliPlatform platform{files, clock, settings, [] { return 4u; }};
+    return static_cast<int>(runCli(arguments, platform, streams));
+  }
+  void create(const std::string& path = "/C.PDB") {
+    ASSERT_EQ(run({"create", path, "--schema", "/in/contacts.json", "--data", "/in/contacts.csv"}),
+              0)
+        << err.text;
+    EXPECT_EQ(out.text, "") << "data only";
+  }
+  std::string exported(const std::string& path = "/C.PDB") {
+    EXPECT_EQ(run({"export", path, "--format", "csv"}), 0) << err.text;
+    return out.text;
+  }
+  void change(const std::string& path, std::size_t offset, std::uint8_t byte) {
+    auto bytes = files.bytes(path);
+    bytes.at(offset) = byte;
+    files.put(path, bytes);
+  }
+
+  MemoryFiles files;
+  FakeClock clock;
+  MemorySettings settings;
+  std::string input;
+  StringSink out;
+  StringSink err;
+  bool out_is_open = true;
+};
+
+TEST_F(Cli, DatabaseIsMadeShownExportedAndMadeAgain) {
+  create();
+  EXPECT_EQ(run({"info", "/C.PDB"}), 0);
+  EXPECT_THAT(out.text, HasSubstr("category:              Privé\n"));
+  EXPECT_THAT(out.text, HasSubstr("modified:              2024-02-29 12:00:00\n"));
+  EXPECT_EQ(run({"info", "/C.PDB", "--json"}), 0);
+  EXPECT_EQ(json::parse(out.text)["records"], 2);
+  EXPECT_EQ(json::parse(out.text)["size"], files.bytes("/C.PDB").size());
+  EXPECT_EQ(run({"check", "/C.PDB"}), 0) << out.text;
+
+  EXPECT_EQ(run({"schema", "/C.PDB"}), 0);
+  const std::string described = out.text;
+  const std::string csv = exported();
+  EXPECT_EQ(csv, "Name,Born,Group\nZoë,1970-05-17,Family\nBob,,\n");
+  files.put("/again.json", described);
+  files.put("/again.csv", csv);
+  ASSERT_EQ(run({"create", "/A.PDB", "--schema", "/again.json", "--data", "/again.csv"}), 0);
+  EXPECT_EQ(exported("/A.PDB"), csv);
+  ASSERT_EQ(run({"rewrite", "/C.PDB", "/R.PDB"}), 0);
+  EXPECT_EQ(files.bytes("/R.PDB"), files.bytes("/C.PDB"));
+}
+
+TEST_F(Cli, DumpHasEveryByteThatMatters) {
+  create();
+  ASSERT_EQ(run({"dump", "/C.PDB"}), 0);
+  const json dump = json::parse(out.text);
+  EXPECT_EQ(dump["header"]["name"], "Contacts");
+  EXPECT_EQ(dump["header"]["record_count"], 104);
+  std::string items;
+  for (const json& item : dump["database_record"]["items"]) {
+    items += item["item"].dump() + ":" + item["size"].dump() + " ";
+  }
+  EXPECT_THAT(items, HasSubstr("1:22 2:5 3:1 4:4 5:564 6:6 7:2 8:4 9:2 10:20 11:11600 12:1 12:1 "));
+  EXPECT_THAT(items, EndsWith("41:2 "));
+  EXPECT_EQ(dump["fields"].size(), 3u);
+  EXPECT_EQ(dump["field_records"][2]["items"][1]["text"], "Friends");
+  const json& record = dump["records"][0];
+  EXPECT_EQ(
+      record["entry"]["offset"].get<std::size_t>() + record["entry"]["length"].get<std::size_t>(),
+      dump["records"][1]["entry"]["offset"].get<std::size_t>());
+  EXPECT_EQ(record["stamp"]["created"], "2024-02-29 13:00");
+  EXPECT_EQ(record["stamp"]["serial"], 1);
+  EXPECT_EQ(record["slots"][0]["hex"], "5a6feb00");
+  EXPECT_EQ(record["slots"][0]["text"], "Zoë");
+  EXPECT_EQ(record["slots"][2]["text"], "Family");
+  EXPECT_EQ(record["end_marker"], true);
+}
+
+TEST_F(Cli, DamagedFileIsDumpedAndCheckedAsFarAsItGoes) {
+  create();
+  const auto whole = files.bytes("/C.PDB");
+  const FileHeader header = parseHeader(whole);
+  const std::size_t last_record = fileEntries(whole, header).back().offset;
+  change("/C.PDB", last_record + 23, 0x70);  // the length of its first value
+  EXPECT_EQ(run({"check", "/C.PDB"}), 5);
+  EXPECT_EQ(out.text, std::to_string(last_record + 23) +
+                          ": data record 1: the value at this place runs over the end of the "
+                          "record\n");
+  EXPECT_EQ(err.text, "tabelion-cli: /C.PDB: 1 deviation\n");
+  ASSERT_EQ(run({"dump", "/C.PDB"}), 0);
+  EXPECT_EQ(json::parse(out.text)["records"][1]["slots"][0]["absent"], true);
+
+  // Cut anywhere, a file still gives a dump that is JSON, and is never called sound.
+  for (std::size_t size = whole.size() - 1; size >= kHeaderSize; size -= size > 2000 ? 977 : 61) {
+    files.put("/cut.PDB", Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)));
+    ASSERT_EQ(run({"dump", "/cut.PDB"}), 0) << size;
+    ASSERT_TRUE(json::accept(out.text)) << size;
+    ASSERT_EQ(run({"check", "/cut.PDB"}), 5) << size;
+  }
+  EXPECT_EQ(run({"info", "/cut.PDB"}), 5);
+  EXPECT_THAT(err.text, HasSubstr("/cut.PDB: Could not"));
+}
+
+TEST_F(Cli, ImportKeepsAllOrNothingUnlessAsked) {
+  create();
+  const auto before = files.bytes("/C.PDB");
+  files.put("/more.csv", std::string("Group,Name\nFriends,Ada\nEnemies,Eve\n,Ж\n"));
+  EXPECT_EQ(run({"import", "/C.PDB", "/more.csv"}), 7);
+  EXPECT_EQ(err.text,
+            "tabelion-cli: /more.csv: line 3: Group: \"Enemies\" is not an item of the list\n"
+            "tabelion-cli: /more.csv: line 4: Name: \"Ж\" (U+0416) is not in CP1252\n"
+            "tabelion-cli: /more.csv: 2 rows of 3 refused; nothing was imported\n");
+  EXPECT_EQ(files.bytes("/C.PDB"), before);
+  EXPECT_EQ(run({"import", "/C.PDB", "/more.csv", "--skip-bad"}), 0);
+  EXPECT_THAT(err.text, EndsWith("/more.csv: 2 rows left out, 1 record imported\n"));
+  EXPECT_THAT(exported(), EndsWith("Bob,,\nAda,,Friends\n"));
+}
+
+TEST_F(Cli, CodePageIsTheDatabasesElseTheOneAskedForElseTheUsers) {
+  files.put("/in/contacts.csv", std::string("Name\nЖ\n"));
+  files.put("/in/contacts.json", std::string(R"({"fields": [{"name": "Name", "type": "text"}]})"));
+  settings.user[{"Software\\Tabelion3", "CodePage"}] = "1251";
+  create();
+  EXPECT_EQ(exported(), "Name\nЖ\n");
+  EXPECT_EQ(run({"export", "/C.PDB", "--format", "csv", "--code-page", "1252"}), 0);
+  EXPECT_THAT(out.text, HasSubstr("Æ")) << "the same byte in another page";
+  files.put("/in/contacts.json", std::string(R"({"code_page": "UTF-8", "fields":
+    [{"name": "Name", "type": "text"}]})"));
+  create("/U.PDB");
+  EXPECT_EQ(run({"--code-page", "1252", "export", "/U.PDB", "--format", "csv"}), 0);
+  EXPECT_EQ(out.text, "Name\nЖ\n");
+  EXPECT_EQ(run({"info", "/C.PDB", "--code-page", "nonsense"}), 7);
+}
+
+TEST_F(Cli, PipesStandForFiles) {
+  input = std::string(R"({"fields": [{"name": "A", "type": "text"}]})");
+  ASSERT_EQ(run({"create", "-", "--schema", "-"}), 0);
+  input = out.text;
+  EXPECT_EQ(checkFile(asBytes(input)).size(), 0u);
+  files.put("/a.csv", std::string("A\nx\n"));
+  ASSERT_EQ(run({"import", "-", "/a.csv"}), 0) << err.text;
+  input = out.text;
+  ASSERT_EQ(run({"export", "-", "--format", "csv"}), 0);
+  EXPECT_EQ(out.text, "A\nx\n");
+  EXPECT_EQ(run({"import", "-", "-"}), 3);
+  EXPECT_THAT(err.text, HasSubstr("can stand for one file only"));
+}
+
+TEST_F(Cli, RefusalsHaveTheirOwnExitCodes) {
+  create();
+  EXPECT_EQ(run({"info", "/none.PDB"}), 3);
+  files.put("/note.txt", std::string(200, 'x'));
+  EXPECT_EQ(run({"info", "/note.txt"}), 4);
+  EXPECT_EQ(err.text, "tabelion-cli: /note.txt: not a Tabelion database\n");
+  EXPECT_EQ(run({"dump", "/in/contacts.csv"}), 4);
+  auto legacy = files.bytes("/C.PDB");
+  std::copy_n("PmDB", 4, legacy.begin() + 64);
+  files.put("/old.PDB", legacy);
+  EXPECT_EQ(run({"schema", "/old.PDB"}), 4);
+  EXPECT_THAT(err.text, HasSubstr("earlier format"));
+
+  EXPECT_EQ(run({"create", "/C.PDB", "--schema", "/in/contacts.json"}), 7);
+  EXPECT_THAT(err.text, HasSubstr("--force"));
+  EXPECT_EQ(run({"create", "/D.PDB", "--schema", "/note.txt"}), 7);
+  EXPECT_THAT(err.text, HasSubstr("/note.txt: parse error at line 1, column 1"));
+  files.locked_by["/C.PDB"] = "tabelion, process 7 on desk";
+  EXPECT_EQ(run({"import", "/C.PDB", "/in/contacts.csv"}), 6);
+  EXPECT_THAT(err.text, HasSubstr("tabelion, process 7 on desk"));
+  files.locked_by.clear();
+  files.fail_replace_at = 100;
+  EXPECT_EQ(run({"import", "/C.PDB", "/in/contacts.csv"}), 8);
+  EXPECT_NE(err.text, "");
+  files.fail_replace_at.reset();
+  EXPECT_EQ(exported(), "Name,Born,Group\nZoë,1970-05-17,Family\nBob,,\n");
+}
+
+TEST_F(Cli, OutputThatCannotBeWrittenIsAFailure) {
+  create();
+  out_is_open = false;
+  const std::vector<std::string> commands[] = {
+      {"info", "/C.PDB"},         {"dump", "/C.PDB"},
+      {"schema", "/C.PDB"},       {"export", "/C.PDB", "--format", "sql"},
+      {"rewrite", "/C.PDB", "-"}, {"--version"}};
+  for (const auto& command : commands) EXPECT_EQ(run(command), 8) << command[0];
+}
+
+TEST_F(Cli, HelpAndVersionAreDataAndUsageErrorsAreNot) {
+  EXPECT_EQ(run({"--version"}), 0);
+  EXPECT_EQ(out.text, std::string("tabelion-cli ") + TABELION_VERSION + "\n");
+  EXPECT_EQ(run({"--help"}), 0);
+  for (const Command& command : commands()) {
+    EXPECT_THAT(out.text, HasSubstr(command.summary));
+  }
+  EXPECT_EQ(run({"import", "--help"}), 0);
+  EXPECT_THAT(out.text, HasSubstr("--skip-bad"));
+  EXPECT_EQ(err.text, "");
+  const std::vector<std::string> wrong[] = {
+      {}, {"fly"}, {"info"}, {"info", "/a", "/b"}, {"export", "/a", "--format", "xml"}};
+  for (const auto& arguments : wrong) {
+    EXPECT_EQ(run(arguments), 2);
+    EXPECT_EQ(out.text, "");
+    EXPECT_NE(err.text, "");
+  }
+}
+
+}  // namespace
+}  // namespace tabelion

@@ -1,0 +1,149 @@
+// The real program with real files, pipes and devices.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <nlohmann/json.hpp>
+#include <set>
+#include <string>
+
+#include "support/temporary_folder.h"
+
+namespace tabelion {
+namespace {
+
+using nlohmann::json;
+using ::testing::HasSubstr;
+
+class CliProgram : public ::testing::Test {
+ protected:
+  CliProgram() {
+    ::setenv("XDG_CONFIG_HOME", folder.path().c_str(), 1);
+    folder.write("a.json", R"({"name": "A", "fields": [{"name": "Name", "type": "text"},
+                               {"name": "N", "type": "integer"}]})");
+    folder.write("a.csv", "Name,N\nÄnne,1\n\"x, y\",2\n");
+  }
+
+  // Runs a line of shell in the folder; "$cli" is the program. Its output is in `output`.
+  int shell(const std::string& line) {
+    const std::string whole = "cd '" + folder.path() + "' && cli='" + TABELION_CLI + "' && { " +
+                              line + "; } > out 2> err";
+    const int status = std::system(whole.c_str());
+    output = folder.read("out");
+    errors = folder.read("err");
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  }
+
+  TemporaryFolder folder;
+  std::string output;
+  std::string errors;
+};
+
+TEST_F(CliProgram, FilesAndPipesGiveTheSame) {
+  ASSERT_EQ(shell("\"$cli\" create a.PDB --schema a.json --data a.csv"), 0) << errors;
+  ASSERT_EQ(shell("\"$cli\" export a.PDB --format csv"), 0);
+  EXPECT_EQ(output, folder.read("a.csv"));
+  ASSERT_EQ(shell("cat a.PDB | \"$cli\" rewrite - - | \"$cli\" export - --format csv"), 0);
+  EXPECT_EQ(output, folder.read("a.csv"));
+  ASSERT_EQ(shell("\"$cli\" schema a.PDB | \"$cli\" create b.PDB --schema - --data a.csv"), 0);
+  ASSERT_EQ(shell("\"$cli\" export a.PDB --format csv | \"$cli\" import b.PDB - && "
+                  "\"$cli\" info b.PDB --json && \"$cli\" check b.PDB"),
+            0)
+      << errors;
+  EXPECT_EQ(json::parse(output)["records"], 4);
+  EXPECT_EQ(errors, "") << "no progress where nobody sits at a terminal";
+}
+
+TEST_F(CliProgram, OutputThatGoesNowhereIsAFailure) {
+  ASSERT_EQ(shell("\"$cli\" create a.PDB --schema a.json --data a.csv"), 0);
+  EXPECT_EQ(shell("\"$cli\" export a.PDB --format csv > /dev/full"), 8);
+  EXPECT_THAT(errors, HasSubstr("standard output cannot be written"));
+  EXPECT_EQ(shell("\"$cli\" dump a.PDB >&-"), 8);
+  EXPECT_EQ(shell("\"$cli\" --help > /dev/full"), 8);
+  EXPECT_EQ(shell("\"$cli\" rewrite a.PDB /dev/full"), 8);
+  // A reader that leaves early: the exit code of the left side, which was not killed.
+  EXPECT_EQ(shell("{ \"$cli\" dump a.PDB; echo $? > code; } | true; [ \"$(cat code)\" = 8 ]"), 0);
+  EXPECT_EQ(shell("[ -c /dev/full ]"), 0) << "still a device";
+}
+
+// The 7,900 languages of the system's own list: every script there is, and a real size.
+class Languages : public CliProgram {
+ protected:
+  void SetUp() override {
+    std::FILE* file = std::fopen("/usr/share/iso-codes/json/iso_639-3.json", "rb");
+    if (!file) GTEST_SKIP() << "the package iso-codes is not there";
+    const json document = json::parse(file);
+    std::fclose(file);
+    std::string csv = "Code,Name,Inverted name,Kind\n";
+    std::size_t line = 1;
+    for (const json& language : document["639-3"]) {
+      ++line;
+      const std::string name = language.value("name", "");
+      const std::string inverted = language.value("inverted_name", "");
+      csv += language.value("alpha_3", "") + "," + quoted(name) + "," + quoted(inverted) + "," +
+             language.value("type", "") + "\n";
+      if (!isWestern(name) || !isWestern(inverted)) foreign_lines.insert(line);
+    }
+    count = line - 1;
+    ASSERT_GT(count, 7000u);
+    folder.write("languages.csv", csv);
+    const std::string fields = R"("fields": [{"name": "Code", "type": "text", "width": 3},
+      {"name": "Name", "type": "text", "width": 120},
+      {"name": "Inverted name", "type": "text", "width": 120},
+      {"name": "Kind", "type": "pop-up", "items": ["A", "C", "E", "H", "L", "S"]}])";
+    folder.write("utf8.json", R"({"name": "Languages", "code_page": "UTF-8", )" + fields + "}");
+    folder.write("western.json", R"({"name": "Languages", )" + fields + "}");
+  }
+
+  static std::string quoted(const std::string& text) {
+    return text.find(',') == std::string::npos ? text : "\"" + text + "\"";
+  }
+  // Whether every character is one of code page 1252's; of those above U+00FF, which are few, the
+  // list has none but the ones named here.
+  static bool isWestern(const std::string& utf8) {
+    static const std::set<std::string> kBeyondLatin1 = {"Š", "š", "Ž", "ž", "Œ", "œ", "Ÿ", "ƒ",
+                                                        "‘", "’", "“", "”", "–", "—", "ˆ", "˜"};
+    for (std::size_t i = 0; i < utf8.size();) {
+      const auto lead = static_cast<unsigned char>(utf8[i]);
+      const std::size_t length = lead < 0x80 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
+      const bool latin1 = lead < 0x80 || lead == 0xC2 || lead == 0xC3;
+      if (!latin1 && kBeyondLatin1.count(utf8.substr(i, length)) == 0) return false;
+      i += length;
+    }
+    return true;
+  }
+
+  std::size_t count = 0;
+  std::set<std::size_t> foreign_lines;  // of the CSV
+};
+
+TEST_F(Languages, Utf8DatabaseGivesThemBackUnchanged) {
+  ASSERT_EQ(shell("\"$cli\" create l.PDB --schema utf8.json --data languages.csv && "
+                  "\"$cli\" check l.PDB && \"$cli\" export l.PDB --format csv"),
+            0)
+      << errors;
+  EXPECT_TRUE(output == folder.read("languages.csv")) << output.substr(0, 300);
+}
+
+TEST_F(Languages, WesternCodePageNamesExactlyThoseItLacks) {
+  ASSERT_EQ(shell("\"$cli\" create l.PDB --schema western.json && cp l.PDB before.PDB"), 0);
+  ASSERT_EQ(shell("\"$cli\" import l.PDB languages.csv --code-page 1252"), 7);
+  EXPECT_EQ(folder.read("l.PDB"), folder.read("before.PDB")) << "none is kept";
+  std::set<std::size_t> named;
+  for (std::size_t at = 0; (at = errors.find(": line ", at)) != std::string::npos;) {
+    at += 7;
+    named.insert(std::stoul(errors.substr(at)));
+  }
+  EXPECT_GT(foreign_lines.size(), 0u);
+  EXPECT_EQ(named, foreign_lines);
+  ASSERT_EQ(shell("\"$cli\" import l.PDB languages.csv --code-page 1252 --skip-bad && "
+                  "\"$cli\" info l.PDB --json"),
+            0);
+  EXPECT_EQ(json::parse(output)["records"], count - foreign_lines.size());
+}
+
+}  // namespace
+}  // namespace tabelion
