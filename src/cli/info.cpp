@@ -31,15 +31,21 @@ const char* encryptionText(int mode) {
   }
 }
 
-const char* openingText(std::uint32_t security_word) {
-  switch (security_word & 3) {
-    case 0:
-      return "free";
-    case 1:
-      return "asks for the password";
-    default:
-      return "refused";
+// Every operation that is not simply granted: "add refused, delete asks for the password".
+std::string restrictionsText(std::uint32_t security_word) {
+  constexpr const char* kOperations[] = {"open",         "add",         "change",
+                                         "delete",       "operation 4", "operation 5",
+                                         "edit pop-ups", "operation 7"};
+  constexpr const char* kCodes[] = {"", " asks for the password", " refused", " restricted"};
+  std::string text;
+  for (std::size_t i = 0; i < std::size(kOperations); ++i) {
+    const std::uint32_t code = security_word >> 2 * i & 3;
+    if (code == 0) continue;
+    if (!text.empty()) text += ", ";
+    text += kOperations[i];
+    text += kCodes[code];
   }
+  return text.empty() ? "none" : text;
 }
 
 struct Counts {
@@ -80,8 +86,7 @@ nlohmann::ordered_json infoJson(const Database& database, const Counts& counts,
   json["fields"] = counts.fields;
   json["views"] = schema.view_count;
   json["code page"] = code_page.empty() ? "the user's" : code_page;
-  json["opening"] = openingText(schema.security_word);
-  json["security word"] = schema.security_word;
+  json["restrictions"] = restrictionsText(schema.security_word);
   json["encryption"] = encryptionText(schema.encryption_mode);
   json["enciphered as a whole"] = (schema.head[kStampFlagOffset] & kDatabaseEncrypted) != 0;
   json["flagged fields"] = counts.flagged_fields;
@@ -105,7 +110,11 @@ ExitCode runInfo(const InfoOptions& options, CliContext& context) {
   for (const auto& [name, value] : json.items()) {
     std::string text = value.is_string() ? value.get<std::string>() : value.dump();
     if (value.is_boolean()) text = value.get<bool>() ? "yes" : "no";
-    context.out.put(fmt::format("{:<22} {}\n", name + ":", text));
+    if (text.empty()) {
+      context.out.put(name + ":\n");
+    } else {
+      context.out.put(fmt::format("{:<22} {}\n", name + ":", text));
+    }
   }
   return context.finishOutput();
 }

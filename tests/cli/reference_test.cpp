@@ -1,0 +1,109 @@
+// The reference is true: its tables are the program's, its examples print what they say.
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+#include <regex>
+#include <sstream>
+
+#include "cli/command.h"
+#include "cli/run.h"
+#include "support/fake_clock.h"
+#include "support/memory_files.h"
+#include "support/memory_settings.h"
+
+namespace tabelion {
+namespace {
+
+std::string referenceText() {
+  std::ifstream file(TABELION_SOURCE_DIR "/docs/cli.md", std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+class Transcript : public TextSink {
+ public:
+  bool write(std::string_view bytes) override {
+    text += bytes;
+    return true;
+  }
+  std::string text;
+};
+
+// The "…" of an example stands for anything.
+bool printsAs(const std::string& printed, const std::string& example) {
+  const std::string ellipsis = "…";
+  std::size_t at = 0;
+  std::size_t begin = 0;
+  for (bool first = true;; first = false) {
+    const std::size_t end = example.find(ellipsis, begin);
+    const std::string piece = example.substr(begin, end - begin);
+    const std::size_t found = printed.find(piece, at);
+    if (found == std::string::npos || (first && found != 0)) return false;
+    at = found + piece.size();
+    if (end == std::string::npos) {
+      return at == printed.size() ||
+             printed.compare(printed.size() - piece.size(), piece.size(), piece) == 0;
+    }
+    begin = end + ellipsis.size();
+  }
+}
+
+TEST(Reference, ListsTheCommandsAndExitCodesOfTheProgram) {
+  std::string commands_table;
+  for (const Command& command : commands()) {
+    commands_table += std::string("| `") + command.name + "` | " + command.summary + " |\n";
+  }
+  std::string codes_table;
+  for (const ExitCodeText& entry : kExitCodes) {
+    codes_table +=
+        "| " + std::to_string(static_cast<int>(entry.code)) + " | " + entry.meaning + " |\n";
+  }
+  const std::string text = referenceText();
+  EXPECT_NE(text.find("|---|---|\n" + commands_table + "\n"), std::string::npos) << commands_table;
+  EXPECT_NE(text.find("|---|---|\n" + codes_table + "\n"), std::string::npos) << codes_table;
+  for (const Command& command : commands()) {
+    EXPECT_NE(text.find(std::string("## ") + command.name + "\n\n`tabelion-cli " + command.name),
+              std::string::npos)
+        << command.name;
+  }
+}
+
+TEST(Reference, ExamplesPrintWhatTheySay) {
+  MemoryFiles files;
+  FakeClock clock;
+  MemorySettings settings;
+  const std::string text = referenceText();
+  // Files that the story uses, and console blocks, in the order of the document.
+  const std::regex blocks("<!-- file: (\\S+) -->\\n```\\w+\\n([^`]*)```|```console\\n([^`]*)```");
+  int examples = 0;
+  for (std::sregex_iterator block(text.begin(), text.end(), blocks), end; block != end; ++block) {
+    if ((*block)[1].matched) {
+      files.put((*block)[1].str(), (*block)[2].str());
+      continue;
+    }
+    std::istringstream lines((*block)[3].str());
+    std::string line;
+    std::getline(lines, line);
+    while (lines) {
+      ASSERT_EQ(line.substr(0, 15), "$ tabelion-cli ") << line;
+      const std::string command = line;
+      std::istringstream words(command.substr(15));
+      const std::vector<std::string> arguments{std::istream_iterator<std::string>(words), {}};
+      std::string example;
+      while (std::getline(lines, line) && line.substr(0, 2) != "$ ") example += line + "\n";
+      Transcript transcript;
+      Streams streams{transcript, transcript, {}, false};
+      CliPlatform platform{files, clock, settings, [] { return 3u; }};
+      runCli(arguments, platform, streams);
+      EXPECT_TRUE(printsAs(transcript.text, example)) << command << "\nprints\n"
+                                                      << transcript.text << "\nnot\n"
+                                                      << example;
+      ++examples;
+    }
+  }
+  EXPECT_GE(examples, 10);
+}
+
+}  // namespace
+}  // namespace tabelion
