@@ -123,6 +123,8 @@ void EditRecordScreen::Leave(Dialog& dialog, bool keep_untouched_new) {
 
 void EditRecordScreen::onNotice(Dialog& dialog, ControlId control, Notice notice) {
   if (notice == Notice::kEdited) form_.OnEdited(dialog, control);
+  if (notice == Notice::kFocusGained) form_.OnFocus(dialog, control, true);
+  if (notice == Notice::kFocusLost) form_.OnFocus(dialog, control, false);
   if (notice == Notice::kActivated && form_.OnActivated(dialog, control) == kDialogAutoClosed &&
       SaveEditRecord(dialog)) {
     dialog.end(kDialogAutoClosed);

@@ -1,85 +1,19 @@
 #include "screens/record_form.h"
 
 #include <algorithm>
+#include <utility>
 
+#include "query/date_text.h"
 #include "query/field_text.h"
 #include "query/field_value.h"
+#include "query/time_text.h"
+#include "screens/form_controls.h"
 #include "screens/note_text.h"
 #include "services/message.h"
 #include "services/screen_text.h"
 
 namespace tabelion {
 namespace {
-
-constexpr std::size_t kButtonCharacters = 10;
-
-bool isText(int type) {
-  return type == kText || type == kLongText || type == kTextVariant || type == kText254 ||
-         type == kNote;
-}
-
-bool hasLineBreak(const std::u16string& text) {
-  return text.find_first_of(u"\n\r") != std::u16string::npos;
-}
-
-ControlKind kindOf(int type, const std::u16string& text) {
-  switch (type) {
-    case kPopup:
-      return ControlKind::kChoice;
-    case kCheckBox:
-      return ControlKind::kCheckBox;
-    case kNote:
-      return ControlKind::kButton;
-    case kExternal:
-      return ControlKind::kLabel;
-    default:
-      return isText(type) && hasLineBreak(text) ? ControlKind::kButton : ControlKind::kEdit;
-  }
-}
-
-// What nobody types: numbers that the program gives, results, and links, which are followed.
-bool isShownOnly(int type) {
-  return type == kAutoNumber || type == kCalculated || type == kLookup || type == kLinkedField ||
-         type == kLinkField || type == kExternal;
-}
-
-Picture pictureOf(int type) {
-  switch (type) {
-    case kInteger:
-    case kFloat:
-      return Picture::kFieldNumber;
-    case kPopup:
-      return Picture::kFieldPopup;
-    case kDate:
-      return Picture::kFieldDate;
-    case kTime:
-      return Picture::kFieldTime;
-    default:
-      return Picture::kFieldText;
-  }
-}
-
-// The longest text that can be typed, in characters; how many bytes they take is checked when the
-// value is stored.
-int maxLength(const FieldDefinition& field) {
-  switch (field.type) {
-    case kText:
-    case kTextVariant:
-      return std::max(1, field.width);
-    case kLongText:
-      return static_cast<int>(kLongTextSize) - 1;
-    case kText254:
-      return static_cast<int>(kText254Size) - 1;
-    case kNote:
-      return static_cast<int>(kNoteSize) - 1;
-    case kFloat:
-      return static_cast<int>(kNumberTextSize) - 1;
-    case kInteger:
-      return 11;
-    default:
-      return 0;
-  }
-}
 
 void replaceAll(std::u16string& text, std::u16string_view from, std::u16string_view to) {
   for (std::size_t at = text.find(from); at != std::u16string::npos;
@@ -88,26 +22,11 @@ void replaceAll(std::u16string& text, std::u16string_view from, std::u16string_v
   }
 }
 
-// On a button: the first words of its text.
-std::u16string buttonText(const std::u16string& text) {
-  if (text.empty()) return u"Note…";
-  const std::size_t line = std::min(text.find(u'\n'), text.size());
-  if (line == text.size() && line <= kButtonCharacters) return text;
-  std::size_t length = std::min(line, kButtonCharacters - 1);
-  if (length > 0 && (text[length - 1] & 0xFC00) == 0xD800) --length;  // half a character
-  return text.substr(0, length) + u"…";
-}
-
-bool isNumberText(const std::u16string& text, bool decimal_comma) {
-  int points = 0;
-  for (const char16_t c : text) {
-    if (c == u'.' || (decimal_comma && c == u',')) {
-      ++points;
-    } else if (c < u'0' || c > u'9') {
-      return false;
-    }
-  }
-  return points <= 1;
+// What an empty date or time shows while nobody is in its box; none for other types.
+std::u16string placeholderOf(int type) {
+  if (type == kDate) return FromUtf8(kNoDateText);
+  if (type == kTime) return FromUtf8(kNoTimeText);
+  return {};
 }
 
 }  // namespace
@@ -122,6 +41,7 @@ const FieldRecord& RecordForm::Items(int slot) const {
 
 void RecordForm::Show(Dialog& dialog, ByteView record, bool editable) {
   Clear(dialog);
+  record_.assign(record.begin(), record.end());
   const FormLayout layout = LayoutEditForm(CurrentDatabase(app_).schema, dialog.screenSize().width);
   fields_.reserve(layout.rows.size());
   for (const FormRow& row : layout.rows) {
@@ -140,17 +60,18 @@ RecordForm::Field RecordForm::MakeField(const FormRow& row, ByteView record, boo
   const FieldDefinition& definition = Definition(row.slot);
   Field field;
   field.row = row;
-  field.read_only = !editable || isShownOnly(row.type) || isMasked(definition, record);
+  field.read_only = !editable || IsShownOnly(row.type) || isMasked(definition, record);
   field.shown =
       ScreenText(app_, editText(CurrentDatabase(app_), record, row.slot, app_.formats).text);
-  field.kind = isMasked(definition, record) ? ControlKind::kEdit : kindOf(row.type, field.shown);
+  field.kind =
+      isMasked(definition, record) ? ControlKind::kEdit : FormControlKind(row.type, field.shown);
   if (field.kind == ControlKind::kButton) {
     field.crlf = field.shown.find(u"\r\n") != std::u16string::npos;
     replaceAll(field.shown, u"\r\n", u"\n");
     replaceAll(field.shown, u"\r", u"\n");
   }
   field.text = field.shown;
-  field.max_length = maxLength(definition);
+  field.max_length = MaxTypedLength(definition);
   return field;
 }
 
@@ -163,7 +84,7 @@ void RecordForm::AddControls(Dialog& dialog, const Field& field) {
     dialog.addControl({.id = FormIcon(slot),
                        .kind = ControlKind::kIcon,
                        .place = *field.row.icon,
-                       .picture = pictureOf(field.row.type)});
+                       .picture = FormIconPicture(field.row.type)});
   }
   ControlTemplate value{
       .id = FormValue(slot), .kind = field.kind, .place = field.row.value, .accessible_name = name};
@@ -172,7 +93,7 @@ void RecordForm::AddControls(Dialog& dialog, const Field& field) {
     value.text = field.shown;
     value.max_length = field.max_length;
   } else if (field.kind == ControlKind::kButton) {
-    value.text = buttonText(field.shown);  // stays enabled: it shows what the button leads to
+    value.text = ButtonText(field.shown);  // stays enabled: it shows what the button leads to
   } else {
     value.enabled = !field.read_only;
   }
@@ -214,12 +135,13 @@ void RecordForm::Place(Dialog& dialog) {
 }
 
 void RecordForm::Clear(Dialog& dialog) {
-  for (const Field& field : fields_) {
+  // Notices that come of the removal find no rows any more.
+  const std::vector<Field> fields = std::exchange(fields_, {});
+  for (const Field& field : fields) {
     dialog.removeControl(FormLabel(field.row.slot));
     dialog.removeControl(FormValue(field.row.slot));
     if (field.row.icon) dialog.removeControl(FormIcon(field.row.slot));
   }
-  fields_.clear();
 }
 
 bool RecordForm::IsChanged(Dialog& dialog, const Field& field) const {
@@ -232,8 +154,14 @@ bool RecordForm::IsChanged(Dialog& dialog, const Field& field) const {
     case ControlKind::kChoice:
       return control.selection() != field.choice;
     default:
-      return control.text() != field.shown;
+      return TypedText(control, field) != field.shown;
   }
+}
+
+// An empty date or time has a text to show, which makes room while somebody types.
+std::u16string RecordForm::TypedText(const Control& control, const Field& field) const {
+  std::u16string text = control.text();
+  return text.empty() ? placeholderOf(field.row.type) : text;
 }
 
 bool RecordForm::Changed(Dialog& dialog) const {
@@ -245,7 +173,8 @@ Result<Bytes> RecordForm::ValueOf(Dialog& dialog, const Field& field, ByteView p
   const Control& control = dialog.control(FormValue(field.row.slot));
   const FieldDefinition& definition = Definition(field.row.slot);
   const FieldRecord& items = Items(field.row.slot);
-  std::u16string shown = field.kind == ControlKind::kButton ? field.text : control.text();
+  std::u16string shown =
+      field.kind == ControlKind::kButton ? field.text : TypedText(control, field);
   if (field.kind == ControlKind::kCheckBox) shown = control.checked() ? u"1" : u"0";
   if (field.kind == ControlKind::kChoice) {
     const int choice = control.selection();
@@ -287,12 +216,37 @@ void RecordForm::OnEdited(Dialog& dialog, ControlId value_control) {
   if (field == nullptr || field->row.type != kFloat || field->kind != ControlKind::kEdit) return;
   Control& control = dialog.control(value_control);
   const std::u16string now = control.text();
-  if (now.size() < field->text.size() || isNumberText(now, app_.formats.choices.decimal_comma)) {
+  if (now.size() < field->text.size() || IsNumberText(now, app_.formats.choices.decimal_comma)) {
     field->text = now;
     return;
   }
   control.setText(field->text);
   ShowMessage(app_, u"Wrong Float Value Entered.", u"ACCESS DENIED", MessageIcon::kExclamation);
+}
+
+void RecordForm::OnFocus(Dialog& dialog, ControlId value_control, bool gained) {
+  const Field* field = FieldOf(value_control);
+  if (field == nullptr || field->read_only || placeholderOf(field->row.type).empty()) return;
+  Control& control = dialog.control(value_control);
+  if (gained) {
+    if (control.text() == placeholderOf(field->row.type)) control.setText(u"");
+  } else if (!IsChanged(dialog, *field)) {
+    control.setText(field->shown);
+  } else {
+    const auto stored = slotValue(record_, field->row.slot);
+    const auto value = ValueOf(dialog, *field, stored.value_or(ByteView()));
+    if (value.ok()) control.setText(EditedText(*field, *value));
+  }
+}
+
+// How the form shows a value.
+std::u16string RecordForm::EditedText(const Field& field, const Bytes& value) const {
+  UnpackedRecord record;
+  record.slots[static_cast<std::size_t>(field.row.slot)] = value;
+  Bytes packed;
+  if (!packRecord(record, packed)) return {};
+  return ScreenText(app_,
+                    editText(CurrentDatabase(app_), packed, field.row.slot, app_.formats).text);
 }
 
 int RecordForm::OnActivated(Dialog& dialog, ControlId value_control) {
@@ -305,7 +259,7 @@ int RecordForm::OnActivated(Dialog& dialog, ControlId value_control) {
   const int result = EditNoteText(app_, dialog, note);
   if (result != kDialogClosed && !field->read_only) {
     field->text = note.text;
-    dialog.control(value_control).setText(buttonText(note.text));
+    dialog.control(value_control).setText(ButtonText(note.text));
   }
   return result;
 }

@@ -45,6 +45,9 @@ class RecordForm {
 
   // Refuses what a number box must not hold.
   void OnEdited(Dialog& dialog, ControlId control);
+  // A box of a date or time that is entered while empty makes room for typing; one that is left
+  // shows what was understood, before it is stored.
+  void OnFocus(Dialog& dialog, ControlId control, bool gained);
   // Opens the text screen of a row that has a button; the screen's result, 0 for other controls.
   int OnActivated(Dialog& dialog, ControlId control);
 
@@ -64,12 +67,15 @@ class RecordForm {
   void AddControls(Dialog& dialog, const Field& field);
   void FillChoice(Dialog& dialog, Field& field, ByteView record);
   bool IsChanged(Dialog& dialog, const Field& field) const;
+  std::u16string TypedText(const Control& control, const Field& field) const;
+  std::u16string EditedText(const Field& field, const Bytes& value) const;
   Result<Bytes> ValueOf(Dialog& dialog, const Field& field, ByteView previous) const;
   Field* FieldOf(ControlId value_control);
   const FieldDefinition& Definition(int slot) const;
   const FieldRecord& Items(int slot) const;
 
   Application& app_;
+  Bytes record_;  // as it was shown
   std::vector<Field> fields_;
 };
 

@@ -139,6 +139,34 @@ TEST_F(EditRecord, StoresExactlyTheSlotsThatChanged) {
   EXPECT_EQ(storedText(*record.slots[kRemark]), "line 1\r\nline 2\r\n3");
 }
 
+TEST_F(EditRecord, DatesAndTimesShowWhatWasUnderstood) {
+  const auto day = [](const std::u16string& text) {
+    return [text](FakeDialog& d) { EXPECT_EQ(d.fake(FormValue(kDay)).text(), text); };
+  };
+  open(1);
+  form()
+      .look(day(u"NO DATE"))
+      .focus(FormValue(kDay))
+      .look(day(u""))
+      .focus(FormValue(kHour))
+      .look(day(u"NO DATE"))
+      .focus(FormValue(kName))
+      .type(u"!")
+      .choose({u"Done"});
+  open(0);
+  form()
+      .write(FormValue(kDay), u"0/40/06")
+      .focus(FormValue(kHour))
+      .look(day(u"1/1/1906"))
+      .focus(FormValue(kDay))
+      .write(FormValue(kDay), u"")
+      .choose({u"Done"});
+  close();
+  play();
+  EXPECT_EQ(changedSlots(1), std::vector<int>{kName});
+  EXPECT_EQ(text(0, kDay), "NO DATE");
+}
+
 TEST_F(EditRecord, LeavingByBackSavesAndCancelDoesNot) {
   open(0);
   form().write(FormValue(kName), u"Axe").focus(FormValue(kPaid)).press(Key::kBack);

@@ -107,7 +107,8 @@ class EditControl final : public ControlOf<Control> {
     edited_ = false;
     const QScopedValueRollback<bool> open(validator_->open_to_all, true);
     line_->setText(toQt(text));
-    line_->setCursorPosition(0);
+    // A box shows the start of its text; whoever is typing in it goes on at the end.
+    line_->setCursorPosition(line_->hasFocus() ? int(line_->text().size()) : 0);
     validator_->before = line_->text();
   }
   void setMasked(bool masked) override {

@@ -1,0 +1,27 @@
+// Which control a field has on the edit form, and what it takes.
+#pragma once
+
+#include <string>
+
+#include "engine/database_record.h"
+#include "platform/dialogs.h"
+
+namespace tabelion {
+
+// A text of several lines gets a button, as a note does, since a box has one line.
+ControlKind FormControlKind(int type, const std::u16string& text);
+// What nobody types: numbers that the program gives, results, and links, which are followed.
+bool IsShownOnly(int type);
+Picture FormIconPicture(int type);
+
+// The longest text that can be typed, in characters, 0 = no bound; how many bytes they take is
+// checked when the value is stored.
+int MaxTypedLength(const FieldDefinition& field);
+
+// On a button: the first words of its text.
+std::u16string ButtonText(const std::u16string& text);
+
+// Whether a number box may hold this: digits and at most one decimal point.
+bool IsNumberText(const std::u16string& text, bool decimal_comma);
+
+}  // namespace tabelion
