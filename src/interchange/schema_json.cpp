@@ -266,9 +266,8 @@ void readExtension(const JsonNode& node, ExtensionRecord& extension) {
 // A mark that names no code page stands as digits: as a text it would be refused.
 Json codePageJson(ByteView mark, const TextEncoding& encoding) {
   Json json = areaJson(mark, encoding);
-  if (!json.is_string() || json == "" || TextEncoding::open(json.get<std::string>()).ok()) {
-    return json;
-  }
+  const auto* name = json.get_ptr<const std::string*>();
+  if (!name || name->empty() || TextEncoding::open(*name).ok()) return json;
   return Json{{"hex", toHex(mark)}};
 }
 

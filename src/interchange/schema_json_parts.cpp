@@ -165,7 +165,8 @@ void putHexUnless(Json& object, const char* name, ByteView bytes, ByteView stand
 }
 
 void putUnlessEmpty(Json& object, const char* name, Json value) {
-  if (!value.empty() && value != "") object[name] = std::move(value);
+  const auto* text = value.get_ptr<const std::string*>();
+  if (!value.empty() && !(text && text->empty())) object[name] = std::move(value);
 }
 
 }  // namespace tabelion
