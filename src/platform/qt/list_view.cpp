@@ -158,18 +158,22 @@ void ListView::paintEvent(QPaintEvent*) {
     source_.paint(row, rows, Rect{-sideways_, y, width, theme::kListRowHeight});
     y += theme::kListRowHeight;
   }
-  if (hasFocus() && selected_ >= 0) {
-    const int line = scale_.line(2);
-    painter.setPen(
-        QPen(QColor::fromRgb(theme::kFocus), line, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
-    painter.setBrush(Qt::NoBrush);
-    const QRect ring = rowRect(selected_);
-    if (!ring.isEmpty()) {
-      painter.drawRect(QRectF(ring).adjusted(line / 2.0, line / 2.0, -line / 2.0, -line / 2.0));
-    }
-  }
+  if (hasFocus() && selected_ >= 0) paintFocus(painter);
   painter.setClipping(false);
   if (headingHeight() > 0) paintHeadings(painter);
+}
+
+// A frame round the selected row; thin at the sides, where the text of a row begins.
+void ListView::paintFocus(QPainter& painter) {
+  const QRect row = rowRect(selected_);
+  if (row.isEmpty()) return;
+  const int thick = scale_.line(2);
+  const int thin = scale_.line(1);
+  const QColor colour = QColor::fromRgb(theme::kFocus);
+  painter.fillRect(QRect(row.x(), row.y(), row.width(), thick), colour);
+  painter.fillRect(QRect(row.x(), row.bottom() + 1 - thick, row.width(), thick), colour);
+  painter.fillRect(QRect(row.x(), row.y(), thin, row.height()), colour);
+  painter.fillRect(QRect(row.right() + 1 - thin, row.y(), thin, row.height()), colour);
 }
 
 void ListView::paintHeadings(QPainter& painter) {

@@ -58,6 +58,7 @@ class ListView final : public QAbstractScrollArea {
   void showRow(int row);
   void chooseRow(int row);  // by the user
   void announce();
+  void paintFocus(QPainter& painter);
   void paintHeadings(QPainter& painter);
 
   const Scale& scale_;

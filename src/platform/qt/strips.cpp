@@ -46,6 +46,11 @@ SoftKeyButton::SoftKeyButton(const Scale& scale, SoftKey key, QWidget* parent)
                                                  : QStringLiteral("Right soft key, F2"));
 }
 
+int SoftKeyButton::wantedWidth() const {
+  const QFont font = theme::font(scale_, theme::kTextPixels, TextWeight::kSemiBold);
+  return QFontMetrics(font).horizontalAdvance(text()) + 2 * scale_.px(6);
+}
+
 void SoftKeyButton::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   if (isDown()) painter.fillRect(rect(), QColor::fromRgb(theme::kBarPressed));
@@ -76,6 +81,7 @@ void SoftKeyBar::setLabels(const SoftKeyLabel& left, const SoftKeyLabel& right) 
   };
   set(left_, left);
   set(right_, right);
+  divide();
 }
 
 void SoftKeyBar::paintEvent(QPaintEvent*) {
@@ -83,8 +89,19 @@ void SoftKeyBar::paintEvent(QPaintEvent*) {
 }
 
 void SoftKeyBar::resizeEvent(QResizeEvent*) {
-  left_->setGeometry(0, 0, width() / 2, height());
-  right_->setGeometry(width() / 2, 0, width() - width() / 2, height());
+  divide();
+}
+
+// Halves, unless one text needs more and the other can spare it.
+void SoftKeyBar::divide() {
+  const int half = width() / 2;
+  const int left = left_->wantedWidth();
+  const int right = right_->wantedWidth();
+  int edge = half;
+  if (left > half) edge = qMax(half, qMin(left, width() - right));
+  if (right > half) edge = qMin(half, qMax(width() - right, left));
+  left_->setGeometry(0, 0, edge, height());
+  right_->setGeometry(edge, 0, width() - edge, height());
 }
 
 }  // namespace tabelion

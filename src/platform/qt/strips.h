@@ -29,6 +29,7 @@ class TitleStrip final : public QWidget {
 class SoftKeyButton final : public QAbstractButton {
  public:
   SoftKeyButton(const Scale& scale, SoftKey key, QWidget* parent);
+  int wantedWidth() const;  // window pixels
 
  protected:
   void paintEvent(QPaintEvent*) override;
@@ -51,6 +52,8 @@ class SoftKeyBar final : public QWidget {
   void resizeEvent(QResizeEvent*) override;
 
  private:
+  void divide();
+
   SoftKeyButton* left_;
   SoftKeyButton* right_;
 };
