@@ -9,6 +9,7 @@
 #include "platform/qt/list_view.h"
 #include "platform/qt/menu_overlay.h"
 #include "platform/qt/message_screen.h"
+#include "platform/qt/phone_frame.h"
 #include "platform/qt/step_box.h"
 
 namespace tabelion {
@@ -154,6 +155,9 @@ QAccessibleInterface* make(const QString&, QObject* object) {
   }
   if (auto* screen = dynamic_cast<DialogScreen*>(object)) {
     return new QAccessibleWidget(screen, QAccessible::Dialog);
+  }
+  if (auto* frame = dynamic_cast<PhoneFrame*>(object)) {
+    return new QAccessibleWidget(frame, QAccessible::Window);
   }
   return nullptr;
 }
