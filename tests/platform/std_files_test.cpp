@@ -73,7 +73,10 @@ TEST_F(FilesTest, ReadGivesEveryByteAtEverySize) {
 TEST_F(FilesTest, ReadRefusesWhatIsNoFile) {
   EXPECT_EQ(files.read(folder / "none").error().kind, ErrorKind::kNotFound);
   ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
-  for (const std::string& path : {folder.path(), folder / "pipe", std::string("/dev/zero")}) {
+  // Costs no room: a file of holes.
+  ASSERT_EQ(::truncate(folder.write("huge", "").c_str(), (off_t{4} << 30) + 1), 0);
+  for (const std::string& path :
+       {folder.path(), folder / "pipe", folder / "huge", std::string("/dev/zero")}) {
     const auto result = files.read(path);
     ASSERT_FALSE(result.ok()) << path;
     EXPECT_EQ(result.error().kind, ErrorKind::kCannotOpen);

@@ -190,9 +190,14 @@ Status Replacement::keepAttributes(int old_fd, const struct stat& old) {
     }
   }
   copyExtendedAttributes(old_fd, file_.get());
-  // Last, because a new owner takes bits away.
-  if (::fchmod(file_.get(), old.st_mode & 07777) != 0) {
-    return failed("its mode could not be kept", errno);
+  // Last, because a new owner takes bits away. A file system that knows no modes refuses, though
+  // the new file has what all its files have.
+  const mode_t mode = old.st_mode & 07777;
+  if (::fchmod(file_.get(), mode) != 0) {
+    const int error_number = errno;
+    if (::fstat(file_.get(), &fresh) != 0 || (fresh.st_mode & 07777) != mode) {
+      return failed("its mode could not be kept", error_number);
+    }
   }
   return Done{};
 }

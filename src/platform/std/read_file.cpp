@@ -16,6 +16,10 @@ namespace {
 
 constexpr std::size_t kHugePage = 2u << 20;
 
+// Offsets in the files of this program have 32 bits. Anything larger is not one of them, and
+// reading it would only take the machine's memory.
+constexpr std::size_t kLargestFile = std::size_t{4} << 30;
+
 Error cannotOpen(const std::string& path, int error_number) {
   const bool missing = error_number == ENOENT || error_number == ENOTDIR;
   return systemError(missing ? ErrorKind::kNotFound : ErrorKind::kCannotOpen,
@@ -87,6 +91,7 @@ std::shared_ptr<std::uint8_t[]> allocateBuffer(std::size_t size) {
 Result<FileImage> readWholeFile(const std::string& path) {
   Result<OpenFile> file = openRegular(path);
   if (!file) return file.error();
+  if (file->size > kLargestFile) return cannotOpen(path, EFBIG);
   std::shared_ptr<std::uint8_t[]> buffer = allocateBuffer(file->size);
   if (!buffer) return cannotOpen(path, ENOMEM);
   const ssize_t got = readFully(file->descriptor.get(), buffer.get(), file->size);

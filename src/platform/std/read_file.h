@@ -11,9 +11,9 @@
 
 namespace tabelion {
 
-// One open, one buffer, as few reads as the system allows. Folders and devices are refused. The
-// bytes are a copy: another program that truncates the file meanwhile cannot take them away, and a
-// file that shrinks while it is read gives what was read.
+// One open, one buffer, as few reads as the system allows. Folders, devices and files over 4 GiB
+// are refused. The bytes are a copy: another program that truncates the file meanwhile cannot take
+// them away, and a file that shrinks while it is read gives what was read.
 Result<FileImage> readWholeFile(const std::string& path);
 
 Result<std::vector<std::uint8_t>> readFileStart(const std::string& path, std::size_t limit);
