@@ -194,7 +194,7 @@ class FakePhone : public Dialogs {
   FakeDialog& open(int screen_number);  // one of the open screens
 
   Size screen;
-  std::vector<MessageBox> boxes;                         // every one shown
+  std::vector<MessageBox> boxes;                // every one shown
   std::function<void()> while_message = [] {};  // what happens while one is up
   int wait_cursor = 0;
   int wait_cursor_shown = 0;  // how often it came up
