@@ -12,7 +12,6 @@ class AutoClose : public testing::Test {
   void SetUp() override {
     app.preferences.auto_close_enabled = true;
     app.preferences.auto_close_period_ms = 60000;
-    app.preferences.auto_save_on_close = true;
     path = world.add("Diary", {{"Title"}, {"Text", kNote}, {"At", kTime}}, {{"Monday"}});
   }
   static auto timerRuns(bool expected) {
