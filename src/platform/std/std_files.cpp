@@ -46,7 +46,7 @@ Status copyFile(const std::string& from, const std::string& to, Existing existin
   }
   Result<Replacement> copy = Replacement::begin(to, existing);
   if (!copy) return copy.error();
-  std::vector<std::uint8_t> buffer(256 * 1024);
+  std::vector<std::uint8_t> buffer(std::size_t{256} << 10);
   for (;;) {
     const ssize_t got =
         retryInterrupted([&] { return ::read(source.get(), buffer.data(), buffer.size()); });
