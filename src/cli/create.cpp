@@ -20,12 +20,21 @@ struct CreateOptions {
   bool force = false;
 };
 
-// "Contacts" for "/home/me/Contacts.PDB", as much of it as a name can hold.
-std::string nameFromPath(const std::string& path) {
+// Calls the database after its file: "Contacts" for "/home/me/Contacts.PDB", as much of it as a
+// name can hold.
+Status nameAfterFile(const std::string& path, const TextEncoding& encoding, Database& database) {
   std::string name = fileNameOf(path);
   const std::size_t dot = name.find_last_of('.');
   if (dot != std::string::npos && dot > 0) name.resize(dot);
-  return name.substr(0, kNameSize - 1);
+  const Encoded encoded = encoding.fromUtf8(name);
+  if (!encoded.ok()) {
+    return makeError(ErrorKind::kInvalid,
+                     fmt::format("{}: cannot be the name of the database, {}; give one in the "
+                                 "description",
+                                 name, describeFault(*encoded.fault, encoding)));
+  }
+  setAreaText(database.header.name, encoding.cut(encoded.bytes, kNameSize - 1));
+  return Done{};
 }
 
 Result<nlohmann::ordered_json> parseJson(std::span<const std::uint8_t> bytes) {
@@ -54,10 +63,10 @@ Status describe(const CreateOptions& options, CliContext& context, Database& dat
   if (!status.ok()) {
     return makeError(status.error().kind, options.schema + ": " + status.error().text);
   }
-  if (!json.contains("name") && options.file != kPipe) {
-    setAreaText(database.header.name, nameFromPath(options.file));
-  }
-  return Done{};
+  if (json.contains("name") || options.file == kPipe) return Done{};
+  const auto own_encoding = context.encodingOf(database);
+  if (!own_encoding.ok()) return own_encoding.error();
+  return nameAfterFile(options.file, *own_encoding, database);
 }
 
 ExitCode runCreate(const CreateOptions& options, CliContext& context) {

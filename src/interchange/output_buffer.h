@@ -25,6 +25,7 @@ class OutputBuffer {
 
   void put(char c) { *room(1) = c, ++end_; }
   void put(std::string_view text) {
+    if (text.empty()) return;
     if (text.size() > kSize) {
       flush();
       if (ok_) ok_ = sink_.write(text);

@@ -182,6 +182,16 @@ TEST_F(Cli, CodePageIsTheDatabasesElseTheOneAskedForElseTheUsers) {
   EXPECT_EQ(run({"info", "/C.PDB", "--code-page", "nonsense"}), 7);
 }
 
+TEST_F(Cli, DatabaseWithoutANameIsCalledAfterItsFile) {
+  files.put("/in/contacts.json", std::string(R"({"fields": [{"name": "Name", "type": "text"}]})"));
+  files.put("/in/contacts.csv", std::string("Name\n"));
+  create("/Über alles, was länger ist als ein Name.PDB");
+  EXPECT_EQ(run({"info", "/Über alles, was länger ist als ein Name.PDB", "--json"}), 0);
+  EXPECT_EQ(json::parse(out.text)["name"], "Über alles, was länger ist als ");
+  EXPECT_EQ(run({"create", "/Ж.PDB", "--schema", "/in/contacts.json"}), 7);
+  EXPECT_THAT(err.text, HasSubstr("\"Ж\" (U+0416) is not in CP1252"));
+}
+
 TEST_F(Cli, PipesStandForFiles) {
   input = std::string(R"({"fields": [{"name": "A", "type": "text"}]})");
   ASSERT_EQ(run({"create", "-", "--schema", "-"}), 0);

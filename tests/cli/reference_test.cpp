@@ -4,7 +4,6 @@
 
 #include <fstream>
 #include <iterator>
-#include <regex>
 #include <sstream>
 
 #include "cli/command.h"
@@ -49,6 +48,34 @@ bool printsAs(const std::string& printed, const std::string& example) {
   }
 }
 
+// Runs the commands of a console block and compares what each prints; how many there were.
+int runExamples(const std::string& block, MemoryFiles& files) {
+  FakeClock clock;
+  MemorySettings settings;
+  std::istringstream lines(block);
+  std::string line;
+  std::getline(lines, line);
+  int examples = 0;
+  while (lines) {
+    const std::string command = line;
+    std::istringstream words(command);
+    std::vector<std::string> arguments{std::istream_iterator<std::string>(words), {}};
+    EXPECT_TRUE(command.starts_with("$ tabelion-cli ")) << command;
+    arguments.erase(arguments.begin(), arguments.begin() + 2);
+    std::string example;
+    while (std::getline(lines, line) && !line.starts_with("$ ")) example += line + "\n";
+    Transcript transcript;
+    Streams streams{transcript, transcript, {}, false};
+    CliPlatform platform{files, clock, settings, [] { return 3u; }};
+    runCli(arguments, platform, streams);
+    EXPECT_TRUE(printsAs(transcript.text, example)) << command << "\nprints\n"
+                                                    << transcript.text << "\nnot\n"
+                                                    << example;
+    ++examples;
+  }
+  return examples;
+}
+
 TEST(Reference, ListsTheCommandsAndExitCodesOfTheProgram) {
   std::string commands_table;
   for (const Command& command : commands()) {
@@ -71,36 +98,22 @@ TEST(Reference, ListsTheCommandsAndExitCodesOfTheProgram) {
 
 TEST(Reference, ExamplesPrintWhatTheySay) {
   MemoryFiles files;
-  FakeClock clock;
-  MemorySettings settings;
-  const std::string text = referenceText();
+  std::istringstream document(referenceText());
   // Files that the story uses, and console blocks, in the order of the document.
-  const std::regex blocks("<!-- file: (\\S+) -->\\n```\\w+\\n([^`]*)```|```console\\n([^`]*)```");
+  const std::string file_mark = "<!-- file: ";
+  std::string file_name;
   int examples = 0;
-  for (std::sregex_iterator block(text.begin(), text.end(), blocks), end; block != end; ++block) {
-    if ((*block)[1].matched) {
-      files.put((*block)[1].str(), (*block)[2].str());
-      continue;
+  for (std::string line; std::getline(document, line);) {
+    if (line.starts_with(file_mark)) {
+      file_name = line.substr(file_mark.size(), line.find(" -->") - file_mark.size());
     }
-    std::istringstream lines((*block)[3].str());
-    std::string line;
-    std::getline(lines, line);
-    while (lines) {
-      ASSERT_EQ(line.substr(0, 15), "$ tabelion-cli ") << line;
-      const std::string command = line;
-      std::istringstream words(command.substr(15));
-      const std::vector<std::string> arguments{std::istream_iterator<std::string>(words), {}};
-      std::string example;
-      while (std::getline(lines, line) && line.substr(0, 2) != "$ ") example += line + "\n";
-      Transcript transcript;
-      Streams streams{transcript, transcript, {}, false};
-      CliPlatform platform{files, clock, settings, [] { return 3u; }};
-      runCli(arguments, platform, streams);
-      EXPECT_TRUE(printsAs(transcript.text, example)) << command << "\nprints\n"
-                                                      << transcript.text << "\nnot\n"
-                                                      << example;
-      ++examples;
-    }
+    if (!line.starts_with("```")) continue;
+    const bool is_console = line == "```console";
+    std::string block;
+    while (std::getline(document, line) && line != "```") block += line + "\n";
+    if (is_console) examples += runExamples(block, files);
+    if (!file_name.empty()) files.put(file_name, block);
+    file_name.clear();
   }
   EXPECT_GE(examples, 10);
 }

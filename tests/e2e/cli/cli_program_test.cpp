@@ -69,6 +69,17 @@ TEST_F(CliProgram, OutputThatGoesNowhereIsAFailure) {
   EXPECT_EQ(shell("[ -c /dev/full ]"), 0) << "still a device";
 }
 
+TEST_F(CliProgram, SqlLoadsAsItStands) {
+  if (shell("command -v sqlite3") != 0) GTEST_SKIP() << "the program sqlite3 is not there";
+  folder.write("a.csv", "Name,N\n\"it's \"\"so\"\"\nand ;\",-5\n\"€\",\n");
+  ASSERT_EQ(shell("\"$cli\" create a.PDB --schema a.json --data a.csv && "
+                  "\"$cli\" export a.PDB --format sql | sqlite3 -bail a.db && "
+                  "sqlite3 -csv -header a.db 'SELECT * FROM A' | tr -d '\\r'"),
+            0)
+      << errors;
+  EXPECT_EQ(output, folder.read("a.csv"));
+}
+
 // The 7,900 languages of the system's own list: every script there is, and a real size.
 class Languages : public CliProgram {
  protected:
