@@ -1,4 +1,5 @@
 #include <QApplication>
+#include <QTemporaryDir>
 #include <cstdlib>
 #include <iostream>
 
@@ -19,8 +20,10 @@ int main(int argc, char** argv) {
   const tabelion::ParsedOptions parsed = tabelion::parseOptions(argc, argv);
   if (parsed.exit_code) return *parsed.exit_code;
   const bool tour = !parsed.options.tour_folder.empty();
+  const QTemporaryDir runtime;  // the toolkit wants one, and a machine without a session has none
   if (tour) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    if (!isSet("XDG_RUNTIME_DIR")) qputenv("XDG_RUNTIME_DIR", runtime.path().toLocal8Bit());
   } else if (!isSet("DISPLAY") && !isSet("WAYLAND_DISPLAY") && !isSet("QT_QPA_PLATFORM")) {
     std::cerr << "tabelion: there is no display to open the window on. Try --tour DIR, which "
                  "needs none.\n";

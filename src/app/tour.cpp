@@ -146,9 +146,7 @@ void Tour::browse() {
   driver_.press(kRecordListScreen, Qt::Key_PageDown);
   driver_.see(kRecordListScreen, "Scrolled sideways and a page down", "list-scrolled", [this] {
     const ListView* list = probe_.list();
-    int width = -list->viewport()->width() * list->width() / qMax(1, list->width());
-    for (const ListColumn& column : list->columns()) width += column.width;
-    return Seen{list->selectedRow() > 0 && (list->sideways() > 0 || width <= 0),
+    return Seen{list->selectedRow() > 0 && (list->sideways() > 0 || list->sidewaysRoom() == 0),
                 fmt::format("row {} selected, {} pixels to the right", list->selectedRow() + 1,
                             list->sideways())};
   });

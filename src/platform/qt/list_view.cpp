@@ -50,9 +50,12 @@ void ListView::selectRow(int row) {
 }
 
 void ListView::scrollSideways(int pixels) {
-  const int room = contentWidth() - scale_.own(viewport()->width());
-  sideways_ = std::clamp(sideways_ + pixels, 0, std::max(0, room));
+  sideways_ = std::clamp(sideways_ + pixels, 0, sidewaysRoom());
   viewport()->update();
+}
+
+int ListView::sidewaysRoom() const {
+  return std::max(0, contentWidth() - scale_.own(viewport()->width()));
 }
 
 void ListView::applyScale() {

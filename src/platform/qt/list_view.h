@@ -33,6 +33,7 @@ class ListView final : public QAbstractScrollArea {
   int selectedRow() const { return selected_; }
   void scrollSideways(int pixels);
   int sideways() const { return sideways_; }  // own pixels
+  int sidewaysRoom() const;                   // the most that it can be scrolled
   void applyScale();
   bool takeKey(Key key);
 
