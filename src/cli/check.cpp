@@ -1,7 +1,6 @@
 // check: every deviation from a sound file, one a line with its offset.
 
 #include <fmt/format.h>
-#include <CLI/CLI.hpp>
 
 #include "cli/command.h"
 #include "cli/context.h"
@@ -30,9 +29,9 @@ ExitCode runCheck(const std::string& file, CliContext& context) {
 
 }  // namespace
 
-CommandBody declareCheck(CLI::App& app) {
+CommandBody declareCheck(OptionList list) {
   const auto file = std::make_shared<std::string>();
-  app.add_option("FILE", *file, "The file")->required();
+  list.required("FILE", *file, "The file");
   return [file](CliContext& context) { return runCheck(*file, context); };
 }
 

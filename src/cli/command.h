@@ -5,10 +5,7 @@
 #include <span>
 
 #include "cli/exit_code.h"
-
-namespace CLI {
-class App;
-}
+#include "cli/option_list.h"
 
 namespace tabelion {
 
@@ -19,19 +16,19 @@ using CommandBody = std::function<ExitCode(CliContext&)>;
 struct Command {
   const char* name;
   const char* summary;  // one line, for --help and the reference
-  CommandBody (*declare)(CLI::App& app);
+  CommandBody (*declare)(OptionList list);
 };
 
 // In the order of --help.
 std::span<const Command> commands();
 
-CommandBody declareInfo(CLI::App& app);
-CommandBody declareDump(CLI::App& app);
-CommandBody declareCheck(CLI::App& app);
-CommandBody declareSchema(CLI::App& app);
-CommandBody declareCreate(CLI::App& app);
-CommandBody declareImport(CLI::App& app);
-CommandBody declareExport(CLI::App& app);
-CommandBody declareRewrite(CLI::App& app);
+CommandBody declareInfo(OptionList list);
+CommandBody declareDump(OptionList list);
+CommandBody declareCheck(OptionList list);
+CommandBody declareSchema(OptionList list);
+CommandBody declareCreate(OptionList list);
+CommandBody declareImport(OptionList list);
+CommandBody declareExport(OptionList list);
+CommandBody declareRewrite(OptionList list);
 
 }  // namespace tabelion

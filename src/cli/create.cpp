@@ -1,7 +1,6 @@
 // create: a database from its description, with records from CSV.
 
 #include <fmt/format.h>
-#include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
 #include "cli/command.h"
@@ -91,14 +90,14 @@ ExitCode runCreate(const CreateOptions& options, CliContext& context) {
 
 }  // namespace
 
-CommandBody declareCreate(CLI::App& app) {
+CommandBody declareCreate(OptionList list) {
   const auto options = std::make_shared<CreateOptions>();
-  app.add_option("FILE", options->file, "The database to be made")->required();
-  app.add_option("--schema", options->schema, "Its description as JSON")->required();
-  app.add_option("--data", options->data, "Records as CSV in UTF-8");
-  app.add_flag("--skip-bad", options->skip_bad,
-               "Take the rows that fit and list the others, instead of making nothing");
-  app.add_flag("--force", options->force, "Replace a file that is there");
+  list.required("FILE", options->file, "The database to be made");
+  list.required("--schema", options->schema, "Its description as JSON");
+  list.optional("--data", options->data, "Records as CSV in UTF-8");
+  list.flag("--skip-bad", options->skip_bad,
+            "Take the rows that fit and list the others, instead of making nothing");
+  list.flag("--force", options->force, "Replace a file that is there");
   return [options](CliContext& context) { return runCreate(*options, context); };
 }
 

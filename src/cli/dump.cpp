@@ -1,7 +1,6 @@
 // dump: the whole file as JSON, a record at a time, also of a file that does not open.
 
 #include <fmt/format.h>
-#include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
 #include "cli/command.h"
@@ -114,9 +113,9 @@ ExitCode runDump(const std::string& file, CliContext& context) {
 
 }  // namespace
 
-CommandBody declareDump(CLI::App& app) {
+CommandBody declareDump(OptionList list) {
   const auto file = std::make_shared<std::string>();
-  app.add_option("FILE", *file, "The file")->required();
+  list.required("FILE", *file, "The file");
   return [file](CliContext& context) { return runDump(*file, context); };
 }
 

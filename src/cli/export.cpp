@@ -1,7 +1,6 @@
 // export: the records as CSV, JSON or SQL.
 
 #include <fmt/format.h>
-#include <CLI/CLI.hpp>
 
 #include "cli/command.h"
 #include "cli/context.h"
@@ -12,8 +11,13 @@ namespace {
 
 struct ExportOptions {
   std::string file;
-  TableFormat format = TableFormat::kCsv;
+  std::string format;
 };
+
+TableFormat formatOf(const std::string& name) {
+  if (name == "json") return TableFormat::kJson;
+  return name == "sql" ? TableFormat::kSql : TableFormat::kCsv;
+}
 
 ExitCode runExport(const ExportOptions& options, CliContext& context) {
   ExitCode failure{};
@@ -23,8 +27,8 @@ ExitCode runExport(const ExportOptions& options, CliContext& context) {
   if (!encoding.ok()) return context.fail(encoding.error());
   std::string table_name = encoding->toUtf8(areaText(database->header.name));
   if (table_name.empty()) table_name = "Records";
-  const ExportSummary summary = exportTable(*database, *encoding, options.format, table_name,
-                                            context.out, context.progress("exporting"));
+  const ExportSummary summary = exportTable(*database, *encoding, formatOf(options.format),
+                                            table_name, context.out, context.progress("exporting"));
   const ExitCode written = context.finishOutput();
   if (written == ExitCode::kDone && summary.enciphered_records > 0) {
     context.say(fmt::format("{}: the flagged fields of {} enciphered records are left empty",
@@ -35,15 +39,10 @@ ExitCode runExport(const ExportOptions& options, CliContext& context) {
 
 }  // namespace
 
-CommandBody declareExport(CLI::App& app) {
+CommandBody declareExport(OptionList list) {
   const auto options = std::make_shared<ExportOptions>();
-  app.add_option("FILE", options->file, "The database")->required();
-  const std::map<std::string, TableFormat> formats = {
-      {"csv", TableFormat::kCsv}, {"json", TableFormat::kJson}, {"sql", TableFormat::kSql}};
-  app.add_option("--format", options->format, "csv, json or sql")
-      ->required()
-      ->transform(CLI::Transformer(formats))
-      ->type_name("csv|json|sql");
+  list.required("FILE", options->file, "The database");
+  list.oneOf("--format", options->format, {"csv", "json", "sql"});
   return [options](CliContext& context) { return runExport(*options, context); };
 }
 

@@ -1,7 +1,6 @@
 // import: the rows of a CSV text as records, all or none unless asked otherwise.
 
 #include <fmt/format.h>
-#include <CLI/CLI.hpp>
 
 #include "cli/command.h"
 #include "cli/context.h"
@@ -66,12 +65,12 @@ ExitCode importRows(CliContext& context, const std::string& path, bool skip_bad,
   return ExitCode::kDone;
 }
 
-CommandBody declareImport(CLI::App& app) {
+CommandBody declareImport(OptionList list) {
   const auto options = std::make_shared<ImportOptions>();
-  app.add_option("FILE", options->file, "The database")->required();
-  app.add_option("DATA", options->data, "CSV in UTF-8; its first row names the fields")->required();
-  app.add_flag("--skip-bad", options->skip_bad,
-               "Import the rows that fit and list the others, instead of importing nothing");
+  list.required("FILE", options->file, "The database");
+  list.required("DATA", options->data, "CSV in UTF-8; its first row names the fields");
+  list.flag("--skip-bad", options->skip_bad,
+            "Import the rows that fit and list the others, instead of importing nothing");
   return [options](CliContext& context) { return runImport(*options, context); };
 }
 

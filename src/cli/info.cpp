@@ -1,7 +1,6 @@
 // info: what a database is, for people or as JSON.
 
 #include <fmt/format.h>
-#include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
 #include "cli/command.h"
@@ -121,10 +120,10 @@ ExitCode runInfo(const InfoOptions& options, CliContext& context) {
 
 }  // namespace
 
-CommandBody declareInfo(CLI::App& app) {
+CommandBody declareInfo(OptionList list) {
   const auto options = std::make_shared<InfoOptions>();
-  app.add_option("FILE", options->file, "The database")->required();
-  app.add_flag("--json", options->json, "As JSON");
+  list.required("FILE", options->file, "The database");
+  list.flag("--json", options->json, "As JSON");
   return [options](CliContext& context) { return runInfo(*options, context); };
 }
 

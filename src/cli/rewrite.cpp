@@ -1,7 +1,5 @@
 // rewrite: open a database and save it under another name.
 
-#include <CLI/CLI.hpp>
-
 #include "cli/command.h"
 #include "cli/context.h"
 
@@ -25,10 +23,10 @@ ExitCode runRewrite(const RewriteOptions& options, CliContext& context) {
 
 }  // namespace
 
-CommandBody declareRewrite(CLI::App& app) {
+CommandBody declareRewrite(OptionList list) {
   const auto options = std::make_shared<RewriteOptions>();
-  app.add_option("FILE", options->file, "The database")->required();
-  app.add_option("OUT", options->out, "Where it is saved; replaced when it is there")->required();
+  list.required("FILE", options->file, "The database");
+  list.required("OUT", options->out, "Where it is saved; replaced when it is there");
   return [options](CliContext& context) { return runRewrite(*options, context); };
 }
 

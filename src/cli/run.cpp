@@ -50,7 +50,7 @@ ExitCode runCli(std::vector<std::string> arguments, CliPlatform& platform, Strea
   std::vector<std::pair<CLI::App*, CommandBody>> bodies;
   for (const Command& command : commands()) {
     CLI::App* sub = app.add_subcommand(command.name, command.summary);
-    bodies.emplace_back(sub, command.declare(*sub));
+    bodies.emplace_back(sub, command.declare(OptionList(*sub)));
   }
   try {
     std::reverse(arguments.begin(), arguments.end());  // as the parser wants them

@@ -1,7 +1,5 @@
 // schema: the description of a database as JSON.
 
-#include <CLI/CLI.hpp>
-
 #include "cli/command.h"
 #include "cli/context.h"
 #include "interchange/schema_json.h"
@@ -22,9 +20,9 @@ ExitCode runSchema(const std::string& file, CliContext& context) {
 
 }  // namespace
 
-CommandBody declareSchema(CLI::App& app) {
+CommandBody declareSchema(OptionList list) {
   const auto file = std::make_shared<std::string>();
-  app.add_option("FILE", *file, "The database")->required();
+  list.required("FILE", *file, "The database");
   return [file](CliContext& context) { return runSchema(*file, context); };
 }
 
