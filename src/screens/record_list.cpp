@@ -209,7 +209,8 @@ void RecordListScreen::Close(Dialog& dialog, int result) {
 // Auto-close means that nobody is there to be asked: what was changed is saved.
 bool RecordListScreen::CloseFor(int result) {
   const bool auto_closed = result == kDialogAutoClosed;
-  if (!CloseDatabase(app_, auto_closed ? AskBeforeSaving::kNo : AskBeforeSaving::kYes)) return false;
+  if (!CloseDatabase(app_, auto_closed ? AskBeforeSaving::kNo : AskBeforeSaving::kYes))
+    return false;
   if (auto_closed) SavePreferences(app_.platform, app_.preferences);
   return true;
 }
