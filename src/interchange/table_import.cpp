@@ -128,7 +128,8 @@ std::optional<std::string> Importer::putSlot(const SlotPlan& slot,
 
 std::optional<std::string> Importer::addRow(const std::vector<std::string_view>& cells) {
   if (cells.size() != cell_count_) {
-    return fmt::format("the row has {} cells where the header has {}", cells.size(), cell_count_);
+    return fmt::format("the row has {} cell{} where the header has {}", cells.size(),
+                       cells.size() == 1 ? "" : "s", cell_count_);
   }
   beginRecord();
   for (const SlotPlan& slot : slots_) {
