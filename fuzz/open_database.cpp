@@ -1,8 +1,9 @@
-// Any bytes at all may be opened: the result is a message or a database that can be walked, saved,
-// and opened again with the same content.
+// Any bytes at all may be opened and checked: the result is a message or a database that can be
+// walked, saved, and opened again with the same content.
 #include <cstdint>
 #include <cstdlib>
 
+#include "engine/check.h"
 #include "engine/database.h"
 #include "engine/packed_record.h"
 #include "image_files.h"
@@ -37,12 +38,14 @@ Bytes joined(const std::vector<BytePiece>& pieces) {
 }
 
 void openAndSave(ByteView input) {
+  // A file that does not open deviates, and the check can say where.
+  const bool sound = checkFile(input).empty();
   ImageFiles files(input);
   FixedClock clock;
   Engine engine{.files = files, .clock = clock, .random = [] { return 1u; }};
   Database database;
   initDatabase(database, engine);
-  if (openDatabase(database, engine) != 1) return;
+  if (openDatabase(database, engine) != 1) return require(!sound);
   walkRecords(database);
   for (const FieldDefinition& field : database.schema.fields) {
     storedFormula(field);
