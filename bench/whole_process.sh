@@ -77,3 +77,8 @@ if [[ -x $build/bin/record_list_paint ]]; then
   cp "$work/records.PDB" "$work/documents/Tabelion/"
   "$build/bin/record_list_paint" "$work/documents"
 fi
+
+echo
+echo "In one process:"
+echo
+"$build/bin/in_process" "$work/records.PDB" --benchmark_min_time=0.3 2>/dev/null | grep -vE '^-'
