@@ -24,7 +24,7 @@ struct Format {
 };
 
 // Conversions that stand for several others.
-std::string expand(std::string_view format, const std::string& time_12_hours) {
+std::string expand(std::string_view format, std::string_view time_12_hours) {
   std::string text;
   for (std::size_t i = 0; i < format.size(); ++i) {
     const char letter = format[i] == '%' && i + 1 < format.size() ? format[i + 1] : '\0';
@@ -33,7 +33,8 @@ std::string expand(std::string_view format, const std::string& time_12_hours) {
     if (letter == 'F') long_form = "%Y-%m-%d";
     if (letter == 'T') long_form = "%H:%M:%S";
     if (letter == 'R') long_form = "%H:%M";
-    if (letter == 'r') long_form = time_12_hours.empty() ? "%I:%M:%S %p" : time_12_hours;
+    if (letter == 'r')
+      long_form = time_12_hours.empty() ? std::string_view("%I:%M:%S %p") : time_12_hours;
     if (long_form.empty()) {
       text += format[i];
     } else {
