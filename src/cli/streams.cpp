@@ -20,7 +20,7 @@ bool DescriptorSink::write(std::string_view bytes) {
 }
 
 Result<FileImage> readDescriptor(int descriptor) {
-  constexpr std::size_t kStep = 256 * 1024;
+  constexpr std::size_t kStep = std::size_t{256} * 1024;
   std::vector<std::uint8_t> bytes;
   for (;;) {
     const std::size_t size = bytes.size();

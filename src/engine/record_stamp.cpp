@@ -19,7 +19,7 @@ HeadBlock makeStamp(const CalendarTime& local, std::uint16_t serial, const Rando
 CalendarTime stampTime(std::uint32_t minutes, const CalendarTime& now) {
   // 24 bits of minutes are a little under 32 years; the newest moment with these bits that is not
   // more than a year ahead is the one meant.
-  constexpr std::int64_t kMinutesPerDay = 24 * 60;
+  constexpr std::int64_t kMinutesPerDay = 24LL * 60;
   constexpr std::int64_t kWindow = 1 << 24;
   const std::int64_t days_to_2000 = daysSince1904(1, 1, 2000);
   const std::int64_t latest =

@@ -36,7 +36,9 @@ class Converter {
   Converter(const Converter&) = delete;
   Converter& operator=(const Converter&) = delete;
 
-  bool known() const { return handle_ != reinterpret_cast<iconv_t>(-1); }
+  bool known() const {
+    return handle_ != reinterpret_cast<iconv_t>(-1);  // NOLINT: the library's own sign of failure
+  }
   // All of a text, exactly; none when it is not wholly text of the page.
   std::optional<std::string> convert(std::string_view text) const;
   // Whether a character may begin with this byte and go on behind it.

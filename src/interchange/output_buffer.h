@@ -51,7 +51,7 @@ class OutputBuffer {
   }
   bool ok() const { return ok_; }
 
-  static constexpr std::size_t kSize = 256 * 1024;
+  static constexpr std::size_t kSize = std::size_t{256} * 1024;
   static constexpr std::size_t kLargestRoom = kSize;
 
  private:

@@ -29,7 +29,7 @@ std::string pathOf(const FieldRecord& field, std::size_t index,
   int level = field.items[index].level();
   for (std::size_t i = index; i-- > 0 && level > 0;) {
     if (field.items[i].level() >= level) continue;
-    path = texts[i] + " > " + path;
+    path.insert(0, texts[i] + " > ");
     level = field.items[i].level();
   }
   return path;

@@ -14,7 +14,7 @@ TableRows::TableRows(const Database& database, const TextEncoding& encoding)
     is_flagged_.push_back(database_.schema.fields[slot].encrypt_flag != 0);
     last_slot = column.slot;
   }
-  values_.resize(static_cast<std::size_t>(last_slot + 1));
+  values_.resize(static_cast<std::size_t>(last_slot) + 1);
 }
 
 void TableRows::load(ByteView record) {
