@@ -6,40 +6,6 @@
 
 namespace tabelion {
 
-std::size_t prefixLength(ByteView record) {
-  if (record.empty()) return 0;
-  switch (record[0]) {
-    case 0:
-      return 1;
-    case 1:
-      return 21;
-    default:
-      return record[0] + std::size_t{1};
-  }
-}
-
-std::optional<ByteView> SlotWalker::next() {
-  if (slot_ >= kFieldSlots || record_.size() < next_ + 2) return std::nullopt;
-  const std::size_t length = loadLe16(&record_[next_]);
-  if (length == kEndOfRecord || record_.size() - next_ - 2 < length) return std::nullopt;
-  const ByteView value = record_.subspan(next_ + 2, length);
-  next_ += 2 + length;
-  ++slot_;
-  return value;
-}
-
-SlotPlace findSlot(ByteView record, int slot) {
-  SlotWalker walker(record);
-  for (int i = 0;; ++i) {
-    const auto value = walker.next();
-    if (!value) return {};
-    if (i == slot) {
-      return {static_cast<int>(value->data() - record.data()),
-              static_cast<std::uint16_t>(value->size())};
-    }
-  }
-}
-
 std::optional<ByteView> slotValue(ByteView record, int slot) {
   const SlotPlace place = findSlot(record, slot);
   if (!place.present()) return std::nullopt;

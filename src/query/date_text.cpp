@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "query/number_text.h"
+#include "query/text_case.h"
 #include "query/typed_tokens.h"
 
 namespace tabelion {

@@ -11,6 +11,7 @@
 #include "query/date_text.h"
 #include "query/field_text.h"
 #include "query/number_text.h"
+#include "query/text_case.h"
 #include "query/time_text.h"
 #include "query/typed_tokens.h"
 

@@ -2,6 +2,7 @@
 
 #include "query/date_text.h"
 #include "query/number_text.h"
+#include "query/text_case.h"
 #include "query/typed_tokens.h"
 
 namespace tabelion {

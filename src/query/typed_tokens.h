@@ -27,20 +27,6 @@ inline TypedTokens splitTyped(std::string_view text, char separator) {
   return typed;
 }
 
-inline char lowerCase(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-// Whether `text` contains `word` (given in lower case) in any case of its ASCII letters.
-inline bool containsAnyCase(std::string_view text, std::string_view word) {
-  for (std::size_t at = 0; at + word.size() <= text.size(); ++at) {
-    std::size_t equal = 0;
-    while (equal < word.size() && lowerCase(text[at + equal]) == word[equal]) ++equal;
-    if (equal == word.size()) return true;
-  }
-  return false;
-}
-
 // 1 to `most` digits and nothing else.
 inline bool isDigits(std::string_view text, std::size_t most) {
   const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
