@@ -93,8 +93,8 @@ ExitCode runCreate(const CreateOptions& options, CliContext& context) {
 CommandBody declareCreate(OptionList list) {
   const auto options = std::make_shared<CreateOptions>();
   list.required("FILE", options->file, "The database to be made");
-  list.required("--schema", options->schema, "Its description as JSON");
-  list.optional("--data", options->data, "Records as CSV in UTF-8");
+  list.required("--schema FILE", options->schema, "Its description as JSON");
+  list.optional("--data FILE", options->data, "Records as CSV in UTF-8");
   list.flag("--skip-bad", options->skip_bad,
             "Take the rows that fit and list the others, instead of making nothing");
   list.flag("--force", options->force, "Replace a file that is there");

@@ -6,6 +6,7 @@
 #include "cli/command.h"
 #include "cli/context.h"
 #include "cli/dump_parts.h"
+#include "cli/json_output.h"
 #include "engine/check.h"
 #include "engine/packed_record.h"
 
@@ -13,10 +14,6 @@ namespace tabelion {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-void putJson(OutputBuffer& out, const Json& json) {
-  out.put(json.dump(-1, ' ', false, Json::error_handler_t::replace));
-}
 
 // Everything of the file, in file order. Nothing is held for longer than its record.
 class Dump {
@@ -33,10 +30,11 @@ class Dump {
     readSchema(path);
     const auto encoding = context_.encodingOf(*database_);
     if (!encoding.ok()) return context_.fail(encoding.error());
-    out_.put("{\n\"header\": ");
-    putJson(out_, dumpHeader(file_, header_, *encoding));
+    out_.put(fmt::format("{{\n\"{}\": {}", kJsonSchemaVersionName, kJsonSchemaVersion));
+    out_.put(",\n\"header\": ");
+    putCompactJson(out_, dumpHeader(file_, header_, *encoding));
     out_.put(",\n\"database_record\": ");
-    putJson(out_, dumpDatabaseRecord(entryAt(0), *encoding));
+    putCompactJson(out_, dumpDatabaseRecord(entryAt(0), *encoding));
     out_.put(",\n\"fields\": ");
     putList(dumpFields(database_->schema, *encoding));
     out_.put(",\n\"views\": ");
@@ -45,10 +43,10 @@ class Dump {
     for (std::size_t slot = 0; slot < kFieldSlots; ++slot) {
       if (slot + 1 >= entries_.size()) break;
       out_.put(slot == 0 ? "\n" : ",\n");
-      putJson(out_, dumpFieldRecord(entryAt(slot + 1), static_cast<int>(slot), *encoding));
+      putCompactJson(out_, dumpFieldRecord(entryAt(slot + 1), static_cast<int>(slot), *encoding));
     }
     out_.put("\n],\n\"extension_record\": ");
-    putJson(out_, dumpExtensionRecord(entryAt(kFieldSlots + 1)));
+    putCompactJson(out_, dumpExtensionRecord(entryAt(kFieldSlots + 1)));
     out_.put(",\n\"records\": [");
     putRecords(*encoding);
     out_.put("\n]\n}\n");
@@ -76,7 +74,7 @@ class Dump {
     out_.put('[');
     for (std::size_t i = 0; i < list.size(); ++i) {
       out_.put(i == 0 ? "\n" : ",\n");
-      putJson(out_, list[i]);
+      putCompactJson(out_, list[i]);
     }
     out_.put("\n]");
   }

@@ -42,7 +42,7 @@ ExitCode runExport(const ExportOptions& options, CliContext& context) {
 CommandBody declareExport(OptionList list) {
   const auto options = std::make_shared<ExportOptions>();
   list.required("FILE", options->file, "The database");
-  list.oneOf("--format", options->format, {"csv", "json", "sql"});
+  list.oneOf("--format FORMAT", options->format, {"csv", "json", "sql"}, "What is written");
   return [options](CliContext& context) { return runExport(*options, context); };
 }
 

@@ -5,6 +5,7 @@
 
 #include "cli/command.h"
 #include "cli/context.h"
+#include "cli/json_output.h"
 #include "engine/packed_record.h"
 
 namespace tabelion {
@@ -74,7 +75,7 @@ nlohmann::ordered_json infoJson(const Database& database, const Counts& counts,
                                 const TextEncoding& encoding) {
   const DatabaseRecord& schema = database.schema;
   const std::string code_page = databaseCodePage(database);
-  nlohmann::ordered_json json;
+  nlohmann::ordered_json json = versionedJson();
   json["name"] = encoding.toUtf8(areaText(database.header.name));
   json["category"] = encoding.toUtf8(areaText(schema.category));
   json["author"] = encoding.toUtf8(areaText(schema.author));
@@ -102,11 +103,11 @@ ExitCode runInfo(const InfoOptions& options, CliContext& context) {
   const Counts counts = countParts(*database, database->records.imageSize());
   const auto json = infoJson(*database, counts, *encoding);
   if (options.json) {
-    context.out.put(json.dump(2, ' ', false, nlohmann::json::error_handler_t::replace));
-    context.out.put('\n');
+    putJson(context.out, json);
     return context.finishOutput();
   }
   for (const auto& [name, value] : json.items()) {
+    if (name == kJsonSchemaVersionName) continue;
     std::string text = value.is_string() ? value.get<std::string>() : value.dump();
     if (value.is_boolean()) text = value.get<bool>() ? "yes" : "no";
     if (text.empty()) {

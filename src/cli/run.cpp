@@ -1,6 +1,7 @@
 #include "cli/run.h"
 
 #include <algorithm>
+#include <list>
 #include <sstream>
 
 #include <fmt/format.h>
@@ -45,12 +46,14 @@ ExitCode runCli(std::vector<std::string> arguments, CliPlatform& platform, Strea
   app.fallthrough();
   std::string code_page;
   app.add_option("--code-page", code_page,
-                 "Code page of databases that name none (default: the user's setting, else 1252)");
+                 "Code page of databases that name none (default: the user's setting, else 1252)")
+      ->type_name("NAME");
 
+  std::list<CommandForm> forms;
   std::vector<std::pair<CLI::App*, CommandBody>> bodies;
   for (const Command& command : commands()) {
     CLI::App* sub = app.add_subcommand(command.name, command.summary);
-    bodies.emplace_back(sub, command.declare(OptionList(*sub)));
+    bodies.emplace_back(sub, command.declare(OptionList(*sub, forms.emplace_back())));
   }
   try {
     std::reverse(arguments.begin(), arguments.end());  // as the parser wants them

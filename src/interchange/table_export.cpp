@@ -3,10 +3,10 @@
 #include <array>
 
 #include <fmt/format.h>
-#include <nlohmann/json.hpp>
 
 #include "engine/calendar.h"
 #include "interchange/csv_reader.h"
+#include "interchange/json_cells.h"
 #include "interchange/table_rows.h"
 
 namespace tabelion {
@@ -91,72 +91,24 @@ class CsvWriter : public Writer {
   }
 };
 
-// "007" and "+1" are numbers to a person but not to JSON.
-bool isJsonNumber(std::string_view text) {
-  if (!isDecimalNumber(text) || text[0] == '+') return false;
-  const std::size_t first = text[0] == '-' ? 1 : 0;
-  if (text[first] == '.') return false;
-  if (text[first] == '0' && text.size() > first + 1) {
-    const char second = text[first + 1];
-    if (second >= '0' && second <= '9') return false;
-  }
-  const std::size_t point = text.find('.');
-  return point == std::string_view::npos ||
-         (point + 1 < text.size() && text[point + 1] >= '0' && text[point + 1] <= '9');
-}
-
 class JsonWriter : public Writer {
  public:
   using Writer::Writer;
 
-  void begin() override {
-    for (const TableColumn& column : rows_.columns()) names_.push_back(quoted(column.name) + ":");
-    to_.put('[');
-  }
+  void begin() override { to_.put('['); }
 
   void putRow(bool is_first) override {
     to_.put(is_first ? "\n{" : ",\n{");
     for (std::size_t i = 0; i < columnCount(); ++i) {
       if (i > 0) to_.put(',');
-      to_.put(names_[i]);
-      putValue(rows_.columns()[i], rows_.cell(i));
+      putJsonText(to_, rows_.columns()[i].name);
+      to_.put(':');
+      putJsonCell(to_, rows_, i);
     }
     to_.put('}');
   }
 
   void end() override { to_.put("\n]\n"); }
-
- private:
-  static std::string quoted(std::string_view text) {
-    return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
-  }
-
-  void putValue(const TableColumn& column, const CellText& cell) {
-    if (cell.text.empty()) {
-      to_.put("null");
-    } else if (column.type == kCheckBox) {
-      to_.put(cell.text == "1" ? "true" : "false");
-    } else if (isNumberColumn(column) && isJsonNumber(cell.text)) {
-      to_.put(cell.text);
-    } else {
-      to_.put(quoted(rows_.utf8(cell)));
-    }
-  }
-
-  static bool isNumberColumn(const TableColumn& column) {
-    switch (column.type) {
-      case kInteger:
-      case kFloat:
-      case kAutoNumber:
-      case kLinkedField:
-      case kCalculated:
-        return true;
-      default:
-        return column.is_link_key;
-    }
-  }
-
-  std::vector<std::string> names_;
 };
 
 class SqlWriter : public Writer {

@@ -1,0 +1,148 @@
+#include "cli/field_choice.h"
+
+#include <algorithm>
+#include <numeric>
+
+#include <fmt/format.h>
+
+#include "engine/schema_places.h"
+#include "query/text_case.h"
+
+namespace tabelion {
+namespace {
+
+constexpr std::size_t kMostNear = 3;
+constexpr std::size_t kFewNames = 12;
+
+struct NamedField {
+  int slot;
+  std::string name;  // unique unless another field is called just like this one with its number
+};
+
+std::vector<NamedField> namedFields(const DatabaseRecord& schema, const TextEncoding& encoding) {
+  std::vector<NamedField> fields;
+  for (int slot = 0; slot < kFieldSlots; ++slot) {
+    const FieldDefinition& field = schema.fields[static_cast<std::size_t>(slot)];
+    if (isValidType(field.type)) fields.push_back({slot, encoding.toUtf8(fieldName(field))});
+  }
+  std::vector<bool> shared;
+  for (const NamedField& field : fields) {
+    shared.push_back(std::count_if(fields.begin(), fields.end(), [&](const NamedField& other) {
+                       return other.name == field.name;
+                     }) > 1);
+  }
+  for (std::size_t i = 0; i < fields.size(); ++i) {
+    if (shared[i]) fields[i].name += fmt::format(" #{}", fields[i].slot);
+  }
+  return fields;
+}
+
+// How many letters have to be put in, left out or replaced to make one text of the other, in any
+// case.
+std::size_t editDistance(std::string_view a, std::string_view b) {
+  std::vector<std::size_t> row(b.size() + 1);
+  std::iota(row.begin(), row.end(), std::size_t{0});
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    std::size_t diagonal = row[0]++;
+    for (std::size_t j = 0; j < b.size(); ++j) {
+      const std::size_t replaced = diagonal + (lowerCase(a[i]) == lowerCase(b[j]) ? 0 : 1);
+      diagonal = row[j + 1];
+      row[j + 1] = std::min({replaced, row[j] + 1, row[j + 1] + 1});
+    }
+  }
+  return row.back();
+}
+
+std::string_view trimmed(std::string_view text) {
+  const std::size_t first = text.find_first_not_of(' ');
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(' ') - first + 1);
+}
+
+Error unknownField(std::string_view name, const std::vector<NamedField>& fields) {
+  std::vector<std::string> known;
+  for (const NamedField& field : fields) known.push_back(field.name);
+  const auto near = nearNames(name, known);
+  std::string text = fmt::format("no field is called \"{}\"", name);
+  if (!near.empty()) text += "; there is " + alternatives(near);
+  return makeError(ErrorKind::kInvalid, text);
+}
+
+}  // namespace
+
+std::vector<std::string> nearNames(std::string_view name, const std::vector<std::string>& known) {
+  struct Near {
+    std::size_t distance;
+    const std::string* name;
+  };
+  std::vector<Near> near;
+  const std::string lower = lowerCaseText(name);
+  for (const std::string& other : known) {
+    std::size_t distance = editDistance(name, other);
+    const bool contains =
+        !name.empty() && !other.empty() &&
+        (containsAnyCase(other, lower) || containsAnyCase(name, lowerCaseText(other)));
+    if (contains) distance = std::min<std::size_t>(distance, 1);
+    if (distance <= std::max<std::size_t>(1, std::max(name.size(), other.size()) / 3)) {
+      near.push_back({distance, &other});
+    }
+  }
+  if (near.empty() && known.size() <= kFewNames) return known;
+  std::stable_sort(near.begin(), near.end(),
+                   [](const Near& a, const Near& b) { return a.distance < b.distance; });
+  std::vector<std::string> names;
+  for (const Near& entry : near) {
+    if (names.size() < kMostNear) names.push_back(*entry.name);
+  }
+  return names;
+}
+
+std::string alternatives(const std::vector<std::string>& names) {
+  std::string text;
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    if (i > 0) text += i + 1 == names.size() ? " or " : ", ";
+    text += fmt::format("\"{}\"", names[i]);
+  }
+  return text;
+}
+
+Result<int> chooseField(const Database& database, const TextEncoding& encoding,
+                        std::string_view name) {
+  const std::vector<NamedField> fields = namedFields(database.schema, encoding);
+  for (const NamedField& field : fields) {
+    if (field.name == name) return field.slot;
+  }
+  std::vector<const NamedField*> same;
+  std::vector<std::string> same_names;
+  for (const NamedField& field : fields) {
+    const std::string own =
+        encoding.toUtf8(fieldName(database.schema.fields[static_cast<std::size_t>(field.slot)]));
+    if (compareAnyCase(field.name, name) != 0 && compareAnyCase(own, name) != 0) continue;
+    same.push_back(&field);
+    same_names.push_back(field.name);
+  }
+  if (same.size() == 1) return same.front()->slot;
+  if (same.empty()) return unknownField(name, fields);
+  return makeError(ErrorKind::kInvalid,
+                   fmt::format("\"{}\" may be the field {}", name, alternatives(same_names)));
+}
+
+Result<std::vector<int>> chooseFields(const Database& database, const TextEncoding& encoding,
+                                      std::string_view names) {
+  if (names.find(',') != std::string_view::npos) {
+    if (const auto whole = chooseField(database, encoding, names); whole.ok()) {
+      return std::vector<int>{*whole};
+    }
+  }
+  std::vector<int> slots;
+  for (;;) {
+    const std::size_t comma = names.find(',');
+    const auto slot = chooseField(database, encoding, trimmed(names.substr(0, comma)));
+    if (!slot.ok()) return slot.error();
+    slots.push_back(*slot);
+    if (comma == std::string_view::npos) return slots;
+    names.remove_prefix(comma + 1);
+  }
+}
+
+}  // namespace tabelion
