@@ -5,12 +5,11 @@
 #include <fmt/format.h>
 
 #include "engine/calendar.h"
+#include "services/preferences.h"
+#include "services/setting_table.h"
 
 namespace tabelion {
 namespace {
-
-constexpr const char* kSettingsKey = "Software\\Tabelion3";
-constexpr const char* kCodePageValue = "CodePage";
 
 // How long a person waits without a word, and between two.
 using SteadyClock = std::chrono::steady_clock;
@@ -45,6 +44,7 @@ CliContext::CliContext(CliPlatform& platform, Streams& the_streams, std::string 
       clock(platform.clock),
       engine{files, platform.clock, platform.random, {}, {}, {}},
       out(the_streams.out),
+      locale_(platform.locale),
       settings_(platform.settings),
       code_page_(std::move(code_page)) {
   engine.message = [this](const std::string& text) {
@@ -109,8 +109,7 @@ std::unique_ptr<FileLock> CliContext::lock(const std::string& path, ExitCode& fa
 Result<TextEncoding> CliContext::userEncoding() {
   std::string name = code_page_;
   if (name.empty()) {
-    name = settings_.readText(SettingsRoot::kUser, kSettingsKey, kCodePageValue)
-               .value_or(std::string(kDefaultCodePage));
+    name = ReadSetting(settings_, Setting::kCodePage).value_or(std::string(kDefaultCodePage));
   }
   return TextEncoding::open(name);
 }
@@ -123,6 +122,16 @@ Result<TextEncoding> CliContext::encodingOf(const Database& database) {
     say(fmt::format("{}: {}; read in the user's code page", database.path, encoding.error().text));
   }
   return userEncoding();
+}
+
+QuerySettings CliContext::querySettings(const TextEncoding& encoding) {
+  const LocaleInfo locale = locale_.info();
+  QuerySettings query;
+  query.formats =
+      makeFormatSettings(ReadFormatChoices(settings_, locale), locale, encoding.isUtf8());
+  query.now = clock.local();
+  query.week_starts_monday = ReadNumberSetting(settings_, Setting::kWeekStart).value_or(0) == 1;
+  return query;
 }
 
 ExitCode CliContext::finishOutput() {

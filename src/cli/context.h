@@ -12,7 +12,9 @@
 #include "interchange/table_export.h"
 #include "interchange/text_encoding.h"
 #include "platform/clock.h"
+#include "platform/locale.h"
 #include "platform/settings.h"
+#include "query/query_settings.h"
 
 namespace tabelion {
 
@@ -20,6 +22,7 @@ namespace tabelion {
 struct CliPlatform {
   Files& files;
   Clock& clock;
+  Locale& locale;
   Settings& settings;
   RandomSource random;
 };
@@ -49,6 +52,10 @@ class CliContext {
   // The code page of a database: its own mark when that is one, else the user's.
   Result<TextEncoding> encodingOf(const Database& database);
 
+  // What the window's queries take: the user's formats, week start and the present time.
+  // The encoding is the database's.
+  QuerySettings querySettings(const TextEncoding& encoding);
+
   // Hands on what is in `out`; kCannotWrite after a message when anything could not be written.
   ExitCode finishOutput();
 
@@ -57,6 +64,7 @@ class CliContext {
   void clearProgress();
 
  private:
+  Locale& locale_;
   Settings& settings_;
   std::string code_page_;
   std::string engine_message_;

@@ -8,15 +8,17 @@
 #include "platform/std/json_settings.h"
 #include "platform/std/std_clock.h"
 #include "platform/std/std_files.h"
+#include "platform/std/std_locale.h"
 
 int main(int argc, char** argv) {
   // A closed pipe is an output that cannot be written, not a reason to die without a word.
   std::signal(SIGPIPE, SIG_IGN);
   tabelion::StdFiles files;
   tabelion::StdClock clock;
+  tabelion::StdLocale locale;
   tabelion::JsonSettings settings;
   std::minstd_rand generator(std::random_device{}());
-  tabelion::CliPlatform platform{files, clock, settings,
+  tabelion::CliPlatform platform{files, clock, locale, settings,
                                  [&generator] { return static_cast<std::uint32_t>(generator()); }};
   tabelion::DescriptorSink out(STDOUT_FILENO);
   tabelion::DescriptorSink err(STDERR_FILENO);

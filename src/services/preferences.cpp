@@ -5,23 +5,29 @@
 namespace tabelion {
 namespace {
 
-// A format that was never stored is the one that reads what the system shows.
-int formatSetting(Settings& settings, Setting setting, int matching) {
-  if (const auto stored = ReadNumberSetting(settings, setting)) return *stored;
-  WriteNumberSetting(settings, setting, matching);
-  return matching;
+void storeIfMissing(Settings& settings, Setting setting, int value) {
+  if (!ReadNumberSetting(settings, setting)) WriteNumberSetting(settings, setting, value);
 }
 
 void loadFormats(Platform& platform, FormatChoices& formats) {
-  const FormatChoices matching = matchingChoices(platform.locale.info());
-  Settings& settings = platform.settings;
-  formats.date_format = formatSetting(settings, Setting::kDateFormat, matching.date_format);
-  formats.time_format = formatSetting(settings, Setting::kTimeFormat, matching.time_format);
-  formats.decimal_comma =
-      formatSetting(settings, Setting::kDecimalComma, matching.decimal_comma ? 1 : 0) != 0;
+  formats = ReadFormatChoices(platform.settings, platform.locale.info());
+  storeIfMissing(platform.settings, Setting::kDateFormat, formats.date_format);
+  storeIfMissing(platform.settings, Setting::kTimeFormat, formats.time_format);
+  storeIfMissing(platform.settings, Setting::kDecimalComma, formats.decimal_comma ? 1 : 0);
 }
 
 }  // namespace
+
+FormatChoices ReadFormatChoices(Settings& settings, const LocaleInfo& locale) {
+  FormatChoices formats = matchingChoices(locale);
+  const auto date = ReadNumberSetting(settings, Setting::kDateFormat);
+  const auto time = ReadNumberSetting(settings, Setting::kTimeFormat);
+  const auto comma = ReadNumberSetting(settings, Setting::kDecimalComma);
+  if (date) formats.date_format = *date;
+  if (time) formats.time_format = *time;
+  if (comma) formats.decimal_comma = *comma != 0;
+  return formats;
+}
 
 void LoadPreferences(Platform& platform, Preferences& preferences) {
   Settings& settings = platform.settings;

@@ -22,6 +22,10 @@ struct Preferences {
   bool autoCloses() const { return auto_close_enabled && auto_close_period_ms > 0; }
 };
 
+// How dates, times and numbers are typed: what is stored, and for what never was, the choice that
+// matches the system's language settings.
+FormatChoices ReadFormatChoices(Settings& settings, const LocaleInfo& locale);
+
 // Reads what is stored; what is not keeps its present value. Formats that were never stored are
 // chosen to match the system's language settings and stored, so that they stay the same when
 // those change.

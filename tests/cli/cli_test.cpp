@@ -10,6 +10,7 @@
 #include "cli/command.h"
 #include "engine/check.h"
 #include "support/fake_clock.h"
+#include "support/fixed_locale.h"
 #include "support/memory_files.h"
 #include "support/memory_settings.h"
 
@@ -50,7 +51,7 @@ class Cli : public ::testing::Test {
                       return files.read("/stdin");
                     },
                     false};
-    CliPlatform platform{files, clock, settings, [] { return 4u; }};
+    CliPlatform platform{files, clock, locale, settings, [] { return 4u; }};
     return static_cast<int>(runCli(arguments, platform, streams));
   }
   void create(const std::string& path = "/C.PDB") {
@@ -71,6 +72,7 @@ class Cli : public ::testing::Test {
 
   MemoryFiles files;
   FakeClock clock;
+  FixedLocale locale;
   MemorySettings settings;
   std::string input;
   StringSink out;

@@ -9,6 +9,7 @@
 #include "cli/command.h"
 #include "cli/run.h"
 #include "support/fake_clock.h"
+#include "support/fixed_locale.h"
 #include "support/memory_files.h"
 #include "support/memory_settings.h"
 
@@ -48,9 +49,33 @@ bool printsAs(const std::string& printed, const std::string& example) {
   }
 }
 
+// The words of a command, as a shell takes them: parted by blanks, what stands in quotes is one.
+std::vector<std::string> wordsOf(const std::string& command) {
+  std::vector<std::string> words;
+  bool inside = false;
+  char quote = 0;
+  for (const char c : command) {
+    if (quote == 0 && c == ' ') {
+      inside = false;
+      continue;
+    }
+    if (!inside) words.emplace_back();
+    inside = true;
+    if (quote == 0 && (c == '\'' || c == '"')) {
+      quote = c;
+    } else if (c == quote) {
+      quote = 0;
+    } else {
+      words.back() += c;
+    }
+  }
+  return words;
+}
+
 // Runs the commands of a console block and compares what each prints; how many there were.
 int runExamples(const std::string& block, MemoryFiles& files) {
   FakeClock clock;
+  FixedLocale locale;
   MemorySettings settings;
   std::istringstream lines(block);
   std::string line;
@@ -58,15 +83,14 @@ int runExamples(const std::string& block, MemoryFiles& files) {
   int examples = 0;
   while (lines) {
     const std::string command = line;
-    std::istringstream words(command);
-    std::vector<std::string> arguments{std::istream_iterator<std::string>(words), {}};
+    std::vector<std::string> arguments = wordsOf(command);
     EXPECT_TRUE(command.starts_with("$ tabelion-cli ")) << command;
     arguments.erase(arguments.begin(), arguments.begin() + 2);
     std::string example;
     while (std::getline(lines, line) && !line.starts_with("$ ")) example += line + "\n";
     Transcript transcript;
     Streams streams{transcript, transcript, {}, false};
-    CliPlatform platform{files, clock, settings, [] { return 3u; }};
+    CliPlatform platform{files, clock, locale, settings, [] { return 3u; }};
     runCli(arguments, platform, streams);
     EXPECT_TRUE(printsAs(transcript.text, example)) << command << "\nprints\n"
                                                     << transcript.text << "\nnot\n"

@@ -14,16 +14,11 @@
 #include "query/field_value.h"
 #include "support/fake_clock.h"
 #include "support/fake_phone.h"
+#include "support/fixed_locale.h"
 #include "support/memory_files.h"
 #include "support/memory_settings.h"
 
 namespace tabelion {
-
-class FixedLocale : public Locale {
- public:
-  LocaleInfo info() override { return value; }
-  LocaleInfo value;
-};
 
 struct TestField {
   std::string name;
