@@ -1,0 +1,91 @@
+#include "query/record_change.h"
+
+#include <algorithm>
+
+#include "engine/schema_places.h"
+#include "query/record_index.h"
+#include "query/sort.h"
+
+namespace tabelion {
+namespace {
+
+constexpr int kTodayWhenEmpty = 2;  // default options of dates; the first one of times too
+constexpr int kTodayWhenEmptyToo = 3;
+
+bool isEmptyDate(const std::optional<Bytes>& value) {
+  return !value || std::all_of(value->begin(), value->end(), [](auto byte) { return byte == 0; });
+}
+
+bool isEmptyTime(const std::optional<Bytes>& value) {
+  return !value || value->size() < 3 || (*value)[2] == kNoTimeHour;
+}
+
+}  // namespace
+
+void fillDefaults(const DatabaseRecord& schema, UnpackedRecord& record, const CalendarTime& now) {
+  for (std::size_t i = 0; i < kFieldSlots; ++i) {
+    const FieldDefinition& field = schema.fields[i];
+    const int option = fieldDefaultOption(field);
+    auto& value = record.slots[i];
+    if (field.type == kDate && (option == kTodayWhenEmpty || option == kTodayWhenEmptyToo) &&
+        isEmptyDate(value)) {
+      value = Bytes(4);
+      storeLe32(value->data(), daysSince1904(now.month, now.day, now.year));
+    } else if (field.type == kTime && option == kTodayWhenEmpty && isEmptyTime(value)) {
+      value = Bytes{static_cast<std::uint8_t>(now.second), static_cast<std::uint8_t>(now.minute),
+                    static_cast<std::uint8_t>(now.hour), 0};
+    }
+  }
+}
+
+std::uint32_t storeRecord(Database& database, Engine& engine, std::uint32_t position,
+                          UnpackedRecord record, const QuerySettings& settings,
+                          const CorruptFormula& corrupt) {
+  const bool is_new = position == kNoPosition;
+  fillDefaults(database.schema, record, settings.now);
+  recomputeRecord(database, record, is_new ? database.records.count() : position, settings,
+                  corrupt);
+  Bytes packed;
+  if (!packRecord(record, packed)) return kNoPosition;
+  if (is_new) {
+    position = appendRecord(database, engine, packed, true);
+    if (position == kNoPosition) return kNoPosition;
+    // The numbers that it was given just now may be part of a formula.
+    for (int slot = 0; slot < kFieldSlots; ++slot) {
+      if (database.schema.fields[static_cast<std::size_t>(slot)].type == kCalculated) {
+        recomputeField(database, slot, position, settings);
+      }
+    }
+  } else {
+    if (database.schema.modification_stamp_option != 0) touchStamp(packed, settings.now);
+    if (!database.records.replace(position, packed)) return kNoPosition;
+    setDirty(database);
+  }
+  const std::uint32_t place = replaceInOrder(database, position, settings.formats);
+  recomputeDependents(database, settings);
+  return place;
+}
+
+void deleteRecords(Database& database, const std::vector<std::uint32_t>& positions,
+                   const QuerySettings& settings) {
+  std::vector<bool> marks(database.records.count());
+  for (const std::uint32_t position : positions) marks[position] = true;
+  database.records.removeMarked(marks);
+  if (!positions.empty()) setDirty(database);
+  recomputeDependents(database, settings);
+}
+
+std::vector<std::uint32_t> positionsOfGroup(const Database& database, RecordGroup group,
+                                            const QuerySettings& settings, const LinkFilter* link) {
+  const RecordFilter filter(database, settings, link);
+  std::vector<std::uint32_t> positions;
+  for (std::uint32_t i = 0; i < database.records.count(); ++i) {
+    if (group == RecordGroup::kAll ||
+        filter.passes(database.records[i].bytes()) == (group == RecordGroup::kWithinFilter)) {
+      positions.push_back(i);
+    }
+  }
+  return positions;
+}
+
+}  // namespace tabelion
