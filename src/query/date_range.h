@@ -43,8 +43,20 @@ struct DateRange {
   bool operator==(const DateRange&) const = default;
 };
 
-// 1, or 0 for a custom range and codes that are none; `range` is then not touched.
-int computeDateRange(int code, std::uint32_t x, const CalendarTime& today, bool week_starts_monday,
+// 1, or 0 for a custom range and codes that are none; `range` is then not touched. A bound before
+// 1904 is day 0, one that no day count can express the last one, so that a far-reaching range holds
+// what its days say. A negative X turns "last" into "next".
+//
+// A day past its month's end carries into the next month: a month from 31 January is 3 March, in a
+// leap year 2 March.
+// Compat: February always ends on the 28th in "Last Month", and on a Sunday with weeks that start
+// on Monday "This Week to Date" starts tomorrow and so is empty (DateRange.KeptOddities).
+int computeDateRange(int code, std::int32_t x, const CalendarTime& today, bool week_starts_monday,
                      DateRange& range);
+
+// The code of a range whose name has an X in it.
+inline constexpr bool dateRangeHasX(int code) {
+  return code >= 16 && code <= 21;
+}
 
 }  // namespace tabelion
