@@ -1,0 +1,303 @@
+#include "query/report.h"
+
+#include <algorithm>
+
+#include "engine/calendar.h"
+#include "engine/packed_record.h"
+#include "engine/schema_places.h"
+#include "query/date_text.h"
+#include "query/number_text.h"
+#include "query/time_text.h"
+
+namespace tabelion {
+namespace {
+
+// Compat: what no value has passed shows as these (Report.ExtremesStartWhereTheyAlwaysDid).
+constexpr std::int64_t kFirstMinimum = 2000000;
+constexpr std::int64_t kFirstMaximum = -2000000;
+constexpr std::int64_t kFirstDayMinimum = 50000;
+constexpr std::int64_t kFirstSecondMinimum = 86400;
+
+bool isReported(int type) {
+  switch (type) {
+    case kInteger:
+    case kFloat:
+    case kCheckBox:
+    case kDate:
+    case kTime:
+      return true;
+    default:
+      return false;
+  }
+}
+
+// Calls visit(value) for each record that passes. The value is empty where its text would be: not
+// there, without bytes, enciphered.
+template <class Visit>
+void forEachValue(const Database& database, int slot, const RecordFilter& filter, Visit visit) {
+  const FieldDefinition& field = database.schema.fields[static_cast<std::size_t>(slot)];
+  const bool everything = filter.passesEverything();
+  for (const Record& record : database.records) {
+    const ByteView bytes = record.bytes();
+    if (!everything && !filter.passes(bytes)) continue;
+    const SlotPlace place = findSlot(bytes, slot);
+    if (!place.present() || isMasked(field, bytes)) {
+      visit(ByteView());
+    } else {
+      visit(bytes.subspan(static_cast<std::size_t>(place.offset), place.length));
+    }
+  }
+}
+
+template <class Number>
+class NumberTally {
+ public:
+  NumberTally() {
+    numbers_.minimum = numbers_.least_total = static_cast<Number>(kFirstMinimum);
+    numbers_.maximum = numbers_.most_total = static_cast<Number>(kFirstMaximum);
+  }
+  void add(Number value) {
+    ++count_;
+    numbers_.minimum = std::min(numbers_.minimum, value);
+    numbers_.maximum = std::max(numbers_.maximum, value);
+    numbers_.sum += value;
+    numbers_.least_total = std::min(numbers_.least_total, numbers_.sum);
+    numbers_.most_total = std::max(numbers_.most_total, numbers_.sum);
+  }
+  std::int64_t count() const { return count_; }
+  const ReportNumbers<Number>& numbers() const { return numbers_; }
+
+ private:
+  std::int64_t count_ = 0;
+  ReportNumbers<Number> numbers_;
+};
+
+// Compat: halves round up, and a negative sum towards zero (Report.IntegersAndTheirTotals).
+std::int64_t roundedAverage(std::int64_t sum, std::int64_t count) {
+  return sum / count + (sum % count * 2 >= count ? 1 : 0);
+}
+
+// The day that a stored date reads as.
+class DayReader {
+ public:
+  DayReader(const Database& database, int slot, const FormatSettings& formats)
+      : field_(database.schema.fields[static_cast<std::size_t>(slot)]),
+        items_(database.fields[static_cast<std::size_t>(slot)]),
+        formats_(formats),
+        reads_back_(field_.type == kDate && readsBack(formats)),
+        known_(field_.type == kDate && !reads_back_ ? kKnownDays : 0, kUnknown) {}
+
+  std::int64_t operator()(ByteView value) {
+    if (value.empty()) return 0;
+    if (field_.type != kDate) return readText(value);
+    const std::uint32_t day = numberOfValue(value);
+    if (reads_back_ && day <= kLastDay) return day;
+    if (day >= known_.size()) return readText(value);
+    if (known_[day] == kUnknown) known_[day] = readText(value);
+    return known_[day];
+  }
+
+ private:
+  static constexpr std::size_t kKnownDays = 65536;  // to 2083
+  static constexpr std::int64_t kUnknown = -1;
+  static constexpr std::uint32_t kLastDay = 2957003;  // 9999-12-31: four digits show every year
+
+  // Whether what the pattern shows is read as the same date: a whole year, and the parts in the
+  // order and with the separator that dates are read in.
+  static bool readsBack(const FormatSettings& formats) {
+    const TypedDateForm form = typedDateForm(formats.choices.date_format);
+    const DatePattern& shown = formats.show_date;
+    if (shown.separator.size() != 1 || shown.separator[0] != form.separator) return false;
+    const bool year_first = form.order == DateOrder::kYearMonthDay;
+    const bool day_first = form.order == DateOrder::kDayMonthYear;
+    const DatePart year = shown.parts[year_first ? 0 : 2];
+    const DatePart month = shown.parts[form.order == DateOrder::kMonthDayYear ? 0 : 1];
+    const DatePart day = shown.parts[year_first ? 2 : day_first ? 0 : 1];
+    return year == DatePart::kYear4 && (month == DatePart::kMonth || month == DatePart::kMonth2) &&
+           (day == DatePart::kDay || day == DatePart::kDay2);
+  }
+
+  std::int64_t readText(ByteView value) {
+    text_.clear();
+    appendValueText(text_, field_, items_, value, formats_, {.raw = true});
+    const CalendarDate date = dateOfText(text_, formats_);
+    return daysSince1904(date.month, date.day, date.year);
+  }
+
+  const FieldDefinition& field_;
+  const FieldRecord& items_;
+  const FormatSettings& formats_;
+  bool reads_back_;
+  std::vector<std::int64_t> known_;  // by stored day
+  std::string text_;
+};
+
+// The seconds that a stored time reads as. Seconds themselves are not read, so every time of one
+// minute is read once, unless the pattern shows the seconds where a minute or an hour is read.
+class SecondsReader {
+ public:
+  SecondsReader(const Database& database, int slot, const FormatSettings& formats)
+      : field_(database.schema.fields[static_cast<std::size_t>(slot)]),
+        items_(database.fields[static_cast<std::size_t>(slot)]),
+        formats_(formats),
+        known_(field_.type == kTime && minutesDecide(formats.show_time) ? kKnownMinutes : 0,
+               kUnknown) {}
+
+  std::int64_t operator()(ByteView value) {
+    if (value.empty()) return 0;
+    if (known_.empty()) return readText(value);
+    const TimeValue time = timeOfValue(value);
+    std::int64_t& known = known_[std::size_t{time.hour} << 8 | time.minute];
+    if (known == kUnknown) known = readText(value);
+    return known;
+  }
+
+ private:
+  static constexpr std::size_t kKnownMinutes = 65536;
+  static constexpr std::int64_t kUnknown = -1;
+
+  static bool minutesDecide(const TimePattern& shown) {
+    return shown.parts[0] != TimePart::kSecond && shown.parts[1] != TimePart::kSecond &&
+           !shown.separator.empty() && (shown.separator[0] < '0' || shown.separator[0] > '9');
+  }
+
+  std::int64_t readText(ByteView value) {
+    text_.clear();
+    appendValueText(text_, field_, items_, value, formats_, {.raw = true});
+    // Compat: no time reads as hour 255 and counts as 918000 seconds (Report.TimesAndTheirTotal).
+    const TypedTime time = timeOfText(text_, formats_);
+    return (time.hour * 60 + time.minute) * std::int64_t{60};
+  }
+
+  const FieldDefinition& field_;
+  const FieldRecord& items_;
+  const FormatSettings& formats_;
+  std::vector<std::int64_t> known_;  // by hour and minute
+  std::string text_;
+};
+
+void tallyIntegers(const Database& database, int slot, const RecordFilter& filter,
+                   ReportFigures& figures) {
+  NumberTally<std::int64_t> tally;
+  if (database.schema.fields[static_cast<std::size_t>(slot)].type == kInteger) {
+    forEachValue(database, slot, filter, [&](ByteView value) {
+      tally.add(static_cast<std::int32_t>(numberOfValue(value)));
+    });
+  } else {
+    forEachValue(database, slot, filter,
+                 [&](ByteView value) { tally.add(leadingInteger(storedText(value))); });
+  }
+  figures.count = tally.count();
+  figures.whole = tally.numbers();
+  if (figures.count == 0) {
+    figures.whole.minimum = figures.whole.maximum = 0;
+  } else {
+    figures.whole.average = roundedAverage(figures.whole.sum, figures.count);
+  }
+}
+
+void tallyFloats(const Database& database, int slot, const RecordFilter& filter, bool decimal_comma,
+                 ReportFigures& figures) {
+  NumberTally<double> tally;
+  forEachValue(database, slot, filter,
+               [&](ByteView value) { tally.add(numberOfText(storedText(value), decimal_comma)); });
+  figures.count = tally.count();
+  figures.real = tally.numbers();
+  if (figures.count == 0) {
+    figures.real.minimum = figures.real.maximum = 0;
+  } else {
+    figures.real.average = figures.real.sum / static_cast<double>(figures.count);
+  }
+}
+
+void tallyChecks(const Database& database, int slot, const RecordFilter& filter,
+                 ReportFigures& figures) {
+  forEachValue(database, slot, filter, [&](ByteView value) {
+    ++figures.count;
+    if (!value.empty() && value[0] != 0) ++figures.checked;
+  });
+}
+
+void tallyDates(const Database& database, int slot, const RecordFilter& filter,
+                const FormatSettings& formats, ReportFigures& figures) {
+  DayReader read(database, slot, formats);
+  ReportNumbers<std::int64_t>& days = figures.whole;
+  days.minimum = kFirstDayMinimum;
+  forEachValue(database, slot, filter, [&](ByteView value) {
+    ++figures.count;
+    const std::int64_t day = read(value);
+    if (day <= 0) return;
+    days.minimum = std::min(days.minimum, day);
+    days.maximum = std::max(days.maximum, day);
+    days.sum += day;
+  });
+}
+
+void tallyTimes(const Database& database, int slot, const RecordFilter& filter,
+                const FormatSettings& formats, ReportFigures& figures) {
+  SecondsReader read(database, slot, formats);
+  ReportNumbers<std::int64_t>& seconds = figures.whole;
+  seconds.minimum = kFirstSecondMinimum;
+  forEachValue(database, slot, filter, [&](ByteView value) {
+    ++figures.count;
+    const std::int64_t time = read(value);
+    seconds.minimum = std::min(seconds.minimum, time);
+    seconds.maximum = std::max(seconds.maximum, time);
+    seconds.sum += time;
+  });
+  if (figures.count == 0) {
+    seconds.minimum = 0;
+  } else {
+    seconds.average = roundedAverage(seconds.sum, figures.count);
+  }
+}
+
+}  // namespace
+
+std::vector<int> reportFields(const DatabaseRecord& schema) {
+  std::vector<int> slots;
+  for (int slot = 0; slot < kFieldSlots; ++slot) {
+    const int type = schema.fields[static_cast<std::size_t>(slot)].type;
+    if (isReported(type) || type == kCalculated) slots.push_back(slot);
+  }
+  return slots;
+}
+
+ReportFigures reportFigures(const Database& database, int slot, const QuerySettings& settings,
+                            const LinkFilter* link) {
+  ReportFigures figures;
+  if (slot < 0 || slot >= kFieldSlots) return figures;
+  const int type = effectiveType(database.schema.fields[static_cast<std::size_t>(slot)]);
+  if (!isReported(type)) return figures;
+  figures.type = type;
+  const RecordFilter filter(database, settings, link);
+  const FormatSettings& formats = settings.formats;
+  switch (type) {
+    case kInteger:
+      tallyIntegers(database, slot, filter, figures);
+      break;
+    case kFloat:
+      tallyFloats(database, slot, filter, formats.choices.decimal_comma, figures);
+      break;
+    case kCheckBox:
+      tallyChecks(database, slot, filter, figures);
+      break;
+    case kDate:
+      tallyDates(database, slot, filter, formats, figures);
+      break;
+    default:
+      tallyTimes(database, slot, filter, formats, figures);
+      break;
+  }
+  return figures;
+}
+
+std::string runReport(const Database& database, int slot, const QuerySettings& settings,
+                      const LinkFilter* link) {
+  const ReportFigures figures = reportFigures(database, slot, settings, link);
+  if (figures.type == kUnused) return {};
+  return reportText(figures, database.schema.fields[static_cast<std::size_t>(slot)],
+                    settings.formats);
+}
+
+}  // namespace tabelion
