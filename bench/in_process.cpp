@@ -1,11 +1,10 @@
 // What the window feels like, without the window: opening, laying out and reading a database at the
 // record limit, in this process. Usage: in_process FILE.PDB [--benchmark_…]
-#include <benchmark/benchmark.h>
+#include "in_process.h"
 
 #include <cstdio>
 #include <string>
 
-#include "engine/database.h"
 #include "engine/packed_record.h"
 #include "platform/std/std_clock.h"
 #include "platform/std/std_files.h"
@@ -91,6 +90,7 @@ int run(int argc, char** argv) {
   benchmark::RegisterBenchmark("change a record", changeRecord, std::ref(database))
       ->Unit(benchmark::kMicrosecond);
   benchmark::RegisterBenchmark("lay out a save", layOut, std::ref(database))->Unit(ms);
+  registerSort(database);
   benchmark::RunSpecifiedBenchmarks();
   return 0;
 }

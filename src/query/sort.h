@@ -19,8 +19,9 @@ namespace tabelion {
 //   4              the items' texts, case folded      5  the stored bytes
 //   9              hour, minute, second; no time last  11  the text, empty first
 //   others         always equal
-// Compat: integers more than 2^31 apart order the wrong way round (Sort.…). A record without the
-// field is before the other one, also when that one has none either: -1 for `a`, else 1 for `b`.
+// Compat: integers more than 2^31 apart order the wrong way round
+// (Sort.IntegersFarApartOrderTheWrongWayRound). A record without the field is before the other one,
+// also when that one has none either: -1 for `a`, else 1 for `b`.
 int compareFieldValues(const Database& database, ByteView a, ByteView b, int slot, bool forward,
                        const FormatSettings& formats);
 

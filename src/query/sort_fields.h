@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -10,6 +11,7 @@
 namespace tabelion {
 
 inline constexpr int kSortLevels = 3;
+inline constexpr std::uint8_t kSortForward = 1;  // SortKey::order; any other is reverse
 
 // The sentence that refuses this field, in the database's code page; empty when it can be sorted.
 std::string sortRefusal(const Database& database, int slot);

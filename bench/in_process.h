@@ -1,0 +1,12 @@
+// The benchmarks of one process, one source for each topic. Each leaves the database as it was.
+#pragma once
+
+#include <benchmark/benchmark.h>
+
+#include "engine/database.h"
+
+namespace tabelion {
+
+void registerSort(Database& database);
+
+}  // namespace tabelion

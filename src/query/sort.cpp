@@ -1,0 +1,142 @@
+#include "query/sort.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "engine/packed_record.h"
+#include "query/sort_algorithm.h"
+#include "query/sort_keys.h"
+#include "query/sort_level.h"
+
+namespace tabelion {
+namespace {
+
+constexpr std::uint32_t kReadAhead = 12;  // records
+
+int compareThroughLevels(const std::vector<SortLevel>& levels, ByteView a, ByteView b) {
+  for (const SortLevel& level : levels) {
+    const int result = level.compare(level.operandOf(slotValue(a, level.slot())),
+                                     level.operandOf(slotValue(b, level.slot())));
+    if (result != 0) return result;
+  }
+  return 0;
+}
+
+// The order of the values as they are, for those that have no keys.
+class ValueOrder {
+ public:
+  ValueOrder(const RecordStore& records, const std::vector<SortLevel>& levels)
+      : records_(records), levels_(levels) {}
+
+  int operator()(const SortElement& a, const SortElement& b) const {
+    return compareThroughLevels(levels_, bytesOf(a), bytesOf(b));
+  }
+  bool canContradict() const { return true; }
+  bool lackTheSame(const SortElement& a, const SortElement& b) const {
+    for (const SortLevel& level : levels_) {
+      const SortOperand left = level.operandOf(slotValue(bytesOf(a), level.slot()));
+      const SortOperand right = level.operandOf(slotValue(bytesOf(b), level.slot()));
+      if (left.missing || right.missing) return left.missing && right.missing;
+      if (level.compare(left, right) != 0) return false;
+    }
+    return false;
+  }
+
+ private:
+  ByteView bytesOf(const SortElement& element) const { return records_[element.position].bytes(); }
+
+  const RecordStore& records_;
+  const std::vector<SortLevel>& levels_;
+};
+
+// Whether each element is before the next. Keys order everything one way, so then there is nothing
+// to do and nothing that the algorithm would do: elements that differ have one order only. Not so
+// where equal ones or contradictions are among them.
+bool isStrictlyInOrder(const std::vector<SortElement>& elements, const SortKeys& keys) {
+  if (keys.canContradict()) return false;
+  return std::adjacent_find(elements.begin(), elements.end(),
+                            [&](const SortElement& a, const SortElement& b) {
+                              return keys(a, b) >= 0;
+                            }) == elements.end();
+}
+
+std::vector<SortElement> elementsOf(const RecordStore& records) {
+  std::vector<SortElement> elements(records.count());
+  for (std::uint32_t i = 0; i < records.count(); ++i) elements[i].position = i;
+  return elements;
+}
+
+// The elements' records in their order.
+void arrange(RecordStore& records, const std::vector<SortElement>& elements) {
+  std::vector<Record> arranged;
+  arranged.reserve(elements.size());
+  for (const SortElement& element : elements) {
+    arranged.push_back(std::move(records[element.position]));
+  }
+  records.records() = std::move(arranged);
+}
+
+bool hasLevels(const DatabaseRecord& schema) {
+  return std::any_of(schema.sort.begin(), schema.sort.end(),
+                     [](const SortKey& key) { return key.field < kFieldSlots; });
+}
+
+}  // namespace
+
+int compareFieldValues(const Database& database, ByteView a, ByteView b, int slot, bool forward,
+                       const FormatSettings& formats) {
+  return compareThroughLevels({SortLevel(database, slot, forward, formats)}, a, b);
+}
+
+int compareRecords(const Database& database, std::uint32_t a, std::uint32_t b,
+                   const FormatSettings& formats) {
+  return compareThroughLevels(sortLevels(database, formats), database.records[a].bytes(),
+                              database.records[b].bytes());
+}
+
+void sortRecords(Database& database, const FormatSettings& formats) {
+  const std::vector<SortLevel> levels = sortLevels(database, formats);
+  if (levels.empty() || database.records.count() < 2) return;
+  setDirty(database);
+  if (auto keys = SortKeys::make(database.records, levels)) {
+    std::vector<SortElement> elements = keys->takeElements();
+    if (isStrictlyInOrder(elements, *keys)) return;
+    quickSort(elements, *keys);
+    arrange(database.records, elements);
+  } else {
+    std::vector<SortElement> elements = elementsOf(database.records);
+    quickSort(elements, ValueOrder(database.records, levels));
+    arrange(database.records, elements);
+  }
+}
+
+std::uint32_t replaceInOrder(Database& database, std::uint32_t position,
+                             const FormatSettings& formats) {
+  if (!hasLevels(database.schema)) return position;
+  RecordStore& records = database.records;
+  const std::vector<SortLevel> levels = sortLevels(database, formats);
+  const SortValues values = sortValues(records[position].bytes(), levels);
+  std::array<SortOperand, kSortLevels> saved;
+  for (std::size_t i = 0; i < levels.size(); ++i) saved[i] = levels[i].operandOf(values[i]);
+
+  const auto isBefore = [&](ByteView other) {
+    for (std::size_t i = 0; i < levels.size(); ++i) {
+      const SortOperand operand = levels[i].operandOf(slotValue(other, levels[i].slot()));
+      const int result = levels[i].compare(saved[i], operand);
+      if (result != 0) return result < 0;
+    }
+    return false;  // among equals it comes last
+  };
+  const std::uint32_t count = records.count();
+  std::uint32_t to = 0;
+  for (; to < count; ++to) {
+    if (to + kReadAhead < count) __builtin_prefetch(records[to + kReadAhead].bytes().data());
+    if (to != position && isBefore(records[to].bytes())) break;
+  }
+  if (to > position) --to;  // taking it out moves the others up; nobody before: the last place
+  records.move(position, to);
+  return to;
+}
+
+}  // namespace tabelion

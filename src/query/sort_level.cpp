@@ -1,0 +1,199 @@
+#include "query/sort_level.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+#include "engine/packed_record.h"
+#include "engine/schema_places.h"
+#include "query/field_text.h"
+#include "query/number_text.h"
+#include "query/text_case.h"
+#include "query/time_text.h"
+
+namespace tabelion {
+namespace {
+
+bool countsInWholeNumbers(const FieldDefinition& field) {
+  const int kind = storedFormula(field).result_kind;
+  return kind >= 1 && kind <= 3;
+}
+
+SortKind kindOf(const FieldDefinition& field) {
+  switch (field.type) {
+    case kText:
+    case kLongText:
+    case kTextVariant:
+    case kText254:
+      return SortKind::kText;
+    case kInteger:
+    case kAutoNumber:
+    case kDate:
+      return SortKind::kInteger;
+    case kFloat:
+      return SortKind::kReal;
+    case kPopup:
+    case kCheckBox:
+    case kTime:
+      return SortKind::kNumber;
+    case kLinkField:
+      return SortKind::kLink;
+    case kCalculated:
+      return countsInWholeNumbers(field) ? SortKind::kNumber : SortKind::kReal;
+    default:
+      return SortKind::kAlwaysEqual;
+  }
+}
+
+std::size_t numberBytesOf(int type) {
+  switch (type) {
+    case kPopup:
+    case kCheckBox:
+      return 1;
+    case kTime:
+      return 3;
+    default:
+      return sizeof(std::int64_t);
+  }
+}
+
+template <class T>
+int signOf(const T& a, const T& b) {
+  return a < b ? -1 : b < a ? 1 : 0;
+}
+
+// Compat: the difference wraps, so that 2000000000 comes before -2000000000
+// (Sort.IntegersFarApartOrderTheWrongWayRound).
+int wrappingSign(std::int64_t a, std::int64_t b) {
+  const auto difference =
+      static_cast<std::int32_t>(static_cast<std::uint32_t>(a) - static_cast<std::uint32_t>(b));
+  return signOf(difference, 0);
+}
+
+}  // namespace
+
+SortLevel::SortLevel(const Database& database, int slot, bool forward,
+                     const FormatSettings& formats)
+    : slot_(slot), forward_(forward), decimal_comma_(formats.choices.decimal_comma) {
+  const auto index = static_cast<std::size_t>(slot);
+  type_ = database.schema.fields[index].type;
+  kind_ = kindOf(database.schema.fields[index]);
+  number_bytes_ = numberBytesOf(type_);
+  if (type_ == kPopup) rankItems(database.fields[index]);
+}
+
+void SortLevel::rankItems(const FieldRecord& items) {
+  std::vector<std::string> texts = {"", lowerCaseText(kNoValueText)};
+  for (const PopupItem& item : items.items) texts.push_back(lowerCaseText(item.text));
+  std::vector<std::string> ordered = texts;  // whose bytes compare unsigned
+  std::sort(ordered.begin(), ordered.end());
+  const auto rank = [&](const std::string& text) {
+    return std::lower_bound(ordered.begin(), ordered.end(), text) - ordered.begin();
+  };
+  rank_of_empty_ = rank(texts[0]);
+  rank_of_unknown_ = rank(texts[1]);
+  for (std::size_t i = 0; i < items.items.size(); ++i) {
+    Rank& added = ranks_.emplace_back();
+    std::copy_n(items.items[i].key.begin(), kPopupKeySize, added.key.begin());
+    added.rank = rank(texts[i + 2]);
+  }
+}
+
+std::int64_t SortLevel::rankOf(ByteView value) const {
+  if (value.empty()) return rank_of_empty_;
+  std::array<std::uint8_t, kPopupKeySize> key{};
+  std::copy_n(value.begin(), std::min(value.size(), key.size()), key.begin());
+  for (const Rank& item : ranks_) {
+    if (item.key == key) return item.rank;
+  }
+  return rank_of_unknown_;
+}
+
+SortOperand SortLevel::operandOf(const std::optional<ByteView>& value) const {
+  SortOperand operand;
+  if (!value) {
+    operand.missing = true;
+    return operand;
+  }
+  switch (kind_) {
+    case SortKind::kAlwaysEqual:
+      break;
+    case SortKind::kText:
+      operand.text = storedText(*value);
+      break;
+    case SortKind::kLink:
+      operand.empty_link = value->size() <= kLinkHeadSize;
+      operand.text = linkText(*value);
+      break;
+    case SortKind::kInteger:
+      operand.number = static_cast<std::int32_t>(numberOfValue(*value));
+      break;
+    case SortKind::kReal:
+      operand.real = numberOfText(storedText(*value), decimal_comma_);
+      break;
+    case SortKind::kNumber:
+      if (type_ == kPopup) {
+        operand.number = rankOf(*value);
+      } else if (type_ == kCheckBox) {
+        operand.number = value->empty() ? 0 : value->front();
+      } else if (type_ == kTime) {
+        const TimeValue time = timeOfValue(*value);
+        operand.number = time.second | time.minute << 8 | time.hour << 16;
+      } else {
+        operand.number = leadingInteger(storedText(*value));
+      }
+      break;
+  }
+  return operand;
+}
+
+int SortLevel::compare(const SortOperand& a, const SortOperand& b) const {
+  // Compat: so two records without the field are each before the other
+  // (Sort.ARecordWithoutTheFieldIsBeforeAnother).
+  if (a.missing) return -1;
+  if (b.missing) return 1;
+  const SortOperand& left = forward_ ? a : b;
+  const SortOperand& right = forward_ ? b : a;
+  switch (kind_) {
+    case SortKind::kLink:
+      if (left.empty_link || right.empty_link) return signOf(right.empty_link, left.empty_link);
+      return compareAnyCase(left.text, right.text);
+    case SortKind::kText:
+      return compareAnyCase(left.text, right.text);
+    case SortKind::kInteger:
+      return wrappingSign(left.number, right.number);
+    case SortKind::kNumber:
+      return signOf(left.number, right.number);
+    case SortKind::kReal:
+      return signOf(left.real, right.real);
+    case SortKind::kAlwaysEqual:
+      break;
+  }
+  return 0;
+}
+
+std::vector<SortLevel> sortLevels(const Database& database, const FormatSettings& formats) {
+  std::vector<SortLevel> levels;
+  for (const SortKey& key : database.schema.sort) {
+    if (key.field >= kFieldSlots) break;
+    levels.emplace_back(database, key.field, key.order == kSortForward, formats);
+  }
+  return levels;
+}
+
+SortValues sortValues(ByteView record, const std::vector<SortLevel>& levels) {
+  int last = -1;
+  for (const SortLevel& level : levels) last = std::max(last, level.slot());
+  SortValues values;
+  SlotWalker walker(record);
+  for (int slot = 0; slot <= last; ++slot) {
+    const auto value = walker.next();
+    if (!value) break;
+    for (std::size_t i = 0; i < levels.size(); ++i) {
+      if (levels[i].slot() == slot) values[i] = value;
+    }
+  }
+  return values;
+}
+
+}  // namespace tabelion

@@ -1,0 +1,78 @@
+// One level of a sort, prepared: how its field's values compare, whatever way they are stored.
+// Used by sort.cpp and sort_keys.cpp alone.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "engine/database.h"
+#include "query/format_settings.h"
+#include "query/sort_fields.h"
+
+namespace tabelion {
+
+enum class SortKind : std::uint8_t {
+  kAlwaysEqual,
+  kText,     // case folded
+  kLink,     // no text comes first, then as kText
+  kInteger,  // 32 bits, by a difference that wraps
+  kNumber,   // exactly: leading integers, times, check boxes, ranks of pop-up items
+  kReal,
+};
+
+// What a value compares by.
+struct SortOperand {
+  bool missing = false;     // the record has no such slot
+  bool empty_link = false;  // kLink
+  std::string_view text;    // kText, kLink: inside the record
+  std::int64_t number = 0;  // kInteger, kNumber
+  double real = 0;          // kReal
+};
+
+class SortLevel {
+ public:
+  SortLevel(const Database& database, int slot, bool forward, const FormatSettings& formats);
+
+  int slot() const { return slot_; }
+  bool forward() const { return forward_; }
+  SortKind kind() const { return kind_; }
+  // Bytes that hold every number of a kNumber level; fewer than 8 hold none below 0.
+  std::size_t numberBytes() const { return number_bytes_; }
+
+  // The text points into `value`.
+  SortOperand operandOf(const std::optional<ByteView>& value) const;
+  // -1, 0 or 1, with the direction in it.
+  int compare(const SortOperand& a, const SortOperand& b) const;
+
+ private:
+  // The items of a pop-up by the order of their texts: items with equal texts have equal ranks.
+  struct Rank {
+    std::array<std::uint8_t, kPopupKeySize> key{};
+    std::int64_t rank = 0;
+  };
+  void rankItems(const FieldRecord& items);
+  std::int64_t rankOf(ByteView value) const;
+
+  int slot_;
+  int type_;
+  bool forward_;
+  bool decimal_comma_;
+  SortKind kind_;
+  std::size_t number_bytes_;
+  std::vector<Rank> ranks_;
+  std::int64_t rank_of_empty_ = 0;
+  std::int64_t rank_of_unknown_ = 0;
+};
+
+// The levels in force, up to the first one without a field. A stored field past the last slot
+// counts as none.
+std::vector<SortLevel> sortLevels(const Database& database, const FormatSettings& formats);
+
+// The values of the levels' slots in one walk over the record.
+using SortValues = std::array<std::optional<ByteView>, kSortLevels>;
+SortValues sortValues(ByteView record, const std::vector<SortLevel>& levels);
+
+}  // namespace tabelion
