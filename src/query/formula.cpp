@@ -189,6 +189,7 @@ Formula decodeFormula(const Database& database, int slot, const FormatSettings& 
 
 double formulaNumber(const FieldDefinition& field, const FieldRecord& items, ByteView value,
                      const FormatSettings& formats) {
+  if (value.empty()) return 0;
   switch (field.type) {
     case kText:
     case kFloat:
@@ -206,9 +207,9 @@ double formulaNumber(const FieldDefinition& field, const FieldRecord& items, Byt
     case kLinkField:
       return linkKey(value);
     case kCheckBox:
-      return !value.empty() && value[0] != 0;
+      return value[0] != 0;
     case kTime:
-      return value.empty() ? 0 : secondsOfTime(timeOfValue(value));
+      return secondsOfTime(timeOfValue(value));
     case kPopup: {
       std::array<std::uint8_t, kPopupKeySize> key{};
       std::copy_n(value.begin(), std::min(value.size(), key.size()), key.begin());

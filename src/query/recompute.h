@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <string>
 
 #include "engine/database.h"
 #include "engine/packed_record.h"
@@ -10,16 +11,23 @@
 
 namespace tabelion {
 
-// Told of each record and field whose formula is corrupt.
+// Told of each record and field whose formula is corrupt. Such a formula's result is -1.
 using CorruptFormula = std::function<void(std::uint32_t position, int slot)>;
 
+// The text that is stored for a result: with the decimals of its kind, at most 16 characters.
+std::string resultText(double value, int result_kind, const FormatSettings& formats);
+
 // Computes one field of the record at `position` and stores the text. 0, or -1 when there is no
-// such record. A record that is enciphered for the field is left alone.
+// such record. A record that is enciphered for the field is left alone, as is one whose text would
+// be the same: its bytes stay where they are. Sets the field's mark in Database::selected and the
+// database dirty when the text is another one.
 int recomputeField(Database& database, int slot, std::uint32_t position,
                    const QuerySettings& settings, const CorruptFormula& corrupt = {});
 
-// Every calculated field of one record that is being saved, in display order, in its copy.
-// `position` is where the record stands or will stand: the previous record is looked for before it.
+// Every calculated field of one record that is being saved, in its copy. `position` is where the
+// record stands or will stand: the previous record is looked for before it.
+// Compat: in display order, so that a formula sees the value of before of a field that comes later
+// in the form (Recompute.ASavedRecordIsWorkedOutInDisplayOrder).
 void recomputeRecord(const Database& database, UnpackedRecord& record, std::uint32_t position,
                      const QuerySettings& settings, const CorruptFormula& corrupt = {});
 
@@ -28,9 +36,14 @@ struct RecomputeSummary {
   std::uint64_t values = 0;   // that changed
   std::uint64_t corrupt = 0;  // that a corrupt formula gave
 };
-// Every calculated field of every record that passes the filter, with the part that the
-// sort-pending flag has in it: may sort before and after. Marks the database dirty when anything
-// changed.
+// Every calculated field of every record that passes the filter, each field after those that it
+// refers to. Marks the database dirty when anything changed. Does nothing in a database without
+// fields of types 15 and 17.
+//
+// Has a part in keeping the order: when a sort level uses a field of type 15 or 17, the order is
+// stale afterwards and the records are sorted at the end. Otherwise, when the sort-pending flag
+// says that the order is stale already, they are sorted first: values of the previous record are
+// those of the record that will be shown before. The flag is off in the end.
 RecomputeSummary recomputeAll(Database& database, const QuerySettings& settings,
                               const CorruptFormula& corrupt = {});
 
