@@ -1,7 +1,6 @@
 #include "cli/field_choice.h"
 
 #include <algorithm>
-#include <numeric>
 
 #include <fmt/format.h>
 
@@ -10,9 +9,6 @@
 
 namespace tabelion {
 namespace {
-
-constexpr std::size_t kMostNear = 3;
-constexpr std::size_t kFewNames = 12;
 
 struct NamedField {
   int slot;
@@ -37,22 +33,6 @@ std::vector<NamedField> namedFields(const DatabaseRecord& schema, const TextEnco
   return fields;
 }
 
-// How many letters have to be put in, left out or replaced to make one text of the other, in any
-// case.
-std::size_t editDistance(std::string_view a, std::string_view b) {
-  std::vector<std::size_t> row(b.size() + 1);
-  std::iota(row.begin(), row.end(), std::size_t{0});
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    std::size_t diagonal = row[0]++;
-    for (std::size_t j = 0; j < b.size(); ++j) {
-      const std::size_t replaced = diagonal + (lowerCase(a[i]) == lowerCase(b[j]) ? 0 : 1);
-      diagonal = row[j + 1];
-      row[j + 1] = std::min({replaced, row[j] + 1, row[j + 1] + 1});
-    }
-  }
-  return row.back();
-}
-
 std::string_view trimmed(std::string_view text) {
   const std::size_t first = text.find_first_not_of(' ');
   if (first == std::string_view::npos) return {};
@@ -69,42 +49,6 @@ Error unknownField(std::string_view name, const std::vector<NamedField>& fields)
 }
 
 }  // namespace
-
-std::vector<std::string> nearNames(std::string_view name, const std::vector<std::string>& known) {
-  struct Near {
-    std::size_t distance;
-    const std::string* name;
-  };
-  std::vector<Near> near;
-  const std::string lower = lowerCaseText(name);
-  for (const std::string& other : known) {
-    std::size_t distance = editDistance(name, other);
-    const bool contains =
-        !name.empty() && !other.empty() &&
-        (containsAnyCase(other, lower) || containsAnyCase(name, lowerCaseText(other)));
-    if (contains) distance = std::min<std::size_t>(distance, 1);
-    if (distance <= std::max<std::size_t>(1, std::max(name.size(), other.size()) / 3)) {
-      near.push_back({distance, &other});
-    }
-  }
-  if (near.empty() && known.size() <= kFewNames) return known;
-  std::stable_sort(near.begin(), near.end(),
-                   [](const Near& a, const Near& b) { return a.distance < b.distance; });
-  std::vector<std::string> names;
-  for (const Near& entry : near) {
-    if (names.size() < kMostNear) names.push_back(*entry.name);
-  }
-  return names;
-}
-
-std::string alternatives(const std::vector<std::string>& names) {
-  std::string text;
-  for (std::size_t i = 0; i < names.size(); ++i) {
-    if (i > 0) text += i + 1 == names.size() ? " or " : ", ";
-    text += fmt::format("\"{}\"", names[i]);
-  }
-  return text;
-}
 
 Result<int> chooseField(const Database& database, const TextEncoding& encoding,
                         std::string_view name) {

@@ -8,6 +8,7 @@
 #include "engine/database.h"
 #include "interchange/text_encoding.h"
 #include "platform/result.h"
+#include "query/near_names.h"
 
 namespace tabelion {
 
@@ -21,11 +22,5 @@ Result<int> chooseField(const Database& database, const TextEncoding& encoding,
 // its name; blanks around a name do not count.
 Result<std::vector<int>> chooseFields(const Database& database, const TextEncoding& encoding,
                                       std::string_view names);
-
-// The names of `known` that come near `name`, the nearest first, at most three; all of them, in
-// their order, where none does and there are few.
-std::vector<std::string> nearNames(std::string_view name, const std::vector<std::string>& known);
-// `"Name", "Born" or "Group"`.
-std::string alternatives(const std::vector<std::string>& names);
 
 }  // namespace tabelion
