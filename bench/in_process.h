@@ -7,6 +7,7 @@
 
 namespace tabelion {
 
+void registerReport(const Database& database);
 void registerSort(Database& database);
 
 }  // namespace tabelion

@@ -65,15 +65,17 @@ inline std::optional<ByteView> SlotWalker::next() {
 }
 
 inline SlotPlace findSlot(ByteView record, int slot) {
-  SlotWalker walker(record);
-  for (int i = 0;; ++i) {
-    const auto value = walker.next();
-    if (!value) return {};
-    if (i == slot) {
-      return {static_cast<int>(value->data() - record.data()),
-              static_cast<std::uint16_t>(value->size())};
-    }
+  std::size_t at = prefixLength(record);
+  if (at > record.size() || slot >= kFieldSlots) return {};
+  std::size_t remaining = record.size() - at;
+  for (int i = 0; remaining >= 2; ++i) {
+    const std::uint16_t length = loadLe16(record.data() + at);
+    if (length > remaining - 2 || length == kEndOfRecord) return {};
+    if (i == slot) return {static_cast<int>(at + 2), length};
+    at += std::size_t{2} + length;
+    remaining -= std::size_t{2} + length;
   }
+  return {};
 }
 
 // The value bytes as stored; none when absent.

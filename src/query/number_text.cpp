@@ -33,6 +33,32 @@ bool isTooLarge(std::string_view number) {
   return first < number.find('.');
 }
 
+// Digits with at most one point, few enough that the quotient of two exact numbers is the nearest
+// double; most numbers are such, and several times faster to read so. False for any other.
+bool readShortNumber(std::string_view text, double& value) {
+  constexpr double kPowersOfTen[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                     1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+  constexpr std::size_t kMostDigits = std::size(kPowersOfTen) - 1;
+  const char* at = text.data();
+  const char* const end = at + text.size();
+  std::uint64_t digits = 0;
+  const auto readDigits = [&] {
+    const char* const begin = at;
+    for (; at != end && isDigit(*at); ++at) digits = digits * 10 + static_cast<unsigned>(*at - '0');
+    return static_cast<std::size_t>(at - begin);
+  };
+  std::size_t count = readDigits();
+  std::size_t decimals = 0;
+  if (at != end && *at == '.') {
+    ++at;
+    decimals = readDigits();
+    count += decimals;
+  }
+  if (count > kMostDigits || (at != end && (*at == 'e' || *at == 'E'))) return false;
+  value = static_cast<double>(digits) / kPowersOfTen[decimals];
+  return true;
+}
+
 double leadingNumber(std::string_view text) {
   text = withoutLeadingBlanks(text);
   const bool negative = text.starts_with('-');
@@ -41,6 +67,7 @@ double leadingNumber(std::string_view text) {
   const bool point = text.starts_with('.');
   if (text.size() <= (point ? 1 : 0) || !isDigit(text[point ? 1 : 0])) return 0;
   double value = 0;
+  if (readShortNumber(text, value)) return negative ? -value : value;
   const auto read = std::from_chars(text.data(), text.data() + text.size(), value);
   if (read.ec == std::errc::result_out_of_range) {
     const auto length = static_cast<std::size_t>(read.ptr - text.data());

@@ -29,6 +29,13 @@ TEST(NumberText, ReadsTheLeadingNumber) {
   EXPECT_EQ(numberOfText("-1e999", false), -HUGE_VAL);
   EXPECT_EQ(numberOfText(std::string(400, '9'), false), HUGE_VAL);
   EXPECT_EQ(numberOfText("0." + std::string(400, '0') + "1", false), 0);
+  // Short ones are read by another way than long ones, to the same double.
+  EXPECT_EQ(numberOfText("0.1", false), 0.1);
+  EXPECT_EQ(numberOfText("99999.000000001x", false), 99999.000000001);
+  EXPECT_EQ(numberOfText("123456789012345.6", false), 123456789012345.6);
+  EXPECT_EQ(numberOfText("0000000000000000.5", false), 0.5);
+  EXPECT_EQ(numberOfText("7.e1", false), 70);
+  EXPECT_EQ(numberOfText("1.2.3", false), 1.2);
   EXPECT_EQ(leadingInteger("\t-42nd"), -42);
   EXPECT_EQ(leadingInteger("+-7"), 0);
   EXPECT_EQ(leadingInteger("99999999999999999999"), INT64_MAX);
