@@ -72,7 +72,7 @@ class QuickSort {
       // The scan upward would run to its bound, the one downward would stop at once. Without this
       // a field that no record has yet would take quadratic time.
       if (range.last && order_.lackTheSame(pivot, *range.last)) return end;
-      range.last = pivot;
+      if (order_(e_[lo], pivot) < 0) range.last = pivot;  // no scan looks at the first one
     }
     std::int32_t i = lo;
     std::int32_t j = end;

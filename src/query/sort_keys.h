@@ -47,7 +47,8 @@ class SortKeys {
   bool canContradict() const { return some_missing_; }
   // Whether the two records lack the same field and are equal in the levels before it.
   bool lackTheSame(const SortElement& a, const SortElement& b) const {
-    return isMissing(a) && a.first == b.first && compareRest(a.rest, b.rest) < 0;
+    return isMissing(a) && a.first == b.first && compareRest(a.rest, b.rest) < 0 &&
+           compareRest(b.rest, a.rest) < 0;
   }
 
  private:
