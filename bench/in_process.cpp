@@ -91,6 +91,7 @@ int run(int argc, char** argv) {
       ->Unit(benchmark::kMicrosecond);
   benchmark::RegisterBenchmark("lay out a save", layOut, std::ref(database))->Unit(ms);
   registerReport(database);
+  registerSearch(database);
   registerSort(database);
   benchmark::RunSpecifiedBenchmarks();
   return 0;

@@ -8,6 +8,7 @@
 namespace tabelion {
 
 void registerReport(const Database& database);
+void registerSearch(Database& database);
 void registerSort(Database& database);
 
 }  // namespace tabelion

@@ -1,6 +1,7 @@
 #include "query/filter_criterion.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "query/date_range.h"
 #include "query/number_text.h"
@@ -29,9 +30,10 @@ bool textPasses(std::string_view text, std::string_view word) {
 }
 
 bool isKey(ByteView value, const std::array<std::uint8_t, kPopupKeySize>& key) {
-  const std::size_t stored = std::min(value.size(), key.size());
-  return std::equal(key.begin(), key.begin() + stored, value.begin()) &&
-         std::all_of(key.begin() + stored, key.end(), [](std::uint8_t byte) { return byte == 0; });
+  if (value.size() >= key.size()) return std::memcmp(value.data(), key.data(), key.size()) == 0;
+  std::array<std::uint8_t, kPopupKeySize> padded{};
+  std::copy(value.begin(), value.end(), padded.begin());
+  return padded == key;
 }
 
 }  // namespace
