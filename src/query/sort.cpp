@@ -1,6 +1,7 @@
 #include "query/sort.h"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -12,12 +13,28 @@
 namespace tabelion {
 namespace {
 
-constexpr std::uint32_t kReadAhead = 12;  // records
+constexpr std::uint32_t kReadAhead = 16;  // records
+
+// How far into a record one has to read for the first level, judged by this one.
+std::size_t reachOf(ByteView record, const std::vector<SortLevel>& levels) {
+  if (levels.empty()) return 0;
+  const SlotPlace place = findSlot(record, levels.front().slot());
+  return place.present() ? static_cast<std::size_t>(place.offset) + place.length : 0;
+}
+
+// As slotValue, in line: re-placing a record asks for little else.
+std::optional<ByteView> valueAt(ByteView record, int slot) {
+  SlotWalker walker(record);
+  for (;; --slot) {
+    const auto value = walker.next();
+    if (!value || slot == 0) return value;
+  }
+}
 
 int compareThroughLevels(const std::vector<SortLevel>& levels, ByteView a, ByteView b) {
   for (const SortLevel& level : levels) {
-    const int result = level.compare(level.operandOf(slotValue(a, level.slot())),
-                                     level.operandOf(slotValue(b, level.slot())));
+    const int result = level.compare(level.operandOf(valueAt(a, level.slot())),
+                                     level.operandOf(valueAt(b, level.slot())));
     if (result != 0) return result;
   }
   return 0;
@@ -35,8 +52,8 @@ class ValueOrder {
   bool canContradict() const { return true; }
   bool lackTheSame(const SortElement& a, const SortElement& b) const {
     for (const SortLevel& level : levels_) {
-      const SortOperand left = level.operandOf(slotValue(bytesOf(a), level.slot()));
-      const SortOperand right = level.operandOf(slotValue(bytesOf(b), level.slot()));
+      const SortOperand left = level.operandOf(valueAt(bytesOf(a), level.slot()));
+      const SortOperand right = level.operandOf(valueAt(bytesOf(b), level.slot()));
       if (left.missing || right.missing) return left.missing && right.missing;
       if (level.compare(left, right) != 0) return false;
     }
@@ -122,16 +139,17 @@ std::uint32_t replaceInOrder(Database& database, std::uint32_t position,
 
   const auto isBefore = [&](ByteView other) {
     for (std::size_t i = 0; i < levels.size(); ++i) {
-      const SortOperand operand = levels[i].operandOf(slotValue(other, levels[i].slot()));
+      const SortOperand operand = levels[i].operandOf(valueAt(other, levels[i].slot()));
       const int result = levels[i].compare(saved[i], operand);
       if (result != 0) return result < 0;
     }
     return false;  // among equals it comes last
   };
   const std::uint32_t count = records.count();
+  const std::size_t reach = reachOf(records[position].bytes(), levels);
   std::uint32_t to = 0;
   for (; to < count; ++to) {
-    if (to + kReadAhead < count) __builtin_prefetch(records[to + kReadAhead].bytes().data());
+    if (to + kReadAhead < count) fetchAhead(records[to + kReadAhead].bytes(), reach);
     if (to != position && isBefore(records[to].bytes())) break;
   }
   if (to > position) --to;  // taking it out moves the others up; nobody before: the last place

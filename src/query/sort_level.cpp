@@ -1,10 +1,10 @@
 #include "query/sort_level.h"
 
 #include <algorithm>
+#include <cstring>
 #include <string>
 #include <utility>
 
-#include "engine/packed_record.h"
 #include "engine/schema_places.h"
 #include "query/field_text.h"
 #include "query/number_text.h"
@@ -93,18 +93,26 @@ void SortLevel::rankItems(const FieldRecord& items) {
   rank_of_empty_ = rank(texts[0]);
   rank_of_unknown_ = rank(texts[1]);
   for (std::size_t i = 0; i < items.items.size(); ++i) {
-    Rank& added = ranks_.emplace_back();
-    std::copy_n(items.items[i].key.begin(), kPopupKeySize, added.key.begin());
-    added.rank = rank(texts[i + 2]);
+    ranks_.push_back({wordsOf(items.items[i].key), rank(texts[i + 2])});
   }
+}
+
+// The first bytes, zeros where there are fewer, as an item is found by them.
+SortLevel::KeyWords SortLevel::wordsOf(ByteView value) {
+  KeyWords words{};
+  if (value.size() >= kPopupKeySize) {
+    std::memcpy(words.data(), value.data(), kPopupKeySize);
+  } else {
+    std::memcpy(words.data(), value.data(), value.size());
+  }
+  return words;
 }
 
 std::int64_t SortLevel::rankOf(ByteView value) const {
   if (value.empty()) return rank_of_empty_;
-  std::array<std::uint8_t, kPopupKeySize> key{};
-  std::copy_n(value.begin(), std::min(value.size(), key.size()), key.begin());
+  const KeyWords key = wordsOf(value);
   for (const Rank& item : ranks_) {
-    if (item.key == key) return item.rank;
+    if (item.key[0] == key[0] && item.key[1] == key[1]) return item.rank;
   }
   return rank_of_unknown_;
 }
@@ -179,21 +187,6 @@ std::vector<SortLevel> sortLevels(const Database& database, const FormatSettings
     levels.emplace_back(database, key.field, key.order == kSortForward, formats);
   }
   return levels;
-}
-
-SortValues sortValues(ByteView record, const std::vector<SortLevel>& levels) {
-  int last = -1;
-  for (const SortLevel& level : levels) last = std::max(last, level.slot());
-  SortValues values;
-  SlotWalker walker(record);
-  for (int slot = 0; slot <= last; ++slot) {
-    const auto value = walker.next();
-    if (!value) break;
-    for (std::size_t i = 0; i < levels.size(); ++i) {
-      if (levels[i].slot() == slot) values[i] = value;
-    }
-  }
-  return values;
 }
 
 }  // namespace tabelion

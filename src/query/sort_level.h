@@ -2,6 +2,7 @@
 // Used by sort.cpp and sort_keys.cpp alone.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <optional>
@@ -9,6 +10,7 @@
 #include <vector>
 
 #include "engine/database.h"
+#include "engine/packed_record.h"
 #include "query/format_settings.h"
 #include "query/sort_fields.h"
 
@@ -48,11 +50,14 @@ class SortLevel {
   int compare(const SortOperand& a, const SortOperand& b) const;
 
  private:
-  // The items of a pop-up by the order of their texts: items with equal texts have equal ranks.
+  // An item of a pop-up and its place in the order of the texts; equal texts have equal ranks. Keys
+  // are compared as words: that is most of the work of a sort by a pop-up.
+  using KeyWords = std::array<std::uint64_t, 2>;
   struct Rank {
-    std::array<std::uint8_t, kPopupKeySize> key{};
+    KeyWords key{};
     std::int64_t rank = 0;
   };
+  static KeyWords wordsOf(ByteView value);
   void rankItems(const FieldRecord& items);
   std::int64_t rankOf(ByteView value) const;
 
@@ -67,12 +72,34 @@ class SortLevel {
   std::int64_t rank_of_unknown_ = 0;
 };
 
+// Asks for the first bytes of a record ahead of a pass: sorted records lie anywhere in memory.
+inline void fetchAhead(ByteView record, std::size_t bytes) {
+  constexpr std::size_t kLine = 64;
+  constexpr std::size_t kMost = 8 * kLine;
+  const std::size_t end = std::min({record.size(), bytes, kMost});
+  for (std::size_t at = 0; at < end; at += kLine) __builtin_prefetch(record.data() + at);
+}
+
 // The levels in force, up to the first one without a field. A stored field past the last slot
 // counts as none.
 std::vector<SortLevel> sortLevels(const Database& database, const FormatSettings& formats);
 
 // The values of the levels' slots in one walk over the record.
 using SortValues = std::array<std::optional<ByteView>, kSortLevels>;
-SortValues sortValues(ByteView record, const std::vector<SortLevel>& levels);
+inline SortValues sortValues(ByteView record, const std::vector<SortLevel>& levels) {
+  SortValues values;
+  std::size_t found = 0;
+  SlotWalker walker(record);
+  for (int slot = 0; found < levels.size(); ++slot) {
+    const auto value = walker.next();
+    if (!value) break;
+    for (std::size_t i = 0; i < levels.size(); ++i) {
+      if (levels[i].slot() != slot) continue;
+      values[i].emplace(value->data(), value->size());  // not copied by way of memory
+      ++found;
+    }
+  }
+  return values;
+}
 
 }  // namespace tabelion
