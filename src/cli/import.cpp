@@ -6,6 +6,8 @@
 #include "cli/context.h"
 #include "cli/import_step.h"
 #include "interchange/table_import.h"
+#include "query/recompute.h"
+#include "query/record_index.h"
 
 namespace tabelion {
 namespace {
@@ -33,6 +35,14 @@ std::string counted(std::uint64_t count, std::string_view what) {
   return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
 }
 
+// The new records into the order of the others, and every calculated field worked out.
+void bringUpToDate(CliContext& context, const TextEncoding& encoding, Database& database) {
+  if (!isDirty(database)) return;
+  const QuerySettings settings = context.querySettings(encoding);
+  refreshRecordIndex(database, settings);
+  recomputeAll(database, settings);
+}
+
 }  // namespace
 
 ExitCode importRows(CliContext& context, const std::string& path, bool skip_bad,
@@ -53,7 +63,10 @@ ExitCode importRows(CliContext& context, const std::string& path, bool skip_bad,
     err.put(fmt::format("tabelion-cli: {}: line {}: {}\n", path, row.line, row.reason));
   }
   err.flush();
-  if (summary->refused.empty()) return ExitCode::kDone;
+  if (summary->refused.empty()) {
+    bringUpToDate(context, *encoding, database);
+    return ExitCode::kDone;
+  }
   const std::string refused = counted(summary->refused.size(), "row");
   if (!skip_bad) {
     context.say(
@@ -62,6 +75,7 @@ ExitCode importRows(CliContext& context, const std::string& path, bool skip_bad,
   }
   context.say(fmt::format("{}: {} left out, {} imported", path, refused,
                           counted(summary->records, "record")));
+  bringUpToDate(context, *encoding, database);
   return ExitCode::kDone;
 }
 

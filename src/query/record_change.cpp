@@ -25,6 +25,7 @@ bool isEmptyTime(const std::optional<Bytes>& value) {
 void fillDefaults(const DatabaseRecord& schema, UnpackedRecord& record, const CalendarTime& now) {
   for (std::size_t i = 0; i < kFieldSlots; ++i) {
     const FieldDefinition& field = schema.fields[i];
+    if (isMasked(field, record.prefix)) continue;
     const int option = fieldDefaultOption(field);
     auto& value = record.slots[i];
     if (field.type == kDate && (option == kTodayWhenEmpty || option == kTodayWhenEmptyToo) &&

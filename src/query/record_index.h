@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <numeric>
 
 #include "engine/database.h"
 #include "query/filter.h"
@@ -24,12 +23,5 @@ void sortAndRecompute(Database& database, const QuerySettings& settings,
 // Needed whenever records came, went or moved, or the filter changed; costs nothing in a database
 // that has no such field.
 void recomputeDependents(Database& database, const QuerySettings& settings);
-
-// Every record, in database order.
-inline void rebuildRecordIndex(Database& database) {
-  database.record_index.resize(database.records.count());
-  std::iota(database.record_index.begin(), database.record_index.end(), 0u);
-  database.needs_refresh = false;
-}
 
 }  // namespace tabelion

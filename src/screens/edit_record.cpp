@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "engine/calendar.h"
+#include "query/record_change.h"
 #include "screens/screen_numbers.h"
 #include "services/access.h"
 #include "services/message.h"
@@ -17,9 +17,6 @@ constexpr CommandId kGoFirst = 40201;
 constexpr CommandId kGoPrevious = 40202;
 constexpr CommandId kGoNext = 40203;
 constexpr CommandId kGoLast = 40204;
-
-constexpr int kTodayWhenEmpty = 2;  // default options of dates; the first one of times too
-constexpr int kTodayWhenEmptyToo = 3;
 
 DialogTemplate editRecordTemplate() {
   DialogTemplate dialog;
@@ -39,14 +36,6 @@ DialogTemplate editRecordTemplate() {
                                                       {.command = kGoLast, .text = u"Last"}}},
                                         {.command = kFormCancel, .text = u"Cancel"}}};
   return dialog;
-}
-
-bool isEmptyDate(const std::optional<Bytes>& value) {
-  return !value || std::all_of(value->begin(), value->end(), [](auto byte) { return byte == 0; });
-}
-
-bool isEmptyTime(const std::optional<Bytes>& value) {
-  return !value || value->size() < 3 || (*value)[2] == kNoTimeHour;
 }
 
 }  // namespace
@@ -161,52 +150,25 @@ bool EditRecordScreen::SaveEditRecord(Dialog& dialog) {
   }
   UnpackedRecord before = *copy_;
   if (!form_.Collect(dialog, *copy_)) return false;
-  CompleteCopy();
   if (StoreCopy()) return true;
   copy_ = std::move(before);  // so that another attempt starts from what is stored
   return false;
 }
 
-// Dates and times that were left empty get today's and the present one where the field says so.
-void EditRecordScreen::CompleteCopy() {
-  const DatabaseRecord& schema = CurrentDatabase(app_).schema;
-  const CalendarTime now = app_.platform.clock.local();
-  for (std::size_t i = 0; i < kFieldSlots; ++i) {
-    const FieldDefinition& field = schema.fields[i];
-    const int option = fieldDefaultOption(field);
-    auto& value = copy_->slots[i];
-    if (field.type == kDate && (option == kTodayWhenEmpty || option == kTodayWhenEmptyToo) &&
-        isEmptyDate(value)) {
-      value = Bytes(4);
-      storeLe32(value->data(), daysSince1904(now.month, now.day, now.year));
-    } else if (field.type == kTime && option == kTodayWhenEmpty && isEmptyTime(value)) {
-      value = Bytes{static_cast<std::uint8_t>(now.second), static_cast<std::uint8_t>(now.minute),
-                    static_cast<std::uint8_t>(now.hour), 0};
-    }
-  }
-}
-
 bool EditRecordScreen::StoreCopy() {
+  if (app_.new_record && !HasRoomForRecord(app_)) return false;
   Database& database = CurrentDatabase(app_);
-  Bytes packed;
-  bool stored = packRecord(*copy_, packed);
-  if (app_.new_record) {
-    if (!HasRoomForRecord(app_)) return false;
-    const std::uint32_t position =
-        stored ? appendRecord(database, app_.engine, packed, true) : kNoPosition;
-    stored = position != kNoPosition;
-    if (stored) app_.current_record = position;
-  } else if (stored) {
-    if (database.schema.modification_stamp_option != 0) {
-      touchStamp(packed, app_.platform.clock.local());
-    }
-    stored = database.records.replace(app_.current_record, packed);
-    if (stored) setDirty(database);
-  }
-  if (!stored) {
+  const std::uint32_t position =
+      storeRecord(database, app_.engine, app_.new_record ? kNoPosition : app_.current_record,
+                  *copy_, QuerySettingsOf(app_, database), [this](std::uint32_t, int) {
+                    ShowMessage(app_, u"Formula is invalid or corrupt, please verify", u"Error",
+                                MessageIcon::kExclamation);
+                  });
+  if (position == kNoPosition) {
     ShowMessage(app_, u"ERROR: Saving record!", u"ERROR", MessageIcon::kWarning);
     return false;
   }
+  app_.current_record = position;
   app_.new_record = false;
   app_.engine.steps.refresh(database);
   return true;
@@ -219,8 +181,7 @@ void EditRecordScreen::DeleteEditRecord(Dialog& dialog) {
     return;
   }
   Database& database = CurrentDatabase(app_);
-  database.records.remove(app_.current_record);
-  setDirty(database);
+  deleteRecords(database, {app_.current_record}, QuerySettingsOf(app_, database));
   if (app_.current_record > 0) --app_.current_record;
   app_.engine.steps.refresh(database);
   dialog.end(kDialogClosed);

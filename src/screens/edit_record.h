@@ -34,7 +34,6 @@ class EditRecordScreen : public Screen {
   // False when the form must stay, because a value or the record was not accepted.
   bool SaveEditRecord(Dialog& dialog);
   bool StoreCopy();
-  void CompleteCopy();
   void DeleteEditRecord(Dialog& dialog);
   void MoveTo(Dialog& dialog, Move move);
   void NewRecord(Dialog& dialog);

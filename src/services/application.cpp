@@ -19,9 +19,12 @@ RandomSource systemRandom() {
 Application::Application(Platform& on)
     : platform(on), engine{.files = on.files, .clock = on.clock, .random = systemRandom()} {
   engine.message = [this](const std::string& text) { ShowEngineMessage(*this, text); };
-  engine.steps.refresh = [](Database& database) {
-    rebuildRecordIndex(database);
+  engine.steps.refresh = [this](Database& database) {
+    refreshRecordIndex(database, QuerySettingsOf(*this, database), nullptr, &current_record);
     return 1;
+  };
+  engine.steps.sort_and_rebuild = [this](Database& database) {
+    sortAndRecompute(database, QuerySettingsOf(*this, database));
   };
   engine.steps.restore_current_record = [this](Database&, std::uint32_t number) {
     current_record = number;
@@ -38,9 +41,18 @@ bool IsDatabaseOpen(const Application& app) {
 }
 
 void PrepareFormats(Application& app) {
-  app.encoding = EncodingOf(app, CurrentDatabase(app).schema);
-  app.formats = makeFormatSettings(app.preferences.formats, app.platform.locale.info(),
-                                   app.encoding.isUtf8());
+  const Database& database = CurrentDatabase(app);
+  app.encoding = EncodingOf(app, database.schema);
+  app.formats = QuerySettingsOf(app, database).formats;
+}
+
+QuerySettings QuerySettingsOf(const Application& app, const Database& database) {
+  QuerySettings settings;
+  settings.formats = makeFormatSettings(app.preferences.formats, app.platform.locale.info(),
+                                        EncodingOf(app, database.schema).isUtf8());
+  settings.now = app.platform.clock.local();
+  settings.week_starts_monday = app.preferences.week_starts_monday != 0;
+  return settings;
 }
 
 void ResetCurrentSlot(Application& app) {

@@ -11,6 +11,7 @@
 #include "interchange/text_encoding.h"
 #include "platform/platform.h"
 #include "query/format_settings.h"
+#include "query/query_settings.h"
 #include "services/preferences.h"
 
 namespace tabelion {
@@ -67,6 +68,9 @@ bool IsDatabaseOpen(const Application& app);
 
 // Prepares `formats` and `encoding` anew; run when the preferences or the current database changed.
 void PrepareFormats(Application& app);
+
+// What a query over this database takes from the preferences, the locale and the clock.
+QuerySettings QuerySettingsOf(const Application& app, const Database& database);
 
 // A fresh, empty database in the current slot, whose lock is released.
 void ResetCurrentSlot(Application& app);

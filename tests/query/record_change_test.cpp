@@ -1,0 +1,119 @@
+#include "query/record_change.h"
+
+#include <gtest/gtest.h>
+
+#include "query/filter.h"
+#include "query/formula_fixtures.h"
+#include "query/record_index.h"
+#include "support/fake_clock.h"
+#include "support/memory_files.h"
+
+namespace tabelion {
+namespace {
+
+std::string number(int value) {
+  std::string bytes(4, '\0');
+  storeLe32(reinterpret_cast<std::uint8_t*>(bytes.data()), static_cast<std::uint32_t>(value));
+  return bytes;
+}
+
+// Sorted by day; each balance is the one before plus the amount.
+struct Ledger {
+  MemoryFiles files;
+  FakeClock clock;
+  Engine engine{.files = files, .clock = clock, .random = [] { return 4u; }};
+  QuerySettings settings{.formats = isoSettings(), .now = clock.local(), .lookup = nullptr};
+  FormulaDatabase world;
+  Database& database = world.database;
+  int day = world.addField(kInteger);
+  int amount = world.addField(kInteger);
+  int balance = world.addFormula({previousOf(2), fieldOf(1), op(2)}, 1);
+  int serial = world.addField(kAutoNumber);
+  int twice = world.addFormula({fieldOf(3), fieldOf(3), op(2)}, 1);
+
+  Ledger() { database.schema.sort[0] = {static_cast<std::uint8_t>(day), 1}; }
+
+  std::uint32_t store(std::uint32_t position, int on_day, int amount_then) {
+    UnpackedRecord record = newRecord(database.schema);
+    if (position != kNoPosition) record = unpackRecord(database.records[position].bytes());
+    const std::string day_bytes = number(on_day);
+    const std::string amount_bytes = number(amount_then);
+    record.slots[0] = Bytes(day_bytes.begin(), day_bytes.end());
+    record.slots[1] = Bytes(amount_bytes.begin(), amount_bytes.end());
+    return storeRecord(database, engine, position, record, settings);
+  }
+  std::vector<std::string> column(int slot) const {
+    std::vector<std::string> texts;
+    for (std::uint32_t i = 0; i < database.records.count(); ++i) {
+      texts.push_back(world.stored(i, slot));
+    }
+    return texts;
+  }
+};
+using Texts = std::vector<std::string>;
+
+TEST(RecordChange, EveryChangeKeepsTheOrderAndTheRunningTotals) {
+  Ledger ledger;
+  EXPECT_EQ(ledger.store(kNoPosition, 10, 100), 0u);
+  EXPECT_EQ(ledger.store(kNoPosition, 30, 1), 1u);
+  EXPECT_EQ(ledger.store(kNoPosition, 20, 10), 1u) << "between the two";
+  EXPECT_EQ(ledger.column(ledger.balance), (Texts{"100", "110", "111"}));
+  EXPECT_EQ(ledger.column(ledger.twice), (Texts{"2", "6", "4"})) << "of the numbers just given";
+
+  EXPECT_EQ(ledger.store(0, 25, 100), 1u) << "a changed day moves the record";
+  EXPECT_EQ(ledger.column(ledger.balance), (Texts{"10", "110", "111"}));
+  deleteRecords(ledger.database, {0}, ledger.settings);
+  EXPECT_EQ(ledger.column(ledger.balance), (Texts{"100", "101"}));
+  EXPECT_TRUE(isDirty(ledger.database));
+}
+
+TEST(RecordChange, AStaleOrderIsMendedAndTheCurrentRecordFollowed) {
+  Ledger ledger;
+  for (const int day : {5, 3, 9}) ledger.world.addRecord({number(day), number(day), ""});
+  std::uint32_t current = 2;
+  refreshRecordIndex(ledger.database, ledger.settings, nullptr, &current);
+  EXPECT_EQ(ledger.column(ledger.balance), (Texts{"", "", ""})) << "nothing says that it is stale";
+  ledger.database.schema.sort_pending = 1;
+  ledger.database.schema.sort[0].order = 0;
+  refreshRecordIndex(ledger.database, ledger.settings, nullptr, &current);
+  EXPECT_EQ(ledger.column(ledger.balance), (Texts{"9", "14", "17"}));
+  EXPECT_EQ(current, 0u);
+  EXPECT_EQ(ledger.database.schema.sort_pending, 0);
+}
+
+TEST(RecordChange, GroupsAreChosenByTheFilter) {
+  Ledger ledger;
+  for (const int day : {1, 2, 3, 4}) ledger.store(kNoPosition, day, 1);
+  FilterBlock& criterion = ledger.database.schema.filters[0];
+  criterion.enabled = 1;
+  criterion.number1 = 2;
+  criterion.number2 = 3;
+  const auto group = [&](RecordGroup which) {
+    return positionsOfGroup(ledger.database, which, ledger.settings);
+  };
+  using Positions = std::vector<std::uint32_t>;
+  EXPECT_EQ(group(RecordGroup::kWithinFilter), (Positions{1, 2}));
+  EXPECT_EQ(group(RecordGroup::kOutsideFilter), (Positions{0, 3}));
+  EXPECT_EQ(group(RecordGroup::kAll), (Positions{0, 1, 2, 3}));
+  deleteRecords(ledger.database, group(RecordGroup::kOutsideFilter), ledger.settings);
+  EXPECT_EQ(ledger.database.records.count(), 2u);
+}
+
+TEST(RecordChange, DefaultsFillEmptyValuesButNoEncipheredOnes) {
+  Ledger ledger;
+  FieldDefinition& field = ledger.world.field(ledger.day);
+  field.type = kDate;
+  setFieldDefaultOption(field, 2);
+  UnpackedRecord record = newRecord(ledger.database.schema);
+  fillDefaults(ledger.database.schema, record, {.year = 2024, .month = 2, .day = 29});
+  EXPECT_EQ(loadLe32(record.slots[0]->data()), daysSince1904(2, 29, 2024));
+  record.slots[0] = Bytes(4);
+  record.prefix[0] = kStampedPrefix;
+  record.prefix[1 + kStampFlagOffset] = kRecordEncrypted;
+  field.encrypt_flag = 1;
+  fillDefaults(ledger.database.schema, record, {.year = 2024, .month = 2, .day = 29});
+  EXPECT_EQ(*record.slots[0], Bytes(4)) << "these zeros are cipher text";
+}
+
+}  // namespace
+}  // namespace tabelion
