@@ -30,5 +30,7 @@ CommandBody declareCreate(OptionList list);
 CommandBody declareImport(OptionList list);
 CommandBody declareExport(OptionList list);
 CommandBody declareRewrite(OptionList list);
+CommandBody declareReport(OptionList list);
+CommandBody declareView(OptionList list);
 
 }  // namespace tabelion

@@ -21,6 +21,8 @@ constexpr Command kCommands[] = {
     {"import", "Add the rows of a CSV text as records", declareImport},
     {"export", "Write the records as CSV, JSON or SQL", declareExport},
     {"rewrite", "Open a database and save it under another name", declareRewrite},
+    {"view", "List, choose, make and change views", declareView},
+    {"report", "Show statistics over one field", declareReport},
 };
 
 std::string footer() {

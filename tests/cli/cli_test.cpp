@@ -1,18 +1,12 @@
-// The program in process: a command line in; exit code, output and messages out.
-
-#include "cli/run.h"
+// The commands over whole files, and what all commands share.
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
 
 #include "cli/command.h"
+#include "cli_run.h"
 #include "engine/check.h"
-#include "support/fake_clock.h"
-#include "support/fixed_locale.h"
-#include "support/memory_files.h"
-#include "support/memory_settings.h"
 
 namespace tabelion {
 namespace {
@@ -21,18 +15,7 @@ using nlohmann::json;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
 
-class StringSink : public TextSink {
- public:
-  bool write(std::string_view bytes) override {
-    if (!is_open) return false;
-    text += bytes;
-    return true;
-  }
-  std::string text;
-  bool is_open = true;
-};
-
-class Cli : public ::testing::Test {
+class Cli : public CliRun {
  protected:
   Cli() {
     files.put("/in/contacts.json", std::string(R"({"name": "Contacts", "category": "Privé",
@@ -41,43 +24,18 @@ class Cli : public ::testing::Test {
     files.put("/in/contacts.csv", std::string("Name,Born,Group\nZoë,1970-05-17,Family\nBob,,\n"));
   }
 
-  int run(const std::vector<std::string>& arguments) {
-    out = {};
-    err = {};
-    out.is_open = out_is_open;
-    Streams streams{out, err,
-                    [this]() -> Result<FileImage> {
-                      files.put("/stdin", input);
-                      return files.read("/stdin");
-                    },
-                    false};
-    CliPlatform platform{files, clock, locale, settings, [] { return 4u; }};
-    return static_cast<int>(runCli(arguments, platform, streams));
-  }
   void create(const std::string& path = "/C.PDB") {
     ASSERT_EQ(run({"create", path, "--schema", "/in/contacts.json", "--data", "/in/contacts.csv"}),
               0)
         << err.text;
     EXPECT_EQ(out.text, "") << "data only";
   }
-  std::string exported(const std::string& path = "/C.PDB") {
-    EXPECT_EQ(run({"export", path, "--format", "csv"}), 0) << err.text;
-    return out.text;
-  }
+  std::string exported(const std::string& path = "/C.PDB") { return CliRun::exported(path); }
   void change(const std::string& path, std::size_t offset, std::uint8_t byte) {
     auto bytes = files.bytes(path);
     bytes.at(offset) = byte;
     files.put(path, bytes);
   }
-
-  MemoryFiles files;
-  FakeClock clock;
-  FixedLocale locale;
-  MemorySettings settings;
-  std::string input;
-  StringSink out;
-  StringSink err;
-  bool out_is_open = true;
 };
 
 TEST_F(Cli, DatabaseIsMadeShownExportedAndMadeAgain) {

@@ -1,0 +1,131 @@
+// report: statistics over one field.
+
+#include <algorithm>
+
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+
+#include "cli/command.h"
+#include "cli/context.h"
+#include "cli/field_choice.h"
+#include "cli/json_output.h"
+#include "engine/schema_places.h"
+#include "query/report.h"
+
+namespace tabelion {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+struct ReportOptions {
+  std::string file;
+  std::string field;
+  bool json = false;
+};
+
+Json dateJson(std::int64_t day) {
+  if (day <= 0) return nullptr;
+  const CalendarDate date = dateOfDayCount(static_cast<std::uint32_t>(day));
+  return fmt::format("{:04}-{:02}-{:02}", date.year, date.month, date.day);
+}
+
+template <class Numbers>
+void putNumbers(Json& json, const Numbers& numbers) {
+  json["minimum"] = numbers.minimum;
+  json["maximum"] = numbers.maximum;
+  json["sum"] = numbers.sum;
+  json["minimum_total"] = numbers.least_total;
+  json["maximum_total"] = numbers.most_total;
+  json["average"] = numbers.average;
+}
+
+Json figuresJson(const ReportFigures& figures, const std::string& field) {
+  Json json = versionedJson();
+  json["field"] = field;
+  json["reported_as"] = fieldTypeName(figures.type);
+  json["records"] = figures.count;
+  const ReportNumbers<std::int64_t>& whole = figures.whole;
+  switch (figures.type) {
+    case kInteger:
+      putNumbers(json, whole);
+      break;
+    case kFloat:
+      putNumbers(json, figures.real);
+      break;
+    case kCheckBox:
+      json["checked"] = figures.checked;
+      json["not_checked"] = figures.count - figures.checked;
+      break;
+    case kDate:
+      json["minimum"] = dateJson(whole.minimum);
+      json["maximum"] = dateJson(whole.maximum);
+      json["days_spanned"] = figures.count == 0 ? 0 : whole.maximum - whole.minimum;
+      break;
+    default:
+      json["minimum_seconds"] = whole.minimum;
+      json["maximum_seconds"] = whole.maximum;
+      json["average_seconds"] = whole.average;
+      json["total_seconds"] = whole.sum;
+      break;
+  }
+  return json;
+}
+
+Error notReported(const Database& database, const TextEncoding& encoding, int slot) {
+  const auto nameOf = [&](int of) {
+    return encoding.toUtf8(fieldName(database.schema.fields[static_cast<std::size_t>(of)]));
+  };
+  std::vector<std::string> names;
+  for (const int reported : reportFields(database.schema)) names.push_back(nameOf(reported));
+  const int type = database.schema.fields[static_cast<std::size_t>(slot)].type;
+  return makeError(ErrorKind::kRefused,
+                   fmt::format("\"{}\" is a field of type {}, of which there are no reports{}",
+                               nameOf(slot), fieldTypeName(type),
+                               names.empty() ? "" : "; there are of " + alternatives(names)));
+}
+
+// With the line ends of a terminal.
+void putText(OutputBuffer& out, std::string text) {
+  std::erase(text, '\r');
+  out.put(text);
+  if (!text.ends_with('\n')) out.put('\n');
+}
+
+ExitCode runReportCommand(const ReportOptions& options, CliContext& context) {
+  ExitCode failure{};
+  const auto database = context.open(options.file, failure);
+  if (!database) return failure;
+  const auto encoding = context.encodingOf(*database);
+  if (!encoding.ok()) return context.fail(encoding.error());
+  const auto slot = chooseField(*database, *encoding, options.field);
+  if (!slot.ok()) {
+    return context.fail({slot.error().kind, options.file + ": " + slot.error().text});
+  }
+  const QuerySettings settings = context.querySettings(*encoding);
+  const ReportFigures figures = reportFigures(*database, *slot, settings);
+  if (figures.type == kUnused) {
+    Error error = notReported(*database, *encoding, *slot);
+    error.text = options.file + ": " + error.text;
+    return context.fail(error);
+  }
+  const FieldDefinition& field = database->schema.fields[static_cast<std::size_t>(*slot)];
+  if (options.json) {
+    putJson(context.out, figuresJson(figures, encoding->toUtf8(fieldName(field))));
+  } else {
+    putText(context.out, encoding->toUtf8(reportText(figures, field, settings.formats)));
+  }
+  return context.finishOutput();
+}
+
+}  // namespace
+
+CommandBody declareReport(OptionList list) {
+  const auto options = std::make_shared<ReportOptions>();
+  list.required("FILE", options->file, "The database");
+  list.required("FIELD", options->field,
+                "The field: an integer, float, check box, date, time or calculated one");
+  list.flag("--json", options->json, "The figures as JSON");
+  return [options](CliContext& context) { return runReportCommand(*options, context); };
+}
+
+}  // namespace tabelion

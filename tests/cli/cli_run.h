@@ -1,0 +1,66 @@
+// The program in process for tests: a command line in; exit code, output and messages out.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "cli/run.h"
+#include "support/fake_clock.h"
+#include "support/fixed_locale.h"
+#include "support/memory_files.h"
+#include "support/memory_settings.h"
+
+namespace tabelion {
+
+class StringSink : public TextSink {
+ public:
+  bool write(std::string_view bytes) override {
+    if (!is_open) return false;
+    text += bytes;
+    return true;
+  }
+  std::string text;
+  bool is_open = true;
+};
+
+class CliRun : public ::testing::Test {
+ protected:
+  // `out` and `err` are those of the last run.
+  int run(const std::vector<std::string>& arguments) {
+    out = {};
+    err = {};
+    out.is_open = out_is_open;
+    Streams streams{out, err,
+                    [this]() -> Result<FileImage> {
+                      files.put("/stdin", input);
+                      return files.read("/stdin");
+                    },
+                    false};
+    CliPlatform platform{files, clock, locale, settings, [] { return 4u; }};
+    return static_cast<int>(runCli(arguments, platform, streams));
+  }
+  // Makes a database from a description and CSV.
+  void createFrom(const std::string& path, const std::string& description, const std::string& csv) {
+    files.put("/description.json", description);
+    files.put("/data.csv", csv);
+    ASSERT_EQ(run({"create", path, "--schema", "/description.json", "--data", "/data.csv"}), 0)
+        << err.text;
+  }
+  std::string exported(const std::string& path) {
+    EXPECT_EQ(run({"export", path, "--format", "csv"}), 0) << err.text;
+    return out.text;
+  }
+
+  MemoryFiles files;
+  FakeClock clock;
+  FixedLocale locale;
+  MemorySettings settings;
+  std::string input;
+  StringSink out;
+  StringSink err;
+  bool out_is_open = true;
+};
+
+}  // namespace tabelion
