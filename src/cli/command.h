@@ -31,6 +31,7 @@ CommandBody declareImport(OptionList list);
 CommandBody declareExport(OptionList list);
 CommandBody declareRewrite(OptionList list);
 CommandBody declareReport(OptionList list);
+CommandBody declareSort(OptionList list);
 CommandBody declareView(OptionList list);
 
 }  // namespace tabelion

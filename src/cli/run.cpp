@@ -23,6 +23,7 @@ constexpr Command kCommands[] = {
     {"rewrite", "Open a database and save it under another name", declareRewrite},
     {"view", "List, choose, make and change views", declareView},
     {"report", "Show statistics over one field", declareReport},
+    {"sort", "Put the records into an order, and keep them in it", declareSort},
 };
 
 std::string footer() {
