@@ -1,0 +1,214 @@
+#include "cli/filter_values.h"
+
+#include <charconv>
+
+#include <fmt/format.h>
+
+#include "engine/calendar.h"
+#include "engine/schema_places.h"
+#include "query/date_text.h"
+#include "query/number_text.h"
+#include "query/time_text.h"
+#include "query/typed_tokens.h"
+
+namespace tabelion {
+namespace {
+
+constexpr std::int64_t kLastSecond = 24 * 3600 - 1;
+
+using Area = std::array<std::uint8_t, 40>;
+
+std::int64_t secondsIn(const Area& area) {
+  return area[0] + 60 * (area[1] + 60 * std::int64_t{area[2]});
+}
+
+void storeSeconds(std::int64_t seconds, Area& area) {
+  area = {static_cast<std::uint8_t>(seconds % 60), static_cast<std::uint8_t>(seconds / 60 % 60),
+          static_cast<std::uint8_t>(seconds / 3600)};
+}
+
+const FormatSettings& iso() {
+  static const FormatSettings settings = isoSettings();
+  return settings;
+}
+
+std::optional<std::int64_t> secondsOfDuration(std::string_view text) {
+  const auto [tokens, rest] = splitTyped(text, ':');
+  for (const std::string_view token : tokens) {
+    if (!isDigits(token, 3)) return std::nullopt;
+  }
+  const std::int64_t minutes = leadingInteger(tokens[1]);
+  const std::int64_t seconds = leadingInteger(tokens[2]);
+  if (!rest.empty() || minutes > 59 || seconds > 59) return std::nullopt;
+  return (leadingInteger(tokens[0]) * 60 + minutes) * 60 + seconds;
+}
+
+}  // namespace
+
+CriterionKind criterionKind(const FieldDefinition& field) {
+  switch (field.type) {
+    case kText:
+    case kLongText:
+    case kTextVariant:
+    case kText254:
+    case kLinkField:
+      return CriterionKind::kText;
+    case kInteger:
+      return CriterionKind::kInteger;
+    case kFloat:
+      return CriterionKind::kNumber;
+    case kPopup:
+      return CriterionKind::kItem;
+    case kCheckBox:
+      return CriterionKind::kCheckBox;
+    case kAutoNumber:
+      return CriterionKind::kAutoNumber;
+    case kDate:
+      return CriterionKind::kDate;
+    case kTime:
+      return CriterionKind::kTime;
+    case kCalculated:
+      break;
+    default:
+      return CriterionKind::kNothing;
+  }
+  switch (effectiveType(field)) {
+    case kFloat:
+      return CriterionKind::kNumber;
+    case kInteger:
+      return CriterionKind::kInteger;
+    case kTime:
+      return CriterionKind::kDuration;
+    case kDate:
+      return CriterionKind::kDays;
+    default:
+      return CriterionKind::kNothing;
+  }
+}
+
+WholeRange allValues(CriterionKind kind) {
+  switch (kind) {
+    case CriterionKind::kInteger:
+      return {INT32_MIN, INT32_MAX};
+    case CriterionKind::kDate:
+    case CriterionKind::kDays:
+      return {1, UINT32_MAX};
+    case CriterionKind::kTime:
+      return {0, kLastSecond};
+    case CriterionKind::kDuration:
+      return {0, kLongestDuration};
+    default:
+      return {0, UINT32_MAX};
+  }
+}
+
+WholeRange storedRange(CriterionKind kind, const FilterBlock& criterion) {
+  switch (kind) {
+    case CriterionKind::kInteger:
+      return {static_cast<std::int32_t>(criterion.number1),
+              static_cast<std::int32_t>(criterion.number2)};
+    case CriterionKind::kDate:
+    case CriterionKind::kDays:
+      return {loadLe32(criterion.value1.data()), loadLe32(criterion.value2.data())};
+    case CriterionKind::kTime:
+      return {secondsIn(criterion.value1), secondsIn(criterion.value2)};
+    case CriterionKind::kDuration:
+      return {secondsOfTime(timeOfValue(criterion.value1)),
+              secondsOfTime(timeOfValue(criterion.value2))};
+    default:
+      return {criterion.number1, criterion.number2};
+  }
+}
+
+void storeRange(CriterionKind kind, const WholeRange& range, FilterBlock& criterion) {
+  switch (kind) {
+    case CriterionKind::kDate:
+    case CriterionKind::kDays:
+      criterion.number1 = 0;  // dates of one's own
+      storeLe32(criterion.value1.data(), static_cast<std::uint32_t>(range.low));
+      storeLe32(criterion.value2.data(), static_cast<std::uint32_t>(range.high));
+      break;
+    case CriterionKind::kTime:
+    case CriterionKind::kDuration:
+      storeSeconds(range.low, criterion.value1);
+      storeSeconds(range.high, criterion.value2);
+      break;
+    default:
+      criterion.number1 = static_cast<std::uint32_t>(range.low);
+      criterion.number2 = static_cast<std::uint32_t>(range.high);
+      break;
+  }
+}
+
+std::string wholeText(CriterionKind kind, std::int64_t value) {
+  switch (kind) {
+    case CriterionKind::kDate:
+    case CriterionKind::kDays: {
+      const CalendarDate date = dateOfDayCount(static_cast<std::uint32_t>(value));
+      return fmt::format("{:04}-{:02}-{:02}", date.year, date.month, date.day);
+    }
+    case CriterionKind::kTime:
+      if (value >= kNoTimeSeconds) return std::string(kNoTimeText);
+      return fmt::format("{:02}:{:02}:{:02}", value / 3600, value / 60 % 60, value % 60);
+    case CriterionKind::kDuration:
+      return durationText(value);
+    default:
+      return std::to_string(value);
+  }
+}
+
+std::optional<std::int64_t> wholeOfText(CriterionKind kind, std::string_view text) {
+  switch (kind) {
+    case CriterionKind::kDate:
+    case CriterionKind::kDays: {
+      if (text.find('-') != 4) return std::nullopt;
+      const auto date = exactDateOfText(text, iso());
+      if (!date) return std::nullopt;
+      return daysSince1904(date->month, date->day, date->year);
+    }
+    case CriterionKind::kTime: {
+      if (!isDigits(text.substr(0, 1), 1) || !isExactTime(text, iso())) return std::nullopt;
+      const TypedTime time = timeOfText(text, iso());
+      return (time.hour * 60 + time.minute) * 60 + (time.second < 0 ? 0 : time.second);
+    }
+    case CriterionKind::kDuration: {
+      const auto seconds = secondsOfDuration(text);
+      return seconds && *seconds <= kLongestDuration ? seconds : std::nullopt;
+    }
+    default: {
+      std::int64_t value = 0;
+      const auto read = std::from_chars(text.data(), text.data() + text.size(), value);
+      const WholeRange all = allValues(kind);
+      if (read.ec != std::errc{} || read.ptr != text.data() + text.size() || value < all.low ||
+          value > all.high) {
+        return std::nullopt;
+      }
+      return value;
+    }
+  }
+}
+
+std::string_view expectedValue(CriterionKind kind) {
+  switch (kind) {
+    case CriterionKind::kDate:
+      return "a date such as 2024-05-17, or a range such as \"last 30 days\"";
+    case CriterionKind::kDays:
+      return "a date such as 2024-05-17";
+    case CriterionKind::kTime:
+      return "a time such as 17:05";
+    case CriterionKind::kDuration:
+      return "a duration such as 1:30:00";
+    case CriterionKind::kInteger:
+      return "a whole number from -2147483648 to 2147483647";
+    case CriterionKind::kAutoNumber:
+      return "a whole number from 0 to 4294967295";
+    case CriterionKind::kNumber:
+      return "a number such as 12.50";
+    case CriterionKind::kCheckBox:
+      return "\"checked\" or \"unchecked\"";
+    default:
+      return "a text";
+  }
+}
+
+}  // namespace tabelion
