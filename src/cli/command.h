@@ -22,6 +22,10 @@ struct Command {
 // In the order of --help.
 std::span<const Command> commands();
 
+// The whole program as its options and commands ask for things, for what is made from that: the
+// manual page and the shells' completions.
+CommandForm programForm();
+
 CommandBody declareInfo(OptionList list);
 CommandBody declareDump(OptionList list);
 CommandBody declareCheck(OptionList list);
@@ -30,6 +34,8 @@ CommandBody declareCreate(OptionList list);
 CommandBody declareImport(OptionList list);
 CommandBody declareExport(OptionList list);
 CommandBody declareRewrite(OptionList list);
+CommandBody declareCompletions(OptionList list);
+CommandBody declareManual(OptionList list);
 CommandBody declareReport(OptionList list);
 CommandBody declareSort(OptionList list);
 CommandBody declareView(OptionList list);

@@ -1,7 +1,6 @@
 #include "cli/run.h"
 
 #include <algorithm>
-#include <list>
 #include <sstream>
 
 #include <fmt/format.h>
@@ -11,6 +10,9 @@
 
 namespace tabelion {
 namespace {
+
+constexpr const char* kProgramName = "tabelion-cli";
+constexpr const char* kProgramSummary = "Work with Tabelion databases from the command line.";
 
 constexpr Command kCommands[] = {
     {"info", "Show what a database is: name, dates, counts, protection", declareInfo},
@@ -23,6 +25,8 @@ constexpr Command kCommands[] = {
     {"rewrite", "Open a database and save it under another name", declareRewrite},
     {"view", "List, choose, make and change views", declareView},
     {"report", "Show statistics over one field", declareReport},
+    {"completions", "Write what lets a shell complete command lines", declareCompletions},
+    {"manual", "Write the manual page", declareManual},
     {"sort", "Put the records into an order, and keep them in it", declareSort},
 };
 
@@ -35,42 +39,58 @@ std::string footer() {
   return text;
 }
 
+// The parser with all commands declared, and what they declared.
+struct Parser {
+  CLI::App app{kProgramSummary, kProgramName};
+  std::string code_page;
+  CommandForm form{kProgramName, kProgramSummary, {}, {}};
+  std::vector<std::pair<CLI::App*, CommandBody>> bodies;
+
+  Parser() {
+    app.set_version_flag("--version", std::string("tabelion-cli ") + TABELION_VERSION);
+    app.footer(footer());
+    app.require_subcommand(1);
+    app.fallthrough();
+    OptionList(app, form).optional(
+        "--code-page NAME", code_page,
+        "Code page of databases that name none (default: the user's setting, else 1252)");
+    // The parser has these two on its own.
+    form.options.push_back(
+        {"--help", "", "Print help, also of a command, and exit", false, false, {}});
+    form.options.push_back({"--version", "", "Print the version and exit", false, false, {}});
+    for (const Command& command : commands()) {
+      CLI::App* sub = app.add_subcommand(command.name, command.summary);
+      form.actions.push_back({command.name, command.summary, {}, {}});
+      bodies.emplace_back(sub, command.declare(OptionList(*sub, form.actions.back())));
+    }
+  }
+};
+
 }  // namespace
 
 std::span<const Command> commands() {
   return kCommands;
 }
 
-ExitCode runCli(std::vector<std::string> arguments, CliPlatform& platform, Streams& streams) {
-  CLI::App app("Work with Tabelion databases from the command line.", "tabelion-cli");
-  app.set_version_flag("--version", std::string("tabelion-cli ") + TABELION_VERSION);
-  app.footer(footer());
-  app.require_subcommand(1);
-  app.fallthrough();
-  std::string code_page;
-  app.add_option("--code-page", code_page,
-                 "Code page of databases that name none (default: the user's setting, else 1252)")
-      ->type_name("NAME");
+CommandForm programForm() {
+  return Parser().form;
+}
 
-  std::list<CommandForm> forms;
-  std::vector<std::pair<CLI::App*, CommandBody>> bodies;
-  for (const Command& command : commands()) {
-    CLI::App* sub = app.add_subcommand(command.name, command.summary);
-    bodies.emplace_back(sub, command.declare(OptionList(*sub, forms.emplace_back())));
-  }
+ExitCode runCli(std::vector<std::string> arguments, CliPlatform& platform, Streams& streams) {
+  Parser parser;
   try {
     std::reverse(arguments.begin(), arguments.end());  // as the parser wants them
-    app.parse(arguments);
+    parser.app.parse(arguments);
   } catch (const CLI::ParseError& error) {
     std::ostringstream out;
     std::ostringstream err;
-    const int code = app.exit(error, out, err);
+    const int code = parser.app.exit(error, out, err);
     const bool written = streams.out.write(out.str()) && streams.err.write(err.str());
     if (code != 0) return ExitCode::kUsage;
     return written ? ExitCode::kDone : ExitCode::kCannotWrite;
   }
-  CliContext context(platform, streams, code_page);
-  for (const auto& [sub, body] : bodies) {
+  CliContext context(platform, streams, parser.code_page);
+  for (const auto& [sub, body] : parser.bodies) {
     if (!sub->parsed()) continue;
     const ExitCode code = body(context);
     context.clearProgress();

@@ -120,6 +120,32 @@ TEST(Reference, ListsTheCommandsAndExitCodesOfTheProgram) {
   }
 }
 
+// The options that a command and the actions in it take.
+void collectOptions(const CommandForm& form, std::vector<std::string>& into) {
+  for (const OptionForm& option : form.options) {
+    // An argument that is one of a few words stands there as these.
+    into.push_back(option.isArgument() && !option.words.empty() ? option.words.back()
+                                                                : option.name);
+    EXPECT_NE(option.help, "") << option.name;
+  }
+  for (const CommandForm& action : form.actions) collectOptions(action, into);
+}
+
+TEST(Reference, NamesEveryOptionInTheUsageOfItsCommand) {
+  const std::string text = referenceText();
+  for (const CommandForm& command : programForm().actions) {
+    const std::size_t begin = text.find("\n## " + command.name + "\n\n");
+    ASSERT_NE(begin, std::string::npos) << command.name;
+    const std::string usage =
+        text.substr(begin, text.find("\n\n", begin + command.name.size() + 8) - begin);
+    std::vector<std::string> options;
+    collectOptions(command, options);
+    for (const std::string& option : options) {
+      EXPECT_NE(usage.find(option), std::string::npos) << command.name << ' ' << option;
+    }
+  }
+}
+
 TEST(Reference, ExamplesPrintWhatTheySay) {
   MemoryFiles files;
   std::istringstream document(referenceText());

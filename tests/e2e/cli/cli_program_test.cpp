@@ -156,5 +156,43 @@ TEST_F(Languages, WesternCodePageNamesExactlyThoseItLacks) {
   EXPECT_EQ(json::parse(output)["records"], count - foreign_lines.size());
 }
 
+TEST_F(CliProgram, BashCompletesCommandsOptionsWordsAndFiles) {
+  if (shell("command -v bash") != 0) GTEST_SKIP() << "no bash here";
+  folder.write("complete", R"(
+    source <("$cli" completions bash)
+    complete() { COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _tabelion_cli; echo "${COMPREPLY[*]}"; }
+    complete tabelion-cli ex
+    complete tabelion-cli --code-page 1252 sch
+    complete tabelion-cli export a.PDB --format = j
+    complete tabelion-cli export a.PDB --format ''
+    complete tabelion-cli import a.PDB a.c
+    complete tabelion-cli view a.PDB s
+    complete tabelion-cli view a.PDB set export --live
+    complete tabelion-cli view a.PDB set list --live-update o
+    complete tabelion-cli report a.PDB ''
+    complete tabelion-cli inf --ver
+  )");
+  ASSERT_EQ(shell("cli=\"$cli\" bash complete"), 0) << errors;
+  EXPECT_EQ(output,
+            "export\nschema\njson\ncsv json sql\na.csv\nset\n--live-update\non off\n\n--version\n");
+  EXPECT_EQ(errors, "");
+}
+
+TEST_F(CliProgram, ManualAndCompletionsAreWhatTheirReadersAccept) {
+  const std::pair<const char*, const char*> readers[] = {
+      {"zsh", "\"$cli\" completions zsh > z && zsh -n z"},
+      {"fish", "\"$cli\" completions fish > f && fish -n f"},
+      {"groff", "\"$cli\" manual | groff -man -ww -Tascii -z"},
+      {"mandoc", "\"$cli\" manual | mandoc -Tlint -Werror"}};
+  int accepted = 0;
+  for (const auto& [reader, line] : readers) {
+    if (shell(std::string("command -v ") + reader) != 0) continue;
+    EXPECT_EQ(shell(line), 0) << output << errors;
+    EXPECT_EQ(errors, "") << reader;
+    ++accepted;
+  }
+  if (accepted == 0) GTEST_SKIP() << "none of the readers is here";
+}
+
 }  // namespace
 }  // namespace tabelion
