@@ -1,11 +1,9 @@
 #include "interchange/table_export.h"
 
-#include <array>
-
 #include <fmt/format.h>
 
 #include "engine/calendar.h"
-#include "interchange/csv_reader.h"
+#include "interchange/csv_cells.h"
 #include "interchange/json_cells.h"
 #include "interchange/table_rows.h"
 
@@ -28,15 +26,6 @@ class Writer {
   OutputBuffer& to_;
 };
 
-constexpr std::uint8_t kCsvSpecial = 1;
-constexpr std::uint8_t kNotAscii = 2;
-constexpr std::array<std::uint8_t, 256> kCharacterKinds = [] {
-  std::array<std::uint8_t, 256> kinds{};
-  for (const unsigned char c : {',', '"', '\n', '\r'}) kinds[c] = kCsvSpecial;
-  for (std::size_t c = 0x80; c < kinds.size(); ++c) kinds[c] = kNotAscii;
-  return kinds;
-}();
-
 class CsvWriter : public Writer {
  public:
   using Writer::Writer;
@@ -44,7 +33,7 @@ class CsvWriter : public Writer {
   void begin() override {
     for (std::size_t i = 0; i < columnCount(); ++i) {
       if (i > 0) to_.put(',');
-      putText(rows_.columns()[i].name, csvNeedsQuotes(rows_.columns()[i].name));
+      putCsvText(to_, rows_.columns()[i].name);
     }
     to_.put('\n');
   }
@@ -52,43 +41,12 @@ class CsvWriter : public Writer {
   void putRow(bool) override {
     for (std::size_t i = 0; i < columnCount(); ++i) {
       if (i > 0) to_.put(',');
-      const CellText cell = rows_.cell(i);
-      if (cell.is_plain) {
-        to_.put(cell.text);
-      } else {
-        putCell(cell);
-      }
+      putCsvCell(to_, rows_, i, columnCount() == 1);
     }
     to_.put('\n');
   }
 
   void end() override {}
-
- private:
-  void putCell(const CellText& cell) {
-    std::uint8_t kinds = 0;
-    for (const char c : cell.text) kinds |= kCharacterKinds[static_cast<unsigned char>(c)];
-    const bool convert = (kinds & kNotAscii) != 0 && !cell.is_utf8;
-    putText(convert ? rows_.utf8(cell) : cell.text, (kinds & kCsvSpecial) != 0);
-  }
-
-  void putText(std::string_view text, bool quoted) {
-    // A line of nothing would be no row.
-    if (columnCount() == 1 && text.empty()) quoted = true;
-    if (!quoted) {
-      to_.put(text);
-      return;
-    }
-    to_.put('"');
-    for (;;) {
-      const std::size_t quote = text.find('"');
-      to_.put(text.substr(0, quote));
-      if (quote == std::string_view::npos) break;
-      to_.put("\"\"");
-      text.remove_prefix(quote + 1);
-    }
-    to_.put('"');
-  }
 };
 
 class JsonWriter : public Writer {

@@ -1,7 +1,8 @@
 #include "screens/form_layout.h"
 
 #include <algorithm>
-#include <bitset>
+
+#include "query/list_columns.h"
 
 namespace tabelion {
 namespace {
@@ -68,18 +69,6 @@ struct RunningTops {
 
 }  // namespace
 
-std::vector<int> SlotsInDisplayOrder(const DatabaseRecord& schema) {
-  std::vector<int> slots;
-  std::bitset<kFieldSlots> seen;  // a file may name a slot twice
-  for (const std::size_t slot : schema.display_order) {
-    if (slot < kFieldSlots && isValidType(schema.fields[slot].type) && !seen[slot]) {
-      slots.push_back(static_cast<int>(slot));
-      seen.set(slot);
-    }
-  }
-  return slots;
-}
-
 FormLayout LayoutEditForm(const DatabaseRecord& schema, int screen_width) {
   const int form_width = screen_width - 8;
   const int adjustment =
@@ -87,7 +76,7 @@ FormLayout LayoutEditForm(const DatabaseRecord& schema, int screen_width) {
   const int value_width = (adjustment + 80) * form_width / 160;
   FormLayout layout;
   RunningTops tops;
-  for (const int slot : SlotsInDisplayOrder(schema)) {
+  for (const int slot : slotsInDisplayOrder(schema)) {
     const FieldDefinition& field = schema.fields[static_cast<std::size_t>(slot)];
     if (field.record_view_flag == 0) continue;
     if (field.type == kSeparator) {

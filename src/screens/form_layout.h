@@ -31,7 +31,4 @@ struct FormLayout {
 // Rows for every field in display order that the form shows, on a screen of this width.
 FormLayout LayoutEditForm(const DatabaseRecord& schema, int screen_width);
 
-// The slots in display order whose fields exist.
-std::vector<int> SlotsInDisplayOrder(const DatabaseRecord& schema);
-
 }  // namespace tabelion

@@ -1,7 +1,6 @@
 #include "screens/list_columns.h"
 
 #include "query/field_text.h"
-#include "screens/form_layout.h"
 #include "services/screen_text.h"
 
 namespace tabelion {
@@ -12,25 +11,12 @@ constexpr Color kEvenRow{224, 224, 224};
 constexpr Color kOddRow{255, 255, 255};
 constexpr Color kInk{0, 0, 0};
 
-bool hasListText(int type) {
-  return type != kNote && type != kLinkedField && type != kSeparator && type != kExternal;
-}
-
 Color backgroundOf(int row, bool selected) {
   if (selected) return kSelectedRow;
   return row % 2 == 0 ? kEvenRow : kOddRow;
 }
 
 }  // namespace
-
-std::vector<int> ListedSlots(const DatabaseRecord& schema) {
-  std::vector<int> slots = SlotsInDisplayOrder(schema);
-  std::erase_if(slots, [&](int slot) {
-    const FieldDefinition& field = schema.fields[static_cast<std::size_t>(slot)];
-    return field.column_width < 1 || !hasListText(field.type);
-  });
-  return slots;
-}
 
 int ColumnPixels(const FieldDefinition& field) {
   return field.column_width * 3 / 2;

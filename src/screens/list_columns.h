@@ -8,10 +8,6 @@
 
 namespace tabelion {
 
-// The slots that the list shows, in display order: fields with a column width, of a type that has
-// a text for a list.
-std::vector<int> ListedSlots(const DatabaseRecord& schema);
-
 // A column's width on the screen.
 int ColumnPixels(const FieldDefinition& field);
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "query/field_text.h"
+#include "query/list_columns.h"
 #include "screens/list_columns.h"
 #include "services/screen_text.h"
 
@@ -19,7 +20,7 @@ void foldCase(std::string& text) {
 int findSlot(const DatabaseRecord& schema) {
   const int sorted_by = schema.sort[0].field;
   if (sorted_by < kFieldSlots && isValidType(schema.fields[sorted_by].type)) return sorted_by;
-  const std::vector<int> slots = ListedSlots(schema);
+  const std::vector<int> slots = listedSlots(schema);
   return slots.empty() ? -1 : slots.front();
 }
 

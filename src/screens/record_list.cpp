@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "query/list_columns.h"
 #include "screens/ask_password.h"
 #include "screens/edit_record.h"
 #include "screens/form_layout.h"
@@ -114,7 +115,7 @@ void RecordListScreen::FillRecordList(Dialog& dialog) {
   ListControl& list = dialog.list(kRecordList);
   list.setVisible(false);
   dialog.control(kNameLabel).setText(ScreenText(app_, areaText(database.header.name)));
-  slots_ = ListedSlots(database.schema);
+  slots_ = listedSlots(database.schema);
   list.setColumns(MakeListColumns(app_, database.schema, slots_));
   list.setRowCount(static_cast<int>(database.record_index.size()));
   SelectListRow(dialog, RowOfCurrentRecord());
