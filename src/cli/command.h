@@ -38,6 +38,9 @@ CommandBody declareCompletions(OptionList list);
 CommandBody declareManual(OptionList list);
 CommandBody declareReport(OptionList list);
 CommandBody declareSort(OptionList list);
+CommandBody declareSet(OptionList list);
+CommandBody declareAdd(OptionList list);
+CommandBody declareDelete(OptionList list);
 CommandBody declareView(OptionList list);
 
 }  // namespace tabelion

@@ -24,6 +24,11 @@ int main(int argc, char** argv) {
   tabelion::DescriptorSink err(STDERR_FILENO);
   tabelion::Streams streams{out, err, [] { return tabelion::readDescriptor(STDIN_FILENO); },
                             isatty(STDERR_FILENO) == 1};
+  if (isatty(STDIN_FILENO) == 1 && streams.err_is_terminal) {
+    streams.confirm = [](std::string_view question) {
+      return tabelion::confirmOnTerminal(STDIN_FILENO, STDERR_FILENO, question);
+    };
+  }
   const std::vector<std::string> arguments(argv + 1, argv + argc);
   return static_cast<int>(tabelion::runCli(arguments, platform, streams));
 }

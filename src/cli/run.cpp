@@ -25,9 +25,12 @@ constexpr Command kCommands[] = {
     {"rewrite", "Open a database and save it under another name", declareRewrite},
     {"view", "List, choose, make and change views", declareView},
     {"report", "Show statistics over one field", declareReport},
+    {"sort", "Put the records into an order, and keep them in it", declareSort},
+    {"set", "Change fields of one record", declareSet},
+    {"add", "Add one record", declareAdd},
+    {"delete", "Delete records", declareDelete},
     {"completions", "Write what lets a shell complete command lines", declareCompletions},
     {"manual", "Write the manual page", declareManual},
-    {"sort", "Put the records into an order, and keep them in it", declareSort},
 };
 
 std::string footer() {

@@ -5,7 +5,10 @@
 #include <algorithm>
 #include <cerrno>
 #include <memory>
+#include <string>
 #include <vector>
+
+#include "query/text_case.h"
 
 namespace tabelion {
 
@@ -17,6 +20,18 @@ bool DescriptorSink::write(std::string_view bytes) {
     bytes.remove_prefix(static_cast<std::size_t>(count));
   }
   return true;
+}
+
+bool confirmOnTerminal(int in, int out, std::string_view question) {
+  if (!DescriptorSink(out).write(std::string(question) + " [y/N] ")) return false;
+  std::string answer;
+  for (char c = 0; c != '\n';) {
+    const ssize_t count = ::read(in, &c, 1);
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) return false;  // an answer that was not finished is none
+    answer += lowerCase(c);
+  }
+  return answer == "y\n" || answer == "yes\n";
 }
 
 Result<FileImage> readDescriptor(int descriptor) {

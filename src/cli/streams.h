@@ -14,6 +14,9 @@ struct Streams {
   TextSink& err;                                  // messages and progress
   std::function<Result<FileImage>()> read_input;  // all of standard input
   bool err_is_terminal = false;
+  // Asks a question on the terminal and waits for the answer; only "y" and "yes" mean yes. None
+  // where nobody can answer.
+  std::function<bool(std::string_view question)> confirm = {};
 };
 
 // Writes to a file descriptor that stays the caller's.
@@ -25,6 +28,9 @@ class DescriptorSink : public TextSink {
  private:
   int descriptor_;
 };
+
+// Writes the question to one descriptor and reads a line of the other.
+bool confirmOnTerminal(int in, int out, std::string_view question);
 
 // Reads a file descriptor to its end.
 Result<FileImage> readDescriptor(int descriptor);

@@ -37,7 +37,7 @@ class CliRun : public ::testing::Test {
                       files.put("/stdin", input);
                       return files.read("/stdin");
                     },
-                    false};
+                    false, confirm};
     CliPlatform platform{files, clock, locale, settings, [] { return 4u; }};
     return static_cast<int>(runCli(arguments, platform, streams));
   }
@@ -58,6 +58,7 @@ class CliRun : public ::testing::Test {
   FixedLocale locale;
   MemorySettings settings;
   std::string input;
+  std::function<bool(std::string_view)> confirm;  // the terminal's answer, if there is one
   StringSink out;
   StringSink err;
   bool out_is_open = true;
