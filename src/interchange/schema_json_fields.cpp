@@ -125,47 +125,6 @@ void readPlugin(const JsonNode& node, const TextEncoding& encoding, FieldDefinit
   json.finish();
 }
 
-Json formulaJson(const FieldDefinition& field, const TextEncoding& encoding) {
-  const StoredFormula formula = storedFormula(field);
-  Json json = Json::object();
-  putUnless(json, "result_kind", static_cast<int>(formula.result_kind), 0);
-  Json tokens = Json::array();
-  for (const StoredFormula::Token& token : formula.tokens) {
-    tokens.push_back(Json{{"class", token.type}, {"value", static_cast<std::int8_t>(token.value)}});
-  }
-  json["tokens"] = std::move(tokens);
-  Json constants = Json::array();
-  for (const std::string& constant : formula.constants) {
-    constants.push_back(textJson(constant, encoding));
-  }
-  putUnlessEmpty(json, "constants", std::move(constants));
-  return json;
-}
-
-void readFormula(const JsonNode& node, const TextEncoding& encoding, FieldDefinition& field) {
-  if (!node.present()) return;
-  JsonObject json(node);
-  StoredFormula formula;
-  readNumber(json["result_kind"], 0, 255, formula.result_kind);
-  for (const JsonNode& entry : json["tokens"].list(kMaxFormulaTokens)) {
-    JsonObject token_json(entry);
-    StoredFormula::Token token;
-    readNumber(token_json["class"], 0, 255, token.type);
-    token.value = static_cast<std::uint8_t>(token_json["value"].integer(-128, 255, 0));
-    token_json.finish();
-    formula.tokens.push_back(token);
-  }
-  for (const JsonNode& entry : json["constants"].list(kFormulaConstantsSize)) {
-    std::string constant;
-    readText(entry, encoding, constant);
-    formula.constants.push_back(std::move(constant));
-  }
-  if (!setStoredFormula(field, formula)) {
-    json["constants"].refuse("must be texts that are not empty, together at most 30 bytes");
-  }
-  json.finish();
-}
-
 Json itemsJson(const FieldRecord& record, int slot, const TextEncoding& encoding) {
   Json list = Json::array();
   for (std::size_t i = 0; i < record.items.size(); ++i) {
@@ -281,9 +240,10 @@ void readOneField(const JsonNode& node, int slot, const TextEncoding& encoding,
   if (field.type == kLinkedField || field.type == kLinkField) {
     readLink(json["link"], encoding, field);
   }
-  if (field.type == kLookup) (void)json["lookup"];  // read once every field has its name
+  // Read by readReferences, once every field has its name.
+  if (field.type == kLookup) (void)json["lookup"];
+  if (field.type == kCalculated) (void)json["formula"], (void)json["result"];
   if (field.type == kExternal) readPlugin(json["plugin"], encoding, field);
-  if (field.type == kCalculated) readFormula(json["formula"], encoding, field);
   readItems(json["items"], slot, encoding, record);
   readRanges(json["ranges"], record);
   readRaw(json["raw"], field, record);
@@ -294,20 +254,30 @@ void readOneField(const JsonNode& node, int slot, const TextEncoding& encoding,
   }
 }
 
-void readOneLookup(const JsonNode& node, const FieldNames& names, const TextEncoding& encoding,
-                   FieldDefinition& field) {
+bool refersToFields(int type) {
+  return type == kLookup || type == kCalculated;
+}
+
+// The settings that name other fields of `schema`.
+void readReferences(const JsonNode& node, const DatabaseRecord& schema, const FieldNames& names,
+                    const TextEncoding& encoding, FieldDefinition& field) {
   JsonObject json(node);
-  readLookup(json["lookup"], names, encoding, field);
-  // Raw bytes have the last word, so they go in again over the lookup's.
-  JsonObject raw(json["raw"]);
+  if (field.type == kLookup) readLookup(json["lookup"], names, encoding, field);
+  if (field.type == kCalculated) readFormula(json, schema, encoding, field);
+  // Raw bytes have the last word, so they go in again over these.
+  const JsonNode raw_node = json["raw"];
+  if (!raw_node.present()) return;
+  JsonObject raw(raw_node);
   raw["area_e"].hexInto(field.area_e.data(), field.area_e.size());
+  raw["area_f"].hexInto(field.area_f.data(), field.area_f.size());
   raw["area_i"].hexInto(field.area_i.data(), field.area_i.size());
 }
 
 // The settings of the field's type. Ones that the program would not store itself, such as a text
 // that fills its area to the last byte, are left to the raw areas.
-void putTypeSettings(Json& json, const FieldDefinition& field, const FieldNames& names,
+void putTypeSettings(Json& json, const DatabaseRecord& schema, int slot, const FieldNames& names,
                      const TextEncoding& encoding) {
+  const FieldDefinition& field = schema.fields[static_cast<std::size_t>(slot)];
   FieldDefinition copy = field;
   switch (field.type) {
     case kLinkedField:
@@ -325,9 +295,7 @@ void putTypeSettings(Json& json, const FieldDefinition& field, const FieldNames&
       }
       break;
     case kCalculated:
-      if (setStoredFormula(copy, storedFormula(field))) {
-        json["formula"] = formulaJson(field, encoding);
-      }
+      if (setStoredFormula(copy, storedFormula(field))) putFormula(json, schema, slot, encoding);
       break;
     default:
       break;
@@ -355,7 +323,7 @@ Json namedFieldJson(const Database& database, int slot, const Database& standard
   if (isDateOrTime(field.type) && fieldDefaultOption(field) != 0) {
     json["default"] = defaultOptionJson(field);
   }
-  putTypeSettings(json, field, names, encoding);
+  putTypeSettings(json, database.schema, slot, names, encoding);
   putUnlessEmpty(json, "items", itemsJson(record, slot, encoding));
   putUnlessEmpty(json, "ranges", rangesJson(record));
   return json;
@@ -376,7 +344,9 @@ Json fieldsJson(const Database& database, const Database& standard, const TextEn
     JsonProblem problem;
     const JsonNode node(&json, "", problem);
     readOneField(node, slot, encoding, described, described_record);
-    if (described.type == kLookup) readOneLookup(node, names, encoding, described);
+    if (refersToFields(described.type)) {
+      readReferences(node, database.schema, names, encoding, described);
+    }
     putUnlessEmpty(json, "raw",
                    rawJson(database.schema.fields[index], described, database.fields[index],
                            described_record));
@@ -394,7 +364,7 @@ Json fieldsJson(const Database& database, const Database& standard, const TextEn
 
 void readFields(const JsonNode& node, const TextEncoding& encoding, Database& database) {
   std::array<bool, kFieldSlots> taken{};
-  std::vector<std::pair<int, JsonNode>> lookups;
+  std::vector<std::pair<int, JsonNode>> referring;
   int next_slot = 0;
   for (const JsonNode& entry : node.list(kFieldSlots)) {
     JsonObject json(entry);
@@ -410,11 +380,15 @@ void readFields(const JsonNode& node, const TextEncoding& encoding, Database& da
     next_slot = slot + 1;
     FieldDefinition& field = database.schema.fields[static_cast<std::size_t>(slot)];
     readOneField(entry, slot, encoding, field, database.fields[static_cast<std::size_t>(slot)]);
-    if (field.type == kLookup) lookups.emplace_back(slot, entry);
+    if (refersToFields(field.type)) referring.emplace_back(slot, entry);
   }
   const FieldNames names(database.schema, encoding);
-  for (const auto& [slot, entry] : lookups) {
-    readOneLookup(entry, names, encoding, database.schema.fields[static_cast<std::size_t>(slot)]);
+  for (const auto& [slot, entry] : referring) {
+    readReferences(entry, database.schema, names, encoding,
+                   database.schema.fields[static_cast<std::size_t>(slot)]);
+  }
+  for (const auto& [slot, entry] : referring) {
+    refuseCircle(JsonObject(entry)["formula"], database.schema, slot, encoding);
   }
 }
 

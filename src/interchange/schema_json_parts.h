@@ -59,6 +59,16 @@ void readFlag(const JsonNode& node, Number& into) {
 Json fieldsJson(const Database& database, const Database& standard, const TextEncoding& encoding);
 void readFields(const JsonNode& node, const TextEncoding& encoding, Database& database);
 
+// Calculated fields (schema_json_formula.cpp): the formula as people write it and its result in
+// words. A formula that has no such text, or not the normal one, stands as its tokens; so does one
+// that runs into a circle of formulas, which is refused as a text.
+void putFormula(Json& field_json, const DatabaseRecord& schema, int slot,
+                const TextEncoding& encoding);
+void readFormula(JsonObject& field_json, const DatabaseRecord& schema, const TextEncoding& encoding,
+                 FieldDefinition& field);
+void refuseCircle(const JsonNode& formula, const DatabaseRecord& schema, int slot,
+                  const TextEncoding& encoding);
+
 // Filters, sort keys and views (schema_json_views.cpp).
 Json filtersJson(const std::array<FilterBlock, 6>& filters, const FieldNames& names,
                  const TextEncoding& encoding);

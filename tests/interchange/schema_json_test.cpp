@@ -122,6 +122,32 @@ TEST_F(SchemaJson, EverythingThatHasANameComesBackUnderIt) {
   EXPECT_EQ(describedAgain(json).dump(1), json.dump(1));
 }
 
+TEST_F(SchemaJson, FormulasAreTextsThatMayNameLaterFields) {
+  const Json json = Json::parse(R"json({"name": "", "fields": [
+    {"name": "Balance", "type": "calculated", "formula": "previous(Balance) + [Preis für] * 2",
+     "result": "2 decimals"},
+    {"name": "Preis für", "type": "float"},
+    {"name": "Days", "type": "calculated", "formula": "[Preis für] mod Balance"},
+    {"name": "None", "type": "calculated", "result": "date"},
+    {"name": "Other kind", "type": "calculated", "formula": "1.5", "result": 200}]})json");
+  Database database;
+  ASSERT_EQ(describe(json, database), "");
+  EXPECT_EQ(storedFormula(database.schema.fields[0]),
+            (StoredFormula{{{5, 0xFF}, {5, 2}, {3, 0}, {1, 1}, {1, 2}}, {"2"}, 5}));
+  EXPECT_EQ(schemaToJson(database, encoding()).dump(1), json.dump(1));
+
+  // What no text gives stands as tokens: a corrupt formula, a circle and what runs into it.
+  setStoredFormula(database.schema.fields[0], {{{1, 2}}, {}, 5});
+  setStoredFormula(database.schema.fields[2], {{{5, 5}}, {}, 1});
+  setStoredFormula(database.schema.fields[3], {{{5, 5}}, {}, 1});
+  setStoredFormula(database.schema.fields[4], {{{5, 4}, {5, 3}, {1, 2}}, {}, 1});
+  const Json tokens = schemaToJson(database, encoding());
+  for (const int field : {0, 2, 3, 4}) {
+    EXPECT_TRUE(tokens["fields"][field]["formula"].is_object()) << field;
+  }
+  EXPECT_EQ(describedAgain(tokens).dump(1), tokens.dump(1));
+}
+
 TEST_F(SchemaJson, AnyBytesOfASchemaSurviveTheWayThroughTheDescription) {
   const char* given = std::getenv("TABELION_TEST_SEED");
   const auto seed = given ? std::strtoul(given, nullptr, 10) : std::random_device{}();
@@ -185,6 +211,16 @@ TEST_F(SchemaJson, ProblemNamesItsPlace) {
       {R"({"fields": [{"type": "calculated", "formula": {"constants": ["1234567890",
           "1234567890", "1234567890"]}}]})",
        "fields[0].formula.constants: must be texts that are not empty, together at most 30 bytes"},
+      {R"({"fields": [{"name": "Größe", "type": "float"},
+          {"type": "calculated", "formula": "Größe * Grösse"}]})",
+       "fields[1].formula: column 9: there is no field called \"Grösse\"; is \"Größe\" meant?"},
+      {R"({"fields": [{"name": "Total", "type": "calculated", "formula": "Net + Tax"},
+          {"name": "Net", "type": "float"},
+          {"name": "Tax", "type": "calculated", "formula": "Total * 0.2"}]})",
+       "fields[0].formula: runs in a circle: \"Total\" uses \"Tax\" uses \"Total\""},
+      {R"({"fields": [{"type": "calculated", "formula": "1", "result": "time"}]})",
+       "fields[0].result: \"time\" is not one of \"4 decimals\", \"whole number\", \"duration\", "
+       "\"date\", \"3 decimals\", \"2 decimals\", \"1 decimal\""},
       {R"({"sort": [{"field": "Nobody"}]})",
        "sort[0].field: no field, or more than one, is called \"Nobody\""},
       {R"({"views": [{"columns": [{"column_width": 3}]}]})",
