@@ -1,13 +1,65 @@
 // check: every deviation from a sound file, one a line with its offset.
 
+#include <algorithm>
+#include <set>
+
 #include <fmt/format.h>
 
 #include "cli/command.h"
 #include "cli/context.h"
 #include "engine/check.h"
+#include "engine/schema_places.h"
+#include "query/formula.h"
 
 namespace tabelion {
 namespace {
+
+TextEncoding encodingOf(const DatabaseRecord& schema, CliContext& context) {
+  auto own = TextEncoding::open(databaseCodePage(schema));
+  if (own.ok()) return std::move(own).value();
+  auto users = context.userEncoding();
+  return users.ok() ? std::move(users).value() : TextEncoding::utf8();
+}
+
+// The offset of the field definitions in the database record.
+std::size_t definitionsOffset() {
+  const auto parts = databaseRecordParts();
+  const auto fields = std::find_if(parts.begin(), parts.end(),
+                                   [](const DatabaseRecordPart& part) { return part.item == 11; });
+  return fields->offset;
+}
+
+// Formulas that have no value of their own, at their fields' definitions.
+std::vector<Deviation> checkFormulas(ByteView file, const FileHeader& header, CliContext& context) {
+  std::vector<Deviation> deviations;
+  const std::vector<FileEntry> entries = fileEntries(file, header);
+  const auto schema = std::make_unique<DatabaseRecord>();
+  if (entries.empty() || !readDatabaseRecord(entries[0].bytes, *schema)) return deviations;
+  const TextEncoding encoding = encodingOf(*schema, context);
+  const std::size_t begin = entries[0].offset + definitionsOffset();
+  const auto nameOf = [&](int slot) {
+    return encoding.toUtf8(fieldName(schema->fields[static_cast<std::size_t>(slot)]));
+  };
+  const auto report = [&](int slot, const std::string& text) {
+    deviations.push_back({begin + static_cast<std::size_t>(slot) * kFieldDefinitionSize, text});
+  };
+  std::set<int> in_circle;
+  for (int slot = 0; slot < kFieldSlots; ++slot) {
+    if (schema->fields[static_cast<std::size_t>(slot)].type != kCalculated) continue;
+    if (isCorrupt(decodeFormula(*schema, slot, FormatSettings{}))) {
+      report(slot, fmt::format("the formula of \"{}\" is corrupt", nameOf(slot)));
+    }
+    // Every field of a circle runs into it; it is named once.
+    const std::vector<int> circle = formulaCircle(*schema, slot);
+    if (circle.empty() || !in_circle.insert(circle.front()).second) continue;
+    in_circle.insert(circle.begin(), circle.end());
+    std::vector<std::string> names;
+    for (const int member : circle) names.push_back(nameOf(member));
+    report(circle.front(),
+           fmt::format("formulas run in a circle: \"{}\"", fmt::join(names, "\" uses \"")));
+  }
+  return deviations;
+}
 
 ExitCode runCheck(const std::string& file, CliContext& context) {
   const auto image = context.files.read(file);
@@ -16,7 +68,9 @@ ExitCode runCheck(const std::string& file, CliContext& context) {
   if (image->size < kHeaderSize || header.creator != kCreator) {
     return context.fail({ErrorKind::kNotDatabase, file + ": not a Tabelion database"});
   }
-  const std::vector<Deviation> deviations = checkFile(image->span());
+  std::vector<Deviation> deviations = checkFile(image->span());
+  const auto in_formulas = checkFormulas(image->span(), header, context);
+  deviations.insert(deviations.end(), in_formulas.begin(), in_formulas.end());
   for (const Deviation& deviation : deviations) {
     context.out.put(fmt::format("{}: {}\n", deviation.offset, deviation.text));
   }

@@ -33,6 +33,7 @@ CommandBody declareSchema(OptionList list);
 CommandBody declareCreate(OptionList list);
 CommandBody declareImport(OptionList list);
 CommandBody declareExport(OptionList list);
+CommandBody declareRecalc(OptionList list);
 CommandBody declareRewrite(OptionList list);
 CommandBody declareCompletions(OptionList list);
 CommandBody declareManual(OptionList list);

@@ -26,7 +26,7 @@ inline constexpr ExitCodeText kExitCodes[] = {
     {ExitCode::kUsage, "the command line is not understood"},
     {ExitCode::kCannotOpen, "an input file is not there or cannot be read"},
     {ExitCode::kNotDatabase, "the file is not a Tabelion database"},
-    {ExitCode::kDamaged, "the database is damaged, or check found it not sound"},
+    {ExitCode::kDamaged, "the database is damaged, or check or recalc found it not sound"},
     {ExitCode::kLocked, "another program has the database open"},
     {ExitCode::kRefused, "an input is not accepted"},
     {ExitCode::kCannotWrite, "an output could not be written"},

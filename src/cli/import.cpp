@@ -5,7 +5,9 @@
 #include "cli/command.h"
 #include "cli/context.h"
 #include "cli/import_step.h"
+#include "cli/recompute_step.h"
 #include "interchange/table_import.h"
+#include "query/filter.h"
 #include "query/recompute.h"
 #include "query/record_index.h"
 
@@ -35,12 +37,16 @@ std::string counted(std::uint64_t count, std::string_view what) {
   return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
 }
 
-// The new records into the order of the others, and every calculated field worked out.
-void bringUpToDate(CliContext& context, const TextEncoding& encoding, Database& database) {
+// The records from `first` on into the order of the others, and every calculated field worked out.
+void bringUpToDate(CliContext& context, const TextEncoding& encoding, std::uint32_t first,
+                   Database& database) {
   if (!isDirty(database)) return;
   const QuerySettings settings = context.querySettings(encoding);
+  // New records have values also where the filter leaves them out.
+  if (isFilterInUse(database.schema)) recomputeAdded(database, first, settings);
   refreshRecordIndex(database, settings);
-  recomputeAll(database, settings);
+  sayCorrupt(context, database.path, encoding, database,
+             recomputeRecords(context, encoding, database));
 }
 
 }  // namespace
@@ -52,6 +58,7 @@ ExitCode importRows(CliContext& context, const std::string& path, bool skip_bad,
   const auto encoding = context.encodingOf(database);
   if (!encoding.ok()) return context.fail(encoding.error());
   const std::string_view csv(reinterpret_cast<const char*>(image->bytes.get()), image->size);
+  const std::uint32_t first = database.records.count();
   const auto summary =
       importCsv(csv, *encoding, context.engine, database, context.progress("importing"));
   if (!summary.ok()) {
@@ -64,7 +71,7 @@ ExitCode importRows(CliContext& context, const std::string& path, bool skip_bad,
   }
   err.flush();
   if (summary->refused.empty()) {
-    bringUpToDate(context, *encoding, database);
+    bringUpToDate(context, *encoding, first, database);
     return ExitCode::kDone;
   }
   const std::string refused = counted(summary->refused.size(), "row");
@@ -75,7 +82,7 @@ ExitCode importRows(CliContext& context, const std::string& path, bool skip_bad,
   }
   context.say(fmt::format("{}: {} left out, {} imported", path, refused,
                           counted(summary->records, "record")));
-  bringUpToDate(context, *encoding, database);
+  bringUpToDate(context, *encoding, first, database);
   return ExitCode::kDone;
 }
 

@@ -22,6 +22,7 @@ constexpr Command kCommands[] = {
     {"create", "Make a database from a description, and records from CSV", declareCreate},
     {"import", "Add the rows of a CSV text as records", declareImport},
     {"export", "Write the records as CSV, JSON or SQL", declareExport},
+    {"recalc", "Work out the calculated fields of all records anew", declareRecalc},
     {"rewrite", "Open a database and save it under another name", declareRewrite},
     {"view", "List, choose, make and change views", declareView},
     {"report", "Show statistics over one field", declareReport},

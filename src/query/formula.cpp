@@ -171,11 +171,10 @@ std::optional<FieldReference> fieldReference(std::int8_t token_value) {
   return FieldReference{slot, previous};
 }
 
-Formula decodeFormula(const Database& database, int slot, const FormatSettings& formats) {
+Formula decodeFormula(const DatabaseRecord& schema, int slot, const FormatSettings& formats) {
   Formula formula;
   if (!isSlot(slot)) return formula;
-  const StoredFormula stored =
-      storedFormula(database.schema.fields[static_cast<std::size_t>(slot)]);
+  const StoredFormula stored = storedFormula(schema.fields[static_cast<std::size_t>(slot)]);
   formula.result_kind = static_cast<std::int8_t>(stored.result_kind);
   formula.tokens.reserve(stored.tokens.size());
   for (const StoredFormula::Token& token : stored.tokens) {
@@ -265,6 +264,11 @@ FormulaResult evaluateFormula(const Formula& formula, const Database& database, 
                                 formats, lookup);
   }
   return runFormula(formula, operands.data());
+}
+
+bool isCorrupt(const Formula& formula) {
+  const std::vector<double> zeros(formula.tokens.size());
+  return runFormula(formula, zeros.data()).corrupt;
 }
 
 std::vector<int> formulaCircle(const DatabaseRecord& schema, int slot) {

@@ -48,7 +48,10 @@ struct Formula {
   std::vector<Token> tokens;
   int result_kind = 0;
 };
-Formula decodeFormula(const Database& database, int slot, const FormatSettings& formats);
+Formula decodeFormula(const DatabaseRecord& schema, int slot, const FormatSettings& formats);
+inline Formula decodeFormula(const Database& database, int slot, const FormatSettings& formats) {
+  return decodeFormula(database.schema, slot, formats);
+}
 
 // The number that formulas see in a stored value in clear:
 //   2, 6, 10      the number, that of type 10 without a sign     11   the record it points to
@@ -78,6 +81,9 @@ FormulaResult evaluateFormula(const Formula& formula, const Database& database, 
 
 // The stack machine alone: `operands[i]` is the number of token i where that is a field.
 FormulaResult runFormula(const Formula& formula, const double* operands);
+
+// Whether the formula is corrupt: that does not depend on the values.
+bool isCorrupt(const Formula& formula);
 
 // Whether the formula, directly or through any calculated field that it refers to, uses another
 // record. A formula that runs into a circle counts as one that does: it has no value of its own.

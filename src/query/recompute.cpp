@@ -47,6 +47,7 @@ class Calculator {
     for (const int slot : slots) add(slot);
   }
 
+  bool isEmpty() const { return calculations_.empty(); }
   bool usesPreviousRecord() const { return uses_previous_; }
 
   void begin(ByteView record) {
@@ -265,6 +266,40 @@ bool sortUsesOtherFields(const DatabaseRecord& schema) {
   });
 }
 
+enum class RecordsMeant : std::uint8_t { kAll, kWithinFilter };
+
+// The records from `first` on.
+RecomputeSummary recomputeFrom(Database& database, std::uint32_t first, RecordsMeant meant,
+                               const QuerySettings& settings, const CorruptFormula& corrupt) {
+  RecomputeSummary summary;
+  Calculator calculator(database, slotsInOrderOfUse(database.schema), settings);
+  if (calculator.isEmpty()) return summary;
+  findPrevious(database, first, settings, calculator);
+  const RecordFilter filter(database, settings);
+  const bool filtered = !filter.passesEverything();
+  const std::uint32_t count = database.records.count();
+  Bytes packed;
+  for (std::uint32_t position = first; position < count; ++position) {
+    const ByteView record = database.records[position].bytes();
+    bool passes = !filtered || filter.passes(record);
+    if (!passes && meant == RecordsMeant::kWithinFilter) {
+      ++summary.outside;
+      continue;
+    }
+    calculator.begin(record);
+    summary.corrupt += static_cast<std::uint64_t>(calculator.compute(position, corrupt));
+    const bool changed = calculator.packChanged(packed);
+    // A new value may put the record out of a filter that looks at it.
+    if (changed && filtered) passes = filter.passes(packed);
+    if (passes && calculator.usesPreviousRecord()) calculator.keepAsPrevious();
+    if (!changed) continue;
+    ++summary.records;
+    summary.values += calculator.newValues().size();
+    storeChanged(database, position, calculator, packed);
+  }
+  return summary;
+}
+
 }  // namespace
 
 std::string resultText(double value, int result_kind, const FormatSettings& formats) {
@@ -302,11 +337,10 @@ void recomputeRecord(const Database& database, UnpackedRecord& record, std::uint
 
 RecomputeSummary recomputeAll(Database& database, const QuerySettings& settings,
                               const CorruptFormula& corrupt) {
-  RecomputeSummary summary;
   DatabaseRecord& schema = database.schema;
   if (std::none_of(schema.fields.begin(), schema.fields.end(),
                    [](const FieldDefinition& field) { return isOfOtherFields(field.type); })) {
-    return summary;
+    return {};
   }
   if (sortUsesOtherFields(schema)) {
     schema.sort_pending = 1;
@@ -314,31 +348,18 @@ RecomputeSummary recomputeAll(Database& database, const QuerySettings& settings,
     sortRecords(database, settings.formats);
     schema.sort_pending = 0;
   }
-  Calculator calculator(database, slotsInOrderOfUse(schema), settings);
-  const RecordFilter filter(database, settings);
-  const bool filtered = !filter.passesEverything();
-  const auto count = database.records.count();
-  Bytes packed;
-  for (std::uint32_t position = 0; position < count; ++position) {
-    const ByteView record = database.records[position].bytes();
-    if (filtered && !filter.passes(record)) continue;
-    calculator.begin(record);
-    summary.corrupt += static_cast<std::uint64_t>(calculator.compute(position, corrupt));
-    const bool changed = calculator.packChanged(packed);
-    // A new value may put the record out of a filter that looks at it.
-    if (calculator.usesPreviousRecord() && (!changed || !filtered || filter.passes(packed))) {
-      calculator.keepAsPrevious();
-    }
-    if (!changed) continue;
-    ++summary.records;
-    summary.values += calculator.newValues().size();
-    storeChanged(database, position, calculator, packed);
-  }
+  const RecomputeSummary summary =
+      recomputeFrom(database, 0, RecordsMeant::kWithinFilter, settings, corrupt);
   if (schema.sort_pending != 0) {
     sortRecords(database, settings.formats);
     schema.sort_pending = 0;
   }
   return summary;
+}
+
+RecomputeSummary recomputeAdded(Database& database, std::uint32_t first,
+                                const QuerySettings& settings, const CorruptFormula& corrupt) {
+  return recomputeFrom(database, first, RecordsMeant::kAll, settings, corrupt);
 }
 
 }  // namespace tabelion

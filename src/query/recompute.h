@@ -35,6 +35,7 @@ struct RecomputeSummary {
   std::uint32_t records = 0;  // whose stored bytes changed
   std::uint64_t values = 0;   // that changed
   std::uint64_t corrupt = 0;  // that a corrupt formula gave
+  std::uint32_t outside = 0;  // records left as they are, since they do not pass the filter
 };
 // Every calculated field of every record that passes the filter, each field after those that it
 // refers to. Marks the database dirty when anything changed. Does nothing in a database without
@@ -46,5 +47,10 @@ struct RecomputeSummary {
 // those of the record that will be shown before. The flag is off in the end.
 RecomputeSummary recomputeAll(Database& database, const QuerySettings& settings,
                               const CorruptFormula& corrupt = {});
+
+// Every calculated field of the records from `first` on, which were just added, whether they pass
+// the filter or not. Leaves the order to recomputeAll.
+RecomputeSummary recomputeAdded(Database& database, std::uint32_t first,
+                                const QuerySettings& settings, const CorruptFormula& corrupt = {});
 
 }  // namespace tabelion
