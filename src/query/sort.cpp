@@ -139,8 +139,7 @@ std::uint32_t replaceInOrder(Database& database, std::uint32_t position,
 
   const auto isBefore = [&](ByteView other) {
     for (std::size_t i = 0; i < levels.size(); ++i) {
-      const SortOperand operand = levels[i].operandOf(valueAt(other, levels[i].slot()));
-      const int result = levels[i].compare(saved[i], operand);
+      const int result = levels[i].compareWithStored(saved[i], valueAt(other, levels[i].slot()));
       if (result != 0) return result < 0;
     }
     return false;  // among equals it comes last

@@ -180,6 +180,20 @@ int SortLevel::compare(const SortOperand& a, const SortOperand& b) const {
   return 0;
 }
 
+int SortLevel::compareWithStored(const SortOperand& a, const std::optional<ByteView>& b) const {
+  if (kind_ != SortKind::kText || a.missing || !b) return compare(a, operandOf(b));
+  const auto storedAt = [&](std::size_t i) {
+    return i < b->size() ? static_cast<unsigned char>(lowerCase(static_cast<char>((*b)[i]))) : 0;
+  };
+  int difference = 0;
+  std::size_t i = 0;
+  for (; i < a.text.size() && difference == 0; ++i) {
+    difference = static_cast<unsigned char>(lowerCase(a.text[i])) - storedAt(i);
+  }
+  if (difference == 0) difference = -storedAt(i);
+  return signOf(forward_ ? difference : -difference, 0);
+}
+
 std::vector<SortLevel> sortLevels(const Database& database, const FormatSettings& formats) {
   std::vector<SortLevel> levels;
   for (const SortKey& key : database.schema.sort) {

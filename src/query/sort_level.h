@@ -48,6 +48,9 @@ class SortLevel {
   SortOperand operandOf(const std::optional<ByteView>& value) const;
   // -1, 0 or 1, with the direction in it.
   int compare(const SortOperand& a, const SortOperand& b) const;
+  // The same against a value as it is stored, for one operand and many values: texts mostly differ
+  // in their first bytes, so their ends are not looked for.
+  int compareWithStored(const SortOperand& a, const std::optional<ByteView>& b) const;
 
  private:
   // An item of a pop-up and its place in the order of the texts; equal texts have equal ranks. Keys

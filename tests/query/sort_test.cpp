@@ -11,6 +11,7 @@
 namespace tabelion {
 namespace {
 
+using namespace std::string_view_literals;
 using Slots = std::vector<std::optional<Bytes>>;
 
 // A database whose records carry the order in which they were added as their unique ID.
@@ -135,8 +136,8 @@ Bytes someValue(int type, bool far_apart) {
       return link;
     }
     default:
-      return bytesOf(pick({"", "Anna", "anna", "ANNABEL", "anna-maria", "\xE9t\xE9", "Zo\xEB",
-                           "long text 1", "long text 2"}));
+      return bytesOf(pick({""sv, "Anna"sv, "anna"sv, "anna\0x"sv, "ANNABEL"sv, "anna-maria"sv,
+                           "\xE9t\xE9"sv, "Zo\xEB"sv, "long text 1"sv, "long text 2"sv}));
   }
 }
 
