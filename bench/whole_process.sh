@@ -67,6 +67,13 @@ result=$(compare \
   "sqlite3 $work/import.db '.mode csv' '.import $work/rows.csv records'")
 row "CSV import" tabelion "SQLite .import" 0.6
 
+result=$(compare \
+  tabelion "" "$cli report $work/records.PDB Amount" \
+  "SQLite aggregates" "" \
+  "sqlite3 $work/records.db 'SELECT count(*), min(Amount), max(Amount), sum(Amount), avg(Amount)
+     FROM records'")
+row "report on a field" tabelion "SQLite aggregates" 0.75
+
 awk -v peak="$peak" -v size="$size" 'BEGIN {
   r = peak * 1024 / size
   printf "| peak memory after open | %.1f MB | the file | %.1f MB | %.2f | 1.5 | %s |\n",

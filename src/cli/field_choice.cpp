@@ -22,6 +22,7 @@ std::vector<NamedField> namedFields(const DatabaseRecord& schema, const TextEnco
     if (isValidType(field.type)) fields.push_back({slot, encoding.toUtf8(fieldName(field))});
   }
   std::vector<bool> shared;
+  shared.reserve(fields.size());
   for (const NamedField& field : fields) {
     shared.push_back(std::count_if(fields.begin(), fields.end(), [&](const NamedField& other) {
                        return other.name == field.name;
@@ -41,6 +42,7 @@ std::string_view trimmed(std::string_view text) {
 
 Error unknownField(std::string_view name, const std::vector<NamedField>& fields) {
   std::vector<std::string> known;
+  known.reserve(fields.size());
   for (const NamedField& field : fields) known.push_back(field.name);
   const auto near = nearNames(name, known);
   std::string text = fmt::format("no field is called \"{}\"", name);

@@ -109,11 +109,11 @@ Status editFields(Database& database, const TextEncoding& encoding, int view,
                         {edit.exported, &ViewFieldSettings::exported, true},
                         {edit.not_exported, &ViewFieldSettings::exported, false}};
   for (const std::string& width : edit.widths) {
-    const Status set = setWidth(database, encoding, view, width);
+    Status set = setWidth(database, encoding, view, width);
     if (!set.ok()) return set;
   }
   for (const Step& step : steps) {
-    const Status set =
+    Status set =
         changeFields(database, encoding, view, step.lists,
                      [&step](ViewFieldSettings& field) { field.*step.setting = step.value; });
     if (!set.ok()) return set;
@@ -124,9 +124,9 @@ Status editFields(Database& database, const TextEncoding& encoding, int view,
 }  // namespace
 
 Status editView(Database& database, const TextEncoding& encoding, int view, const ViewEdit& edit) {
-  const Status settings = editSettings(database, encoding, view, edit);
+  Status settings = editSettings(database, encoding, view, edit);
   if (!settings.ok()) return settings;
-  const Status fields = editFields(database, encoding, view, edit);
+  Status fields = editFields(database, encoding, view, edit);
   if (!fields.ok() || !edit.order) return fields;
   const auto slots = chooseFields(database, encoding, *edit.order);
   if (!slots.ok()) return slots.error();

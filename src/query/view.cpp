@@ -63,10 +63,10 @@ View viewOfDatabase(const DatabaseRecord& schema, std::string_view name) {
   return view;
 }
 
-int appendView(DatabaseRecord& schema, View view) {
+int appendView(DatabaseRecord& schema, const View& view) {
   const int index = viewCount(schema);
   if (index >= kViewSlots) return -1;
-  viewAt(schema, index) = std::move(view);
+  viewAt(schema, index) = view;
   schema.view_count = static_cast<std::uint16_t>(index + 1);
   return index;
 }
@@ -128,6 +128,7 @@ std::vector<std::string> viewsMenu(Database& database) {
     schema.current_view = kNoView;
   }
   std::vector<std::string> names;
+  names.reserve(static_cast<std::size_t>(viewCount(schema)));
   for (int view = 0; view < viewCount(schema); ++view) names.push_back(viewName(schema, view));
   return names;
 }
@@ -184,7 +185,7 @@ ViewChange chooseView(Database& database, int view) {
 }
 
 ViewChange applyView(Database& database, int view, const QuerySettings& settings) {
-  const ViewChange change = chooseView(database, view);
+  ViewChange change = chooseView(database, view);
   if (!change.sort_changed && !change.filter_changed) return change;
   if (change.sort_changed) database.schema.sort_pending = 1;
   if (change.filter_changed) recomputeDependents(database, settings);
