@@ -7,6 +7,8 @@
 
 #include "interchange/hex.h"
 #include "interchange/schema_json_parts.h"
+#include "security/access_rights.h"
+#include "security/database_encryption.h"
 
 namespace tabelion {
 namespace {
@@ -17,13 +19,15 @@ struct Word {
 };
 
 // What the security word says about an operation.
-constexpr Word kSecurityCodes[] = {
-    {0, "granted"}, {1, "password"}, {2, "refused"}, {3, "restricted"}};
-// The operations by the number of their two bits.
-constexpr const char* kOperations[] = {"open",       "add",        "change", "delete",
-                                       "operation4", "operation5", "popups", "operation7"};
+constexpr Word kSecurityCodes[] = {{kCodeFree, kSecurityCodeNames[kCodeFree]},
+                                   {kCodePassword, kSecurityCodeNames[kCodePassword]},
+                                   {kCodeRefused, kSecurityCodeNames[kCodeRefused]},
+                                   {kCodeRestricted, kSecurityCodeNames[kCodeRestricted]}};
 constexpr Word kEncryptionModes[] = {
-    {0, "whole database"}, {1, "automatic"}, {2, "by record"}, {3, "none"}};
+    {kEncryptWholeDatabase, kEncryptionModeNames[kEncryptWholeDatabase]},
+    {kEncryptRecordsOnSave, kEncryptionModeNames[kEncryptRecordsOnSave]},
+    {kEncryptRecordsByHand, kEncryptionModeNames[kEncryptRecordsByHand]},
+    {kEncryptNever, kEncryptionModeNames[kEncryptNever]}};
 constexpr Word kSearchMatches[] = {{0, "contains"}, {1, "begins"}};
 
 template <std::size_t Count>
@@ -160,17 +164,17 @@ void readSearch(const JsonNode& node, const FieldNames& names, const TextEncodin
 
 Json securityJson(const DatabaseRecord& schema) {
   Json json = Json::object();
-  for (std::size_t i = 0; i < std::size(kOperations); ++i) {
+  for (std::size_t i = 0; i < std::size(kOperationNames); ++i) {
     const int code = schema.security_word >> 2 * i & 3;
-    if (code != 0) json[kOperations[i]] = wordJson(code, kSecurityCodes);
+    if (code != 0) json[kOperationNames[i]] = wordJson(code, kSecurityCodes);
   }
   return json;
 }
 
 void readSecurity(const JsonNode& node, DatabaseRecord& schema) {
   JsonObject json(node);
-  for (std::size_t i = 0; i < std::size(kOperations); ++i) {
-    const int code = readWord(json[kOperations[i]], kSecurityCodes, 3, 0);
+  for (std::size_t i = 0; i < std::size(kOperationNames); ++i) {
+    const int code = readWord(json[kOperationNames[i]], kSecurityCodes, 3, 0);
     schema.security_word |= static_cast<std::uint32_t>(code) << 2 * i;
   }
   json.finish();

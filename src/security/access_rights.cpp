@@ -6,6 +6,12 @@ int securityCode(const DatabaseRecord& schema, Operation operation) {
   return static_cast<int>(schema.security_word >> (2 * static_cast<int>(operation)) & 3u);
 }
 
+void setSecurityCode(DatabaseRecord& schema, Operation operation, int code) {
+  const int shift = 2 * static_cast<int>(operation);
+  schema.security_word =
+      (schema.security_word & ~(3u << shift)) | (static_cast<std::uint32_t>(code) & 3u) << shift;
+}
+
 int checkSecurity(const DatabaseRecord& schema, Operation operation) {
   switch (securityCode(schema, operation)) {
     case kCodeRefused:

@@ -1,0 +1,56 @@
+// The cipher of enciphered values: SAFER SK-128 with 10 rounds, in cipher feedback of 64 bits.
+//
+// A cipher of its time: 8-byte blocks, no stored initialisation vector and no authentication, so
+// equal texts under one password have equal cipher texts. docs/security.md says what that is worth.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+namespace tabelion {
+
+inline constexpr std::size_t kCipherBlockSize = 8;
+inline constexpr std::size_t kKeyStringSize = 16;
+inline constexpr int kCipherRounds = 10;
+
+using CipherBlock = std::array<std::uint8_t, kCipherBlockSize>;
+
+// Overwrites bytes that were secret; the compiler may not leave it out.
+void WipeBytes(std::span<std::uint8_t> bytes);
+
+// A key ready for use, as the published reference schedule lays it out: the round count, the second
+// half of the key, then two round keys for each round and one more (room for 13 rounds).
+// Overwritten at its end.
+class ExpandedKey {
+ public:
+  static constexpr std::size_t kSize = 217;
+
+  ExpandedKey() = default;
+  ~ExpandedKey() { WipeBytes(bytes_); }
+  ExpandedKey(const ExpandedKey&) = delete;
+  ExpandedKey& operator=(const ExpandedKey&) = delete;
+
+  std::span<std::uint8_t, kSize> bytes() { return bytes_; }
+  std::span<const std::uint8_t, kSize> bytes() const { return bytes_; }
+
+ private:
+  std::array<std::uint8_t, kSize> bytes_{};
+};
+
+// The key of a password (8-bit text). The 16 bytes of the key are the password and a space, over
+// and over, cut wherever 16 are reached: only the first 16 bytes of a password count, and an empty
+// one is 16 spaces.
+void MakeKey(std::string_view password, ExpandedKey& key);
+
+// One block operation.
+void EncipherBlock(CipherBlock& block, const ExpandedKey& key);
+
+// In place. Every buffer starts afresh: the feedback register is the first 8 bytes of the expanded
+// key. No bytes, no change.
+void EncipherBuffer(std::span<std::uint8_t> bytes, const ExpandedKey& key);
+void DecipherBuffer(std::span<std::uint8_t> bytes, const ExpandedKey& key);
+
+}  // namespace tabelion

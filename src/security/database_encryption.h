@@ -1,0 +1,67 @@
+// Enciphering and deciphering the records of a whole database, and the block by which it knows the
+// password that was used last.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string_view>
+#include <vector>
+
+#include "engine/database.h"
+#include "security/cipher.h"
+#include "security/record_encryption.h"
+
+namespace tabelion {
+
+// DatabaseRecord::encryption_mode. Others count as kEncryptNever.
+enum EncryptionMode : std::uint8_t {
+  kEncryptWholeDatabase = 0,  // enciphered in the file, in clear while it is open
+  kEncryptRecordsOnSave = 1,  // the form enciphers every record that it saves
+  kEncryptRecordsByHand = 2,  // the form's menu enciphers and deciphers one record
+  kEncryptNever = 3,          // nothing happens by itself
+};
+
+inline constexpr const char* kEncryptionModeNames[] = {"whole database", "automatic", "by record",
+                                                       "none"};
+
+// Nine random bytes, enciphered with the password, and their sum in clear.
+void SetPasswordCheck(DatabaseRecord& schema, std::string_view password,
+                      const RandomSource& random);
+// Yes where no password is recorded yet. The sum is one byte, so one wrong password in 256 passes.
+bool PasswordMatchesCheck(const DatabaseRecord& schema, std::string_view password);
+
+// Told after each record how many of all have been visited.
+using RecordsVisited = std::function<void(std::uint32_t done, std::uint32_t all)>;
+
+struct DecryptSummary {
+  std::uint32_t deciphered = 0;
+  std::uint32_t failed = 0;  // with this password; they stay as they are
+};
+// Deciphers every enciphered record that the key opens. In mode 2 nothing happens unless `forced`;
+// the records then keep a mark that they were deciphered with the whole database.
+DecryptSummary DecryptRecords(Database& database, const ExpandedKey& key, bool forced = false,
+                              const RecordsVisited& visited = {});
+
+// Enciphers every record that is in clear, or those of them that are `wanted`, and marks the
+// database dirty, and as enciphered where it is kept so as a whole. Either all of them or none: the
+// number of a record (from 0) that would become too long to be stored is kept in `too_long`, and
+// nothing has changed then.
+struct EncryptSummary {
+  std::uint32_t enciphered = 0;
+  std::uint32_t too_long = kNoPosition;
+};
+using RecordTest = std::function<bool(ByteView record)>;
+EncryptSummary EncryptRecords(Database& database, Engine& engine, const ExpandedKey& key,
+                              const RecordTest& wanted = {}, const RecordsVisited& visited = {});
+
+// The records in clear that hold an overlong value, in record order.
+struct OverlongRecordValue {
+  std::uint32_t position = 0;
+  OverlongValue value;
+};
+std::vector<OverlongRecordValue> overlongValues(const Database& database);
+
+// A stamp for a record of this database; takes the next serial number.
+HeadBlock newStamp(Database& database, Engine& engine);
+
+}  // namespace tabelion

@@ -1,0 +1,51 @@
+// A password in memory: in one place that is never copied behind our back, and overwritten at its
+// end.
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "security/cipher.h"
+
+namespace tabelion {
+
+class Password {
+ public:
+  static constexpr std::size_t kMaxSize = 259;  // bytes; what is longer is cut
+
+  Password() = default;
+  explicit Password(std::string_view text) { assign(text); }
+  Password(const Password& other) { assign(other.text()); }
+  Password& operator=(const Password& other) {
+    if (this != &other) assign(other.text());
+    return *this;
+  }
+  ~Password() { clear(); }
+
+  // 8-bit text; an empty one is a password as well.
+  void assign(std::string_view text) {
+    clear();
+    size_ = std::min(text.size(), kMaxSize);
+    std::copy_n(text.begin(), size_, bytes_.begin());
+  }
+  void clear() {
+    WipeBytes(bytes_);
+    size_ = 0;
+  }
+  std::string_view text() const { return {reinterpret_cast<const char*>(bytes_.data()), size_}; }
+
+ private:
+  std::array<std::uint8_t, kMaxSize> bytes_{};
+  std::size_t size_ = 0;
+};
+
+// For texts that a password passed through.
+inline void WipeText(std::string& text) {
+  WipeBytes({reinterpret_cast<std::uint8_t*>(text.data()), text.size()});
+  text.clear();
+}
+
+}  // namespace tabelion

@@ -1,0 +1,247 @@
+#include "security/record_encryption.h"
+
+#include <algorithm>
+
+namespace tabelion {
+namespace {
+
+// The forms of a value, by what stands in front of its cipher text.
+enum class Form { kAsIs, kWhole, kLengthOfOneByte, kLengthOfTwoBytes, kLink, kNote };
+
+Form formOf(int type) {
+  switch (type) {
+    case kText:
+    case kFloat:
+    case kTextVariant:
+    case kCalculated:
+    case kText254:
+      return Form::kLengthOfOneByte;
+    case kLongText:
+      return Form::kLengthOfTwoBytes;
+    case kLinkField:
+      return Form::kLink;
+    case kNote:
+      return Form::kNote;
+    case kLookup:
+      return Form::kAsIs;
+    default:
+      return Form::kWhole;
+  }
+}
+
+constexpr std::size_t kCheckedNoteBytes = kNoteSize - 1;  // the last of a note takes no part
+
+// Bytes that stay in clear before the length of the text, and the width of that length.
+std::size_t clearHead(Form form) {
+  return form == Form::kLink ? kLinkHeadSize : 0;
+}
+std::size_t lengthWidth(Form form) {
+  return form == Form::kLengthOfTwoBytes ? 2 : 1;
+}
+
+// Whether the value has no part that is enciphered.
+bool staysAsItIs(Form form, ByteView value) {
+  switch (form) {
+    case Form::kAsIs:
+      return true;
+    case Form::kNote:
+      return value.empty() || value[0] == 0;
+    case Form::kLink:
+      return value.size() <= kLinkHeadSize;
+    default:
+      return false;
+  }
+}
+
+std::size_t textLength(ByteView text) {
+  return static_cast<std::size_t>(std::find(text.begin(), text.end(), 0) - text.begin());
+}
+
+std::uint8_t sumOf(ByteView bytes) {
+  std::uint8_t sum = 0;
+  for (const std::uint8_t byte : bytes) sum = static_cast<std::uint8_t>(sum + byte);
+  return sum;
+}
+
+// Appends the enciphered form of a value and adds its clear bytes to the checksum.
+void putEnciphered(Bytes& into, Form form, ByteView value, const ExpandedKey& key,
+                   std::uint8_t& sum) {
+  if (staysAsItIs(form, value)) {
+    into.insert(into.end(), value.begin(), value.end());
+    return;
+  }
+  const std::size_t begin = into.size();
+  std::size_t first = begin;  // of the bytes to encipher
+  std::size_t count = value.size();
+  if (form == Form::kWhole) {
+    into.insert(into.end(), value.begin(), value.end());
+    sum = static_cast<std::uint8_t>(sum + sumOf(value));
+  } else if (form == Form::kNote) {
+    into.insert(into.end(), value.begin(), value.end());
+    into.resize(begin + std::max(value.size(), kNoteSize));
+    sum = static_cast<std::uint8_t>(sum + sumOf(ByteView(into).subspan(begin, kCheckedNoteBytes)));
+    first += 1;
+    count = kCheckedNoteBytes - 1;
+  } else {
+    const std::size_t head = clearHead(form);
+    const ByteView rest = value.subspan(head);
+    const ByteView text = rest.first(textLength(rest));
+    into.insert(into.end(), value.begin(), value.begin() + head);
+    into.push_back(static_cast<std::uint8_t>(text.size()));
+    if (lengthWidth(form) == 2) into.push_back(static_cast<std::uint8_t>(text.size() >> 8));
+    first = into.size();
+    count = text.size();
+    into.insert(into.end(), text.begin(), text.end());
+    sum = static_cast<std::uint8_t>(sum + sumOf(text));
+  }
+  EncipherBuffer(std::span(into).subspan(first, count), key);
+}
+
+// The text behind its length, still enciphered. A length of one byte that agrees with the number
+// of bytes there are, modulo 256, means all of them.
+ByteView textBehindLength(Form form, ByteView value) {
+  const std::size_t at = clearHead(form);
+  const std::size_t width = lengthWidth(form);
+  if (value.size() < at + width) return {};
+  const ByteView rest = value.subspan(at + width);
+  std::size_t length = value[at];
+  if (width == 2) {
+    length = loadLe16(&value[at]);
+  } else if (static_cast<std::uint8_t>(rest.size()) == value[at]) {
+    length = rest.size();
+  }
+  return rest.first(std::min(length, rest.size()));
+}
+
+// Behind a text its NUL; a number is as long as its area.
+void closeText(Bytes& into, int type, std::size_t length) {
+  if (length == 0 && type != kLinkField) return;
+  into.push_back(0);
+  const bool is_number = type == kFloat || type == kCalculated;
+  if (is_number && length + 1 < kNumberTextSize)
+    into.resize(into.size() + kNumberTextSize - length - 1);
+}
+
+// Appends the clear form of a value and adds it to the checksum.
+void putDeciphered(Bytes& into, int type, ByteView value, const ExpandedKey& key,
+                   std::uint8_t& sum) {
+  const Form form = formOf(type);
+  const std::size_t begin = into.size();
+  if (staysAsItIs(form, value)) {
+    into.insert(into.end(), value.begin(), value.end());
+    return;
+  }
+  if (form == Form::kWhole || form == Form::kNote) {
+    into.insert(into.end(), value.begin(), value.end());
+    const auto written = std::span(into).subspan(begin);
+    if (form == Form::kWhole) {
+      DecipherBuffer(written, key);
+      sum = static_cast<std::uint8_t>(sum + sumOf(written));
+    } else {
+      const auto checked = written.first(std::min(written.size(), kCheckedNoteBytes));
+      DecipherBuffer(checked.subspan(1), key);
+      sum = static_cast<std::uint8_t>(sum + sumOf(checked));
+    }
+    return;
+  }
+  const std::size_t head = clearHead(form);
+  const ByteView text = textBehindLength(form, value);
+  into.insert(into.end(), value.begin(), value.begin() + head);
+  into.insert(into.end(), text.begin(), text.end());
+  const auto clear = std::span(into).subspan(begin + head);
+  DecipherBuffer(clear, key);
+  sum = static_cast<std::uint8_t>(sum + sumOf(clear));
+  closeText(into, type, text.size());
+}
+
+// Copies a packed record with another form of its flagged values, which `put` appends.
+template <typename Put>
+Bytes withFlaggedValues(const DatabaseRecord& schema, ByteView record, const Put& put) {
+  Bytes result;
+  result.reserve(record.size() + 64);
+  const std::size_t prefix = std::min(prefixLength(record), record.size());
+  result.insert(result.end(), record.begin(), record.begin() + prefix);
+  SlotWalker walker(record);
+  for (std::size_t slot = 0;; ++slot) {
+    const auto value = walker.next();
+    if (!value) break;
+    const FieldDefinition& field = schema.fields[slot];
+    const std::size_t length_at = result.size();
+    result.resize(length_at + 2);
+    if (field.encrypt_flag != 0) {
+      put(result, field.type, *value);
+    } else {
+      result.insert(result.end(), value->begin(), value->end());
+    }
+    storeLe16(&result[length_at], static_cast<std::uint32_t>(result.size() - length_at - 2));
+  }
+  result.insert(result.end(), record.begin() + std::min(walker.position(), record.size()),
+                record.end());
+  return result;
+}
+
+// A prefix that is a stamp; what stood there before has no room beside it.
+void stampRecord(Bytes& record, const HeadBlock& stamp) {
+  const std::size_t old_prefix = std::min(prefixLength(record), record.size());
+  record.erase(record.begin(), record.begin() + static_cast<std::ptrdiff_t>(old_prefix));
+  record.insert(record.begin(), stamp.begin(), stamp.end());
+  record.insert(record.begin(), kStampedPrefix);
+}
+
+}  // namespace
+
+bool hasFlaggedFields(const DatabaseRecord& schema) {
+  return std::any_of(schema.fields.begin(), schema.fields.end(),
+                     [](const FieldDefinition& field) { return field.encrypt_flag != 0; });
+}
+
+bool EncryptRecordFields(const DatabaseRecord& schema, Bytes& record, const ExpandedKey& key,
+                         const StampSource& new_stamp) {
+  std::uint8_t sum = 0;
+  Bytes result = withFlaggedValues(schema, record, [&](Bytes& into, int type, ByteView value) {
+    putEnciphered(into, formOf(type), value, key, sum);
+  });
+  if (!recordStamp(result)) stampRecord(result, new_stamp());
+  if (result.size() > kMaxRecordSize) return false;
+  result[1 + kStampFlagOffset] &= static_cast<std::uint8_t>(~kClearByDatabase);
+  result[1 + kStampFlagOffset] |= kRecordEncrypted;
+  result[1 + kStampChecksumOffset] = sum;
+  WipeBytes(record);
+  record = std::move(result);
+  return true;
+}
+
+int DecryptRecord(const DatabaseRecord& schema, Bytes& record, const ExpandedKey& key) {
+  const auto stamp = recordStamp(record);
+  if (!stamp) return kHeaderUnreadable;
+  std::uint8_t sum = 0;
+  Bytes result = withFlaggedValues(schema, record, [&](Bytes& into, int type, ByteView value) {
+    putDeciphered(into, type, value, key, sum);
+  });
+  if (sum != (*stamp)[kStampChecksumOffset] || result.size() > kMaxRecordSize) {
+    WipeBytes(result);
+    return kWrongPassword;
+  }
+  result[1 + kStampFlagOffset] &= static_cast<std::uint8_t>(~kRecordEncrypted);
+  record = std::move(result);
+  return kRecordDecrypted;
+}
+
+std::vector<OverlongValue> overlongValues(const DatabaseRecord& schema, ByteView record) {
+  std::vector<OverlongValue> found;
+  SlotWalker walker(record);
+  for (int slot = 0;; ++slot) {
+    const auto value = walker.next();
+    if (!value) return found;
+    const FieldDefinition& field = schema.fields[static_cast<std::size_t>(slot)];
+    const Form form = formOf(field.type);
+    if (field.encrypt_flag == 0 || staysAsItIs(form, *value) ||
+        (form != Form::kLengthOfOneByte && form != Form::kLink)) {
+      continue;
+    }
+    const std::size_t length = textLength(value->subspan(clearHead(form)));
+    if (length > 255) found.push_back({slot, length});
+  }
+}
+
+}  // namespace tabelion

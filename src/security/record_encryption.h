@@ -1,0 +1,61 @@
+// Enciphering and deciphering the flagged fields of one record (FieldDefinition::encrypt_flag).
+//
+// What is enciphered of a value, and how it is stored then, by field type:
+//   1, 3, 14, 15, 17  the text to its NUL; one length byte (modulo 256), then the cipher text
+//   12                the same behind a length of two bytes, little-endian
+//   11                24 bytes in clear, one length byte, then the text behind them, enciphered; a
+//                     value of at most 24 bytes stays as it is
+//   7                 2001 bytes: the first in clear, 1999 enciphered, the last in clear; a note
+//                     whose first byte is 0 stays as it is
+//   16                nothing: the value stays as it is
+//   others            all bytes, without a length
+//
+// The checksum of a record is the sum modulo 256 of the bytes that were enciphered, in clear (of a
+// note its first 2000), and tells a right password from most wrong ones.
+//
+// A record that was enciphered and deciphered with one password has the same bytes again, with
+// these exceptions, where the stored form says less than the clear one:
+//   - texts come back with exactly one NUL behind them, an empty text without any bytes; numbers
+//   and
+//     calculated values with their 17 bytes
+//   - a note stored in fewer than 2001 bytes comes back with zeros up to there
+//   - a record without a stamp has one from then on
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+#include "engine/database_record.h"
+#include "engine/packed_record.h"
+#include "security/cipher.h"
+
+namespace tabelion {
+
+bool hasFlaggedFields(const DatabaseRecord& schema);
+
+// A new stamp for a record that has none.
+using StampSource = std::function<HeadBlock()>;
+
+// Enciphers the flagged values of a packed record in clear. False, with `record` untouched, when
+// the result would be longer than a record can be.
+[[nodiscard]] bool EncryptRecordFields(const DatabaseRecord& schema, Bytes& record,
+                                       const ExpandedKey& key, const StampSource& new_stamp);
+
+inline constexpr int kRecordDecrypted = 1;
+inline constexpr int kWrongPassword = 0;
+inline constexpr int kHeaderUnreadable = -1;  // the record has no stamp
+// One of these; the record is touched only when it was deciphered.
+[[nodiscard]] int DecryptRecord(const DatabaseRecord& schema, Bytes& record,
+                                const ExpandedKey& key);
+
+// A value that its enciphered form holds with a length that says too little: a text longer than 255
+// bytes behind a length of one byte. This system finds the whole text again by the length of the
+// value as a whole; others that share the file take the record for one with a wrong password.
+struct OverlongValue {
+  int slot = 0;
+  std::size_t length = 0;  // of the text, in bytes
+};
+std::vector<OverlongValue> overlongValues(const DatabaseRecord& schema, ByteView record);
+
+}  // namespace tabelion
