@@ -29,7 +29,7 @@ DialogTemplate passwordTemplate(bool for_encryption) {
 
 class PasswordScreen : public Screen {
  public:
-  explicit PasswordScreen(Application& app) : app_(app) {}
+  PasswordScreen(Application& app, bool waits) : app_(app), waits_(waits) {}
 
   void onInit(Dialog& dialog) override {
     Settings& settings = app_.platform.settings;
@@ -63,32 +63,44 @@ class PasswordScreen : public Screen {
     }
   }
 
-  std::string typed;
+  bool OnAutoClose(Dialog&) override { return !waits_; }
+
+  Password typed;
 
  private:
   void takeText(Dialog& dialog) {
-    const auto text =
-        StoredText(app_, dialog.control(kPasswordEdit).text().substr(0, kMaxPassword));
-    typed = text.ok() ? *text : std::string();
+    auto text = StoredText(app_, dialog.control(kPasswordEdit).text().substr(0, kMaxPassword));
+    if (text.ok()) {
+      typed.assign(*text);
+      WipeText(*text);
+    }
     WriteNumberSetting(app_.platform.settings, Setting::kHidePassword,
                        dialog.control(kHidePasswordBox).checked() ? 1 : 0);
   }
 
   Application& app_;
+  bool waits_;
 };
 
 }  // namespace
 
 int AskPassword(Application& app, Dialog* owner, const PasswordQuestion& question,
-                std::string* typed) {
-  PasswordScreen screen(app);
+                Password* typed) {
+  PasswordScreen screen(app, question.waits);
   const int result = RunModalDialog(app, owner, passwordTemplate(question.for_encryption), screen);
   if (result != kDialogDone) return kPasswordCancelled;
   if (typed != nullptr) *typed = screen.typed;
-  if (question.compare && screen.typed != question.expected) {
+  if (question.compare && screen.typed.text() != question.expected) {
     ShowMessage(app, u"Invalid Password", u"Error", MessageIcon::kError);
   }
   return kPasswordConfirmed;
+}
+
+EncryptionPasswordPrompt AskEncryptionPassword(Application& app, Dialog* owner, bool waits) {
+  return [&app, owner, waits](Password& typed) {
+    return AskPassword(app, owner, {.for_encryption = true, .waits = waits}, &typed) ==
+           kPasswordConfirmed;
+  };
 }
 
 }  // namespace tabelion

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "services/application.h"
+#include "services/encryption.h"
 #include "services/modal.h"
 
 namespace tabelion {
@@ -20,12 +21,16 @@ struct PasswordQuestion {
   std::string expected{};  // 8-bit
   bool compare = false;
   bool for_encryption = false;  // asks for the encryption password, not for the access password
+  bool waits = false;  // stays when auto-close would end it: what it guards is not safe yet
 };
 
 // kPasswordConfirmed or kPasswordCancelled; what was typed, 8-bit, goes into `typed`.
 // Compat: a wrong password is answered with a notice and counts as confirmed all the same
 // (AskPassword.WrongPasswordIsConfirmedAfterANotice).
 int AskPassword(Application& app, Dialog* owner, const PasswordQuestion& question,
-                std::string* typed = nullptr);
+                Password* typed = nullptr);
+
+// For the services that need the encryption password.
+EncryptionPasswordPrompt AskEncryptionPassword(Application& app, Dialog* owner, bool waits = false);
 
 }  // namespace tabelion

@@ -3,8 +3,10 @@
 #include <algorithm>
 
 #include "query/record_change.h"
+#include "screens/ask_password.h"
 #include "screens/screen_numbers.h"
 #include "services/access.h"
+#include "services/encryption.h"
 #include "services/message.h"
 #include "services/screen_text.h"
 
@@ -18,7 +20,7 @@ constexpr CommandId kGoPrevious = 40202;
 constexpr CommandId kGoNext = 40203;
 constexpr CommandId kGoLast = 40204;
 
-DialogTemplate editRecordTemplate() {
+DialogTemplate editRecordTemplate(const DatabaseRecord& schema) {
   DialogTemplate dialog;
   dialog.resource = kEditRecordScreen;
   dialog.title = u"Edit Record";
@@ -35,6 +37,10 @@ DialogTemplate editRecordTemplate() {
                                                       {.command = kGoNext, .text = u"Next"},
                                                       {.command = kGoLast, .text = u"Last"}}},
                                         {.command = kFormCancel, .text = u"Cancel"}}};
+  if (schema.encryption_mode == kEncryptRecordsByHand) {
+    auto& entries = dialog.menu_bar.right.children;
+    entries.insert(entries.end() - 1, {.command = kEncryptCommand, .text = u"Encrypt Record"});
+  }
   return dialog;
 }
 
@@ -51,7 +57,7 @@ bool HasRoomForRecord(Application& app) {
 
 int ShowEditRecord(Application& app, Dialog& owner, std::uint32_t record) {
   EditRecordScreen screen(app, record);
-  return RunModalDialog(app, &owner, editRecordTemplate(), screen);
+  return RunModalDialog(app, &owner, editRecordTemplate(CurrentDatabase(app).schema), screen);
 }
 
 void EditRecordScreen::onInit(Dialog& dialog) {
@@ -71,7 +77,10 @@ void EditRecordScreen::LoadEditRecord(Dialog& dialog, std::uint32_t record) {
   if (app_.new_record) {
     copy_ = newRecord(database.schema);
   } else if (record < database.records.count()) {
-    copy_ = unpackRecord(database.records[record].bytes());
+    const ByteView stored = database.records[record].bytes();
+    Bytes bytes(stored.begin(), stored.end());
+    DecipherForEditing(dialog, bytes);
+    copy_ = unpackRecord(bytes);
   }
   Bytes packed;
   if (copy_ && !packRecord(*copy_, packed)) copy_.reset();
@@ -94,6 +103,8 @@ void EditRecordScreen::onCommand(Dialog& dialog, CommandId command) {
       return NewRecord(dialog);
     case kDeleteCommand:
       return DeleteEditRecord(dialog);
+    case kEncryptCommand:
+      return ToggleEncryption(dialog);
     case kGoFirst:
     case kGoPrevious:
     case kGoNext:
@@ -133,6 +144,11 @@ bool EditRecordScreen::acceptsCharacter(Dialog&, ControlId, char32_t character) 
 void EditRecordScreen::onMenuOpening(Dialog&, MenuEntry& soft_key) {
   for (MenuEntry& entry : soft_key.children) {
     if (entry.command == kDeleteCommand) entry.enabled = copy_.has_value();
+    if (entry.command == kEncryptCommand) {
+      entry.enabled = copy_.has_value();
+      const bool encrypted = copy_ && isRecordEncrypted(copy_->prefix);
+      entry.text = encrypted ? u"Decrypt Record" : u"Encrypt Record";
+    }
   }
 }
 
@@ -150,12 +166,12 @@ bool EditRecordScreen::SaveEditRecord(Dialog& dialog) {
   }
   UnpackedRecord before = *copy_;
   if (!form_.Collect(dialog, *copy_)) return false;
-  if (StoreCopy()) return true;
+  if (StoreCopy(dialog)) return true;
   copy_ = std::move(before);  // so that another attempt starts from what is stored
   return false;
 }
 
-bool EditRecordScreen::StoreCopy() {
+bool EditRecordScreen::StoreCopy(Dialog& dialog) {
   if (app_.new_record && !HasRoomForRecord(app_)) return false;
   Database& database = CurrentDatabase(app_);
   const std::uint32_t position =
@@ -170,8 +186,55 @@ bool EditRecordScreen::StoreCopy() {
   }
   app_.current_record = position;
   app_.new_record = false;
+  if (database.schema.encryption_mode == kEncryptRecordsOnSave) EncipherStored(dialog);
   app_.engine.steps.refresh(database);
   return true;
+}
+
+// In a database that enciphers what it saves, the copy is in clear once its password was given.
+// When the user gives none, the form shows the record as it is stored.
+void EditRecordScreen::DecipherForEditing(Dialog& dialog, Bytes& record) {
+  if (CurrentDatabase(app_).schema.encryption_mode != kEncryptRecordsOnSave) return;
+  while (isRecordEncrypted(record) &&
+         PromptDecryptRecord(app_, record, AskEncryptionPassword(app_, &dialog)) ==
+             kWrongPassword) {
+    ShowMessage(app_, u"ERROR: Password does not properly decrypt this data.  Please Try again.",
+                u"ACCESS DENIED", MessageIcon::kError);
+  }
+}
+
+void EditRecordScreen::EncipherStored(Dialog& dialog) {
+  Database& database = CurrentDatabase(app_);
+  const ByteView stored = database.records[app_.current_record].bytes();
+  Bytes record(stored.begin(), stored.end());
+  if (isRecordEncrypted(record) ||
+      !PromptEncryptRecord(app_, record, AskEncryptionPassword(app_, &dialog, true))) {
+    return;
+  }
+  if (database.records.replace(app_.current_record, record)) setDirty(database);
+}
+
+void EditRecordScreen::ToggleEncryption(Dialog& dialog) {
+  if (CheckSecurity(app_, Operation::kChange, true) != kAccessGranted || !SaveEditRecord(dialog) ||
+      app_.new_record) {
+    return;
+  }
+  Database& database = CurrentDatabase(app_);
+  const ByteView stored = database.records[app_.current_record].bytes();
+  if (isRecordEncrypted(stored)) {
+    Bytes record(stored.begin(), stored.end());
+    const int result = PromptDecryptRecord(app_, record, AskEncryptionPassword(app_, &dialog));
+    if (result == kWrongPassword) {
+      ShowMessage(app_, u"Error: Supplied Password does not properly Decrypt Record!", u"Error",
+                  MessageIcon::kError);
+    }
+    if (result != kRecordDecrypted) return;
+    if (database.records.replace(app_.current_record, record)) setDirty(database);
+  } else {
+    EncipherStored(dialog);
+  }
+  app_.engine.steps.refresh(database);
+  LoadEditRecord(dialog, app_.current_record);
 }
 
 void EditRecordScreen::DeleteEditRecord(Dialog& dialog) {

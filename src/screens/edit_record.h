@@ -33,12 +33,15 @@ class EditRecordScreen : public Screen {
   void LoadEditRecord(Dialog& dialog, std::uint32_t record);
   // False when the form must stay, because a value or the record was not accepted.
   bool SaveEditRecord(Dialog& dialog);
-  bool StoreCopy();
+  bool StoreCopy(Dialog& dialog);
   void DeleteEditRecord(Dialog& dialog);
   void MoveTo(Dialog& dialog, Move move);
   void NewRecord(Dialog& dialog);
   void Leave(Dialog& dialog, bool keep_untouched_new);
   void ChangeWidth(Dialog& dialog, int step);
+  void DecipherForEditing(Dialog& dialog, Bytes& record);
+  void EncipherStored(Dialog& dialog);
+  void ToggleEncryption(Dialog& dialog);
   bool MayChange() const;
 
   Application& app_;

@@ -94,6 +94,7 @@ void RecordListScreen::OpenFile(Dialog& dialog) {
            kPasswordConfirmed;
   });
   if (opened != kOpened) return dialog.end(kDialogClosed);
+  DecryptWholeDatabase(app_, AskEncryptionPassword(app_, &dialog));
   const Database& database = CurrentDatabase(app_);
   if (database.schema.label_width_adjustment >= kCorruptWidth) {
     ShowMessage(app_, u"This database appears to be corrupt.", u"Open Database",
@@ -200,7 +201,7 @@ void RecordListScreen::Save() {
 }
 
 void RecordListScreen::Close(Dialog& dialog, int result) {
-  if (CloseFor(result)) {
+  if (CloseFor(dialog, result)) {
     dialog.end(result);
   } else {
     FillRecordList(dialog);
@@ -208,10 +209,12 @@ void RecordListScreen::Close(Dialog& dialog, int result) {
 }
 
 // Auto-close means that nobody is there to be asked: what was changed is saved.
-bool RecordListScreen::CloseFor(int result) {
+bool RecordListScreen::CloseFor(Dialog& dialog, int result) {
   const bool auto_closed = result == kDialogAutoClosed;
-  if (!CloseDatabase(app_, auto_closed ? AskBeforeSaving::kNo : AskBeforeSaving::kYes))
+  const auto prompt = AskEncryptionPassword(app_, &dialog, true);
+  if (!CloseDatabase(app_, auto_closed ? AskBeforeSaving::kNo : AskBeforeSaving::kYes, prompt)) {
     return false;
+  }
   if (auto_closed) SavePreferences(app_.platform, app_.preferences);
   return true;
 }

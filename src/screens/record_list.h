@@ -31,7 +31,7 @@ class RecordListScreen : public Screen {
   void onPaintRow(Dialog& dialog, ControlId list, int row, ListPainter& painter,
                   const Rect& area) override;
   std::u16string rowText(Dialog& dialog, ControlId list, int row) override;
-  bool OnAutoClose(Dialog&) override { return CloseFor(kDialogAutoClosed); }
+  bool OnAutoClose(Dialog& dialog) override { return CloseFor(dialog, kDialogAutoClosed); }
 
   // Rebuilds the list from the current view. Run after every command that changes records, order
   // or view.
@@ -45,7 +45,7 @@ class RecordListScreen : public Screen {
   void NewRecord(Dialog& dialog);
   void Save();
   void Close(Dialog& dialog, int result);
-  bool CloseFor(int result);  // false: the database stays open
+  bool CloseFor(Dialog& dialog, int result);  // false: the database stays open
   bool QuickFindKey(Dialog& dialog, const KeyPress& key);
   int RowOfCurrentRecord() const;
 

@@ -18,6 +18,7 @@ inline constexpr CommandId kSaveCommand = 40016;
 inline constexpr CommandId kWiderCommand = 40023;
 inline constexpr CommandId kNarrowerCommand = 40024;
 inline constexpr CommandId kDoneCommand = 40028;
+inline constexpr CommandId kEncryptCommand = 40040;
 inline constexpr CommandId kCancelCommand = 40035;
 
 inline constexpr CommandId kFirstListedCommand = 40100;  // entries that name data, from here up

@@ -12,6 +12,7 @@
 #include "platform/platform.h"
 #include "query/format_settings.h"
 #include "query/query_settings.h"
+#include "security/password.h"
 #include "services/preferences.h"
 
 namespace tabelion {
@@ -32,6 +33,7 @@ struct StackSlot {
   std::unique_ptr<Database> database;
   std::unique_ptr<FileLock> lock;
   bool open = false;
+  Password remembered;  // deciphered it; kept while the preference for it is on
 };
 
 // Slot 0 holds the database that the user opened, deeper ones those opened through a link.

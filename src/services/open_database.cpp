@@ -83,6 +83,30 @@ int OpenDatabaseFile(Application& app, const std::string& path,
   return kOpened;
 }
 
+namespace {
+
+// Whether the database may be closed now: saved, not to be saved, or given up by the user.
+bool saveBeforeClosing(Application& app, AskBeforeSaving ask,
+                       const EncryptionPasswordPrompt& prompt) {
+  Database& database = CurrentDatabase(app);
+  if (isDirty(database)) {
+    const bool save = ask == AskBeforeSaving::kNo || app.preferences.auto_save_on_close ||
+                      Ask(app, u"Save changes to this database?", u"QUESTION");
+    if (!save) return true;
+  }
+  if (!EncryptWholeDatabase(app, prompt)) return false;
+  if (!isDirty(database)) return true;
+  if (SaveCurrentDatabase(app) ||
+      Ask(app, u"ERROR:File could not be saved\nClose without saving the changes?", u"Update",
+          MessageIcon::kError)) {
+    return true;
+  }
+  if (prompt) DecryptWholeDatabase(app, prompt);  // what was enciphered for closing
+  return false;
+}
+
+}  // namespace
+
 bool SaveCurrentDatabase(Application& app) {
   Database& database = CurrentDatabase(app);
   const bool was_dirty = isDirty(database);
@@ -93,32 +117,23 @@ bool SaveCurrentDatabase(Application& app) {
   } else if (app.current_record != kNewRecord) {
     database.schema.current_record_index = 0;
   }
-  if (saveDatabase(database, app.engine) == 1) return true;
+  if (SaveEnciphered(app, [&] { return saveDatabase(database, app.engine) == 1; })) return true;
   if (was_dirty) setDirty(database);
   return false;
 }
 
-bool CloseDatabase(Application& app, AskBeforeSaving ask) {
-  Database& database = CurrentDatabase(app);
-  if (IsDatabaseOpen(app) && isDirty(database)) {
-    const bool save = ask == AskBeforeSaving::kNo || app.preferences.auto_save_on_close ||
-                      Ask(app, u"Save changes to this database?", u"QUESTION");
-    if (save && !SaveCurrentDatabase(app) &&
-        !Ask(app, u"ERROR:File could not be saved\nClose without saving the changes?", u"Update",
-             MessageIcon::kError)) {
-      return false;
-    }
-  }
-  closeDatabase(database);
+bool CloseDatabase(Application& app, AskBeforeSaving ask, const EncryptionPasswordPrompt& prompt) {
+  if (IsDatabaseOpen(app) && !saveBeforeClosing(app, ask, prompt)) return false;
+  closeDatabase(CurrentDatabase(app));
   ResetCurrentSlot(app);
   app.current_record = 0;
   app.new_record = false;
   return true;
 }
 
-void CloseAllDatabases(Application& app) {
+void CloseAllDatabases(Application& app, const EncryptionPasswordPrompt& prompt) {
   while (IsDatabaseOpen(app)) {
-    if (!CloseDatabase(app, AskBeforeSaving::kNo)) continue;  // the user wants another attempt
+    if (!CloseDatabase(app, AskBeforeSaving::kNo, prompt)) continue;  // another attempt
     if (app.stack.current_depth > 0) --app.stack.current_depth;
   }
 }

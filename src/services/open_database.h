@@ -5,6 +5,7 @@
 #include <string>
 
 #include "services/application.h"
+#include "services/encryption.h"
 
 namespace tabelion {
 
@@ -27,11 +28,13 @@ bool SaveCurrentDatabase(Application& app);
 
 // Closes the current database and releases its file. Unsaved changes are saved, without a question
 // when `ask` is off or the user prefers so; when saving fails the user decides whether to close
-// all the same. False when the database stays open.
+// all the same. A database that is kept enciphered is enciphered before it is saved. False when the
+// database stays open.
 enum class AskBeforeSaving { kNo, kYes };
-bool CloseDatabase(Application& app, AskBeforeSaving ask);
+bool CloseDatabase(Application& app, AskBeforeSaving ask,
+                   const EncryptionPasswordPrompt& prompt = {});
 
 // At the end of the program: closes what is open from the top of the stack down, saving it.
-void CloseAllDatabases(Application& app);
+void CloseAllDatabases(Application& app, const EncryptionPasswordPrompt& prompt = {});
 
 }  // namespace tabelion

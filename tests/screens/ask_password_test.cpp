@@ -9,7 +9,7 @@ namespace {
 TEST(AskPassword, WrongPasswordIsConfirmedAfterANotice) {
   PhoneWorld world;
   Application app(world.platform);
-  std::string typed;
+  Password typed;
   const PasswordQuestion question{.expected = "sesame", .compare = true};
   world.phone.at(kPasswordScreen).type(u"sesame").choose({u"OK"});
   world.phone.at(kPasswordScreen).type(u"guess").choose({u"OK"});
@@ -18,7 +18,7 @@ TEST(AskPassword, WrongPasswordIsConfirmedAfterANotice) {
   world.phone.play([&] {
     EXPECT_EQ(AskPassword(app, nullptr, question, &typed), kPasswordConfirmed);
     EXPECT_EQ(AskPassword(app, nullptr, question, &typed), kPasswordConfirmed);
-    EXPECT_EQ(typed, "guess");
+    EXPECT_EQ(typed.text(), "guess");
     EXPECT_EQ(AskPassword(app, nullptr, question, &typed), kPasswordCancelled);
   });
 }
@@ -26,7 +26,7 @@ TEST(AskPassword, WrongPasswordIsConfirmedAfterANotice) {
 TEST(AskPassword, HidesWhatIsTypedAsTheUserWants) {
   PhoneWorld world;
   Application app(world.platform);
-  std::string typed;
+  Password typed;
   const auto masked = [](bool expected) {
     return [expected](FakeDialog& dialog) {
       EXPECT_EQ(dialog.fake(kPasswordEdit).face.masked, expected);
@@ -51,7 +51,7 @@ TEST(AskPassword, HidesWhatIsTypedAsTheUserWants) {
       .choose({u"OK"});
   world.phone.play([&] {
     AskPassword(app, nullptr, {}, &typed);
-    EXPECT_EQ(typed, "abcdefghijklmnopqrstuvw");
+    EXPECT_EQ(typed.text(), "abcdefghijklmnopqrstuvw");
     EXPECT_EQ(world.setting("HidePassword"), "1");
     AskPassword(app, nullptr, {.for_encryption = true});
   });
