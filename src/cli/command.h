@@ -43,5 +43,9 @@ CommandBody declareSet(OptionList list);
 CommandBody declareAdd(OptionList list);
 CommandBody declareDelete(OptionList list);
 CommandBody declareView(OptionList list);
+CommandBody declareEncrypt(OptionList list);
+CommandBody declareDecrypt(OptionList list);
+CommandBody declarePasswd(OptionList list);
+CommandBody declareRights(OptionList list);
 
 }  // namespace tabelion

@@ -1,10 +1,14 @@
 #include "cli/context.h"
 
+#include <algorithm>
 #include <chrono>
 
 #include <fmt/format.h>
 
 #include "engine/calendar.h"
+#include "engine/packed_record.h"
+#include "security/access_rights.h"
+#include "security/database_encryption.h"
 #include "services/preferences.h"
 #include "services/setting_table.h"
 
@@ -15,6 +19,17 @@ namespace {
 using SteadyClock = std::chrono::steady_clock;
 constexpr std::chrono::milliseconds kPatience{500};
 constexpr std::chrono::milliseconds kBetween{100};
+
+// As many as the window's password dialog takes.
+constexpr std::size_t kLongestPassword = 24;
+
+RecordIdentity identityOf(ByteView record) {
+  RecordIdentity identity{};
+  if (const auto stamp = recordStamp(record)) {
+    std::copy_n(stamp->begin(), identity.size(), identity.begin());
+  }
+  return identity;
+}
 
 }  // namespace
 
@@ -38,7 +53,7 @@ ExitCode exitCodeFor(ErrorKind kind) {
   return ExitCode::kRefused;
 }
 
-CliContext::CliContext(CliPlatform& platform, Streams& the_streams, std::string code_page)
+CliContext::CliContext(CliPlatform& platform, Streams& the_streams, GlobalOptions options)
     : streams(the_streams),
       files(platform.files, the_streams),
       clock(platform.clock),
@@ -46,7 +61,8 @@ CliContext::CliContext(CliPlatform& platform, Streams& the_streams, std::string 
       out(the_streams.out),
       locale_(platform.locale),
       settings_(platform.settings),
-      code_page_(std::move(code_page)) {
+      secret_prompt_(platform.ask_secret),
+      options_(std::move(options)) {
   engine.message = [this](const std::string& text) {
     if (!engine_message_.empty()) engine_message_ += "; ";
     engine_message_ += text;
@@ -63,7 +79,7 @@ ExitCode CliContext::fail(const Error& error) {
   return exitCodeFor(error.kind);
 }
 
-std::unique_ptr<Database> CliContext::open(const std::string& path, ExitCode& failure) {
+std::unique_ptr<Database> CliContext::openAsItIs(const std::string& path, ExitCode& failure) {
   const auto start = files.readStart(path, kHeaderSize);
   if (!start.ok()) {
     failure = fail(start.error());
@@ -91,7 +107,111 @@ std::unique_ptr<Database> CliContext::open(const std::string& path, ExitCode& fa
   return database;
 }
 
+std::unique_ptr<Database> CliContext::open(const std::string& path, ExitCode& failure) {
+  auto database = openAsItIs(path, failure);
+  if (database && mayOpen(*database, failure) && decipher(*database, failure)) return database;
+  return nullptr;
+}
+
+std::optional<Password> CliContext::askPassword(const SecretSource& source,
+                                                const std::string& question,
+                                                const TextEncoding& encoding, ExitCode& failure) {
+  Result<std::string> text = readSecret(source, files, secret_prompt_, question);
+  if (!text.ok()) {
+    say(text.error().text);
+    failure = ExitCode::kWrongPassword;
+    return std::nullopt;
+  }
+  Encoded bytes = encoding.fromUtf8(*text);
+  WipeText(*text);
+  std::optional<Password> password;
+  if (!bytes.ok() || bytes.bytes.size() > kLongestPassword) {
+    say(fmt::format("a password has at most {} characters, all of them in {}", kLongestPassword,
+                    encoding.name()));
+    failure = ExitCode::kWrongPassword;
+  } else {
+    password.emplace(bytes.bytes);
+  }
+  WipeText(bytes.bytes);
+  return password;
+}
+
+bool CliContext::mayOpen(const Database& database, ExitCode& failure) {
+  const int code = openCode(database.schema);
+  if (code == kOpenFreely) return true;
+  if (code == kNeverOpen) {
+    failure = fail({ErrorKind::kRefused,
+                    database.path + ": its rights do not let it be opened; see \"rights\""});
+    return false;
+  }
+  const auto encoding = encodingOf(database);
+  if (!encoding.ok()) {
+    failure = fail(encoding.error());
+    return false;
+  }
+  const auto password =
+      askPassword(options_.access_password, "Access password", *encoding, failure);
+  if (!password) return false;
+  if (password->text() == areaText(database.schema.access_password)) return true;
+  say(database.path + ": this is not its access password");
+  failure = ExitCode::kWrongPassword;
+  return false;
+}
+
+bool CliContext::decipher(Database& database, ExitCode& failure) {
+  deciphered_.reset();
+  if (!options_.encryption_password.isGiven()) return true;
+  Deciphered deciphered;
+  for (const Record& record : database.records) {
+    auto& identities =
+        isRecordEncrypted(record.bytes()) ? deciphered.records : deciphered.others;
+    identities.insert(identityOf(record.bytes()));
+  }
+  if (deciphered.records.empty()) return true;
+  const auto encoding = encodingOf(database);
+  if (!encoding.ok()) {
+    failure = fail(encoding.error());
+    return false;
+  }
+  const auto password =
+      askPassword(options_.encryption_password, "Encryption password", *encoding, failure);
+  if (!password) return false;
+  deciphered.password = *password;
+  ExpandedKey key;
+  MakeKey(password->text(), key);
+  const DecryptSummary summary = DecryptRecords(database, key, true);
+  if (summary.failed > 0) {
+    say(fmt::format("{}: the password does not decipher {} of {} enciphered records", database.path,
+                    summary.failed, deciphered.records.size()));
+    failure = ExitCode::kWrongPassword;
+    return false;
+  }
+  deciphered_ = std::move(deciphered);
+  return true;
+}
+
+// A database that is kept enciphered is enciphered as a whole; else the records that were so
+// before, and new ones where saving enciphers.
+bool CliContext::encipherAgain(Database& database) {
+  const int mode = database.schema.encryption_mode;
+  ExpandedKey key;
+  MakeKey(deciphered_->password.text(), key);
+  const EncryptSummary summary = EncryptRecords(database, engine, key, [&](ByteView record) {
+    const RecordIdentity identity = identityOf(record);
+    return mode == kEncryptWholeDatabase || deciphered_->records.contains(identity) ||
+           (mode == kEncryptRecordsOnSave && !deciphered_->others.contains(identity));
+  });
+  if (summary.too_long != kNoPosition) {
+    say(fmt::format("{}: record {} would become too long enciphered", database.path,
+                    summary.too_long + 1));
+    return false;
+  }
+  SetPasswordCheck(database.schema, deciphered_->password.text(), engine.random);
+  return true;
+}
+
 ExitCode CliContext::save(Database& database) {
+  if (deciphered_ && !encipherAgain(database)) return ExitCode::kRefused;
   if (saveDatabase(database, engine)) return ExitCode::kDone;
   Error error = files.lastWriteError();
   if (error.text.empty()) error.text = database.path + ": too large to be written";
@@ -107,7 +227,7 @@ std::unique_ptr<FileLock> CliContext::lock(const std::string& path, ExitCode& fa
 }
 
 Result<TextEncoding> CliContext::userEncoding() {
-  std::string name = code_page_;
+  std::string name = options_.code_page;
   if (name.empty()) {
     name = ReadSetting(settings_, Setting::kCodePage).value_or(std::string(kDefaultCodePage));
   }

@@ -1,12 +1,15 @@
 // What every command works with: files, streams, the way to say what went wrong.
 #pragma once
 
+#include <array>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 
 #include "cli/exit_code.h"
 #include "cli/piped_files.h"
+#include "cli/secret.h"
 #include "cli/streams.h"
 #include "engine/database.h"
 #include "interchange/table_export.h"
@@ -25,11 +28,22 @@ struct CliPlatform {
   Locale& locale;
   Settings& settings;
   RandomSource random;
+  SecretPrompt ask_secret = {};
+};
+
+// The part of a record's stamp that stays the same when the record is changed.
+using RecordIdentity = std::array<std::uint8_t, kStampIdentitySize>;
+
+// What every command may be given.
+struct GlobalOptions {
+  std::string code_page;
+  SecretSource encryption_password;
+  SecretSource access_password;
 };
 
 class CliContext {
  public:
-  CliContext(CliPlatform& platform, Streams& streams, std::string code_page);
+  CliContext(CliPlatform& platform, Streams& streams, GlobalOptions options);
 
   Streams& streams;
   PipedFiles files;
@@ -42,10 +56,19 @@ class CliContext {
   ExitCode fail(const Error& error);
 
   // Opens the database at `path`. On failure the message has been said and `failure` is set.
+  std::unique_ptr<Database> openAsItIs(const std::string& path, ExitCode& failure);
+  // The same for those who work with its records: only when its rights let it be opened, and with
+  // its records in clear when their password was given.
   std::unique_ptr<Database> open(const std::string& path, ExitCode& failure);
-  // Writes the database to its path.
+  // Writes the database to its path; records that open() deciphered are enciphered again first.
   ExitCode save(Database& database);
   std::unique_ptr<FileLock> lock(const std::string& path, ExitCode& failure);
+
+  // A password of a database from one of its sources, else from the terminal, in the encoding of
+  // the database. On failure the message has been said and `failure` is set.
+  std::optional<Password> askPassword(const SecretSource& source, const std::string& question,
+                                      const TextEncoding& encoding, ExitCode& failure);
+  const GlobalOptions& options() const { return options_; }
 
   // The code page that the user has set or asked for.
   Result<TextEncoding> userEncoding();
@@ -64,9 +87,22 @@ class CliContext {
   void clearProgress();
 
  private:
+  // The records that open() deciphered, and with what.
+  struct Deciphered {
+    Password password;
+    std::set<RecordIdentity> records;
+    std::set<RecordIdentity> others;  // that were in clear
+  };
+
+  bool mayOpen(const Database& database, ExitCode& failure);
+  bool decipher(Database& database, ExitCode& failure);
+  bool encipherAgain(Database& database);
+
   Locale& locale_;
   Settings& settings_;
-  std::string code_page_;
+  SecretPrompt secret_prompt_;
+  GlobalOptions options_;
+  std::optional<Deciphered> deciphered_;
   std::string engine_message_;
   bool shows_progress_ = false;
 };

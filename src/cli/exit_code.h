@@ -14,6 +14,7 @@ enum class ExitCode {
   kLocked = 6,
   kRefused = 7,
   kCannotWrite = 8,
+  kWrongPassword = 9,
 };
 
 struct ExitCodeText {
@@ -30,6 +31,7 @@ inline constexpr ExitCodeText kExitCodes[] = {
     {ExitCode::kLocked, "another program has the database open"},
     {ExitCode::kRefused, "an input is not accepted"},
     {ExitCode::kCannotWrite, "an output could not be written"},
+    {ExitCode::kWrongPassword, "a password is missing or wrong"},
 };
 
 ExitCode exitCodeFor(ErrorKind kind);

@@ -7,6 +7,7 @@
 #include "cli/context.h"
 #include "cli/json_output.h"
 #include "engine/packed_record.h"
+#include "security/database_encryption.h"
 
 namespace tabelion {
 namespace {
@@ -15,21 +16,6 @@ struct InfoOptions {
   std::string file;
   bool json = false;
 };
-
-const char* encryptionText(int mode) {
-  switch (mode) {
-    case 0:
-      return "whole database";
-    case 1:
-      return "record by record, automatic";
-    case 2:
-      return "record by record";
-    case 3:
-      return "none";
-    default:
-      return "unknown";
-  }
-}
 
 // Every operation that is not simply granted: "add refused, delete asks for the password".
 std::string restrictionsText(std::uint32_t security_word) {
@@ -87,7 +73,9 @@ nlohmann::ordered_json infoJson(const Database& database, const Counts& counts,
   json["views"] = schema.view_count;
   json["code page"] = code_page.empty() ? "the user's" : code_page;
   json["restrictions"] = restrictionsText(schema.security_word);
-  json["encryption"] = encryptionText(schema.encryption_mode);
+  json["encryption"] = schema.encryption_mode < std::size(kEncryptionModeNames)
+                           ? kEncryptionModeNames[schema.encryption_mode]
+                           : "unknown";
   json["enciphered as a whole"] = (schema.head[kStampFlagOffset] & kDatabaseEncrypted) != 0;
   json["flagged fields"] = counts.flagged_fields;
   json["enciphered records"] = counts.enciphered_records;
@@ -96,7 +84,7 @@ nlohmann::ordered_json infoJson(const Database& database, const Counts& counts,
 
 ExitCode runInfo(const InfoOptions& options, CliContext& context) {
   ExitCode failure{};
-  const auto database = context.open(options.file, failure);
+  const auto database = context.openAsItIs(options.file, failure);
   if (!database) return failure;
   const auto encoding = context.encodingOf(*database);
   if (!encoding.ok()) return context.fail(encoding.error());

@@ -18,8 +18,12 @@ int main(int argc, char** argv) {
   tabelion::StdLocale locale;
   tabelion::JsonSettings settings;
   std::minstd_rand generator(std::random_device{}());
-  tabelion::CliPlatform platform{files, clock, locale, settings,
-                                 [&generator] { return static_cast<std::uint32_t>(generator()); }};
+  tabelion::CliPlatform platform{files,
+                                 clock,
+                                 locale,
+                                 settings,
+                                 [&generator] { return static_cast<std::uint32_t>(generator()); },
+                                 tabelion::askOnTerminal};
   tabelion::DescriptorSink out(STDOUT_FILENO);
   tabelion::DescriptorSink err(STDERR_FILENO);
   tabelion::Streams streams{out, err, [] { return tabelion::readDescriptor(STDIN_FILENO); },

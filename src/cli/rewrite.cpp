@@ -15,7 +15,7 @@ ExitCode runRewrite(const RewriteOptions& options, CliContext& context) {
   ExitCode failure{};
   const auto lock = context.lock(options.out, failure);
   if (!lock) return failure;
-  const auto database = context.open(options.file, failure);
+  const auto database = context.openAsItIs(options.file, failure);
   if (!database) return failure;
   database->path = options.out;
   return context.save(*database);

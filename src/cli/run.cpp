@@ -22,17 +22,23 @@ constexpr Command kCommands[] = {
     {"create", "Make a database from a description, and records from CSV", declareCreate},
     {"import", "Add the rows of a CSV text as records", declareImport},
     {"export", "Write the records as CSV, JSON or SQL", declareExport},
-    {"recalc", "Work out the calculated fields of all records anew", declareRecalc},
     {"rewrite", "Open a database and save it under another name", declareRewrite},
+    {"sort", "Put the records into an order, and keep them in it", declareSort},
     {"view", "List, choose, make and change views", declareView},
     {"report", "Show statistics over one field", declareReport},
-    {"sort", "Put the records into an order, and keep them in it", declareSort},
     {"set", "Change fields of one record", declareSet},
     {"add", "Add one record", declareAdd},
     {"delete", "Delete records", declareDelete},
+    {"recalc", "Work out the calculated fields of all records anew", declareRecalc},
+    {"encrypt", "Encipher chosen fields of all records with a password", declareEncrypt},
+    {"decrypt", "Decipher all records, and keep them in clear", declareDecrypt},
+    {"passwd", "Set the password that opening a database asks for", declarePasswd},
+    {"rights", "Show or change what a database allows its users to do", declareRights},
     {"completions", "Write what lets a shell complete command lines", declareCompletions},
     {"manual", "Write the manual page", declareManual},
 };
+
+constexpr std::uint32_t kMostDescriptor = 1 << 20;
 
 std::string footer() {
   std::string text = "A FILE or OUT of - is standard input or standard output.\n\nExit codes:\n";
@@ -46,7 +52,7 @@ std::string footer() {
 // The parser with all commands declared, and what they declared.
 struct Parser {
   CLI::App app{kProgramSummary, kProgramName};
-  std::string code_page;
+  GlobalOptions options;
   CommandForm form{kProgramName, kProgramSummary, {}, {}};
   std::vector<std::pair<CLI::App*, CommandBody>> bodies;
 
@@ -55,9 +61,7 @@ struct Parser {
     app.footer(footer());
     app.require_subcommand(1);
     app.fallthrough();
-    OptionList(app, form).optional(
-        "--code-page NAME", code_page,
-        "Code page of databases that name none (default: the user's setting, else 1252)");
+    declareGlobals(OptionList(app, form));
     // The parser has these two on its own.
     form.options.push_back(
         {"--help", "", "Print help, also of a command, and exit", false, false, {}});
@@ -67,6 +71,21 @@ struct Parser {
       form.actions.push_back({command.name, command.summary, {}, {}});
       bodies.emplace_back(sub, command.declare(OptionList(*sub, form.actions.back())));
     }
+  }
+
+  void declareGlobals(OptionList list) {
+    list.optional("--code-page NAME", options.code_page,
+                  "Code page of databases that name none (default: the user's setting, else 1252)");
+    SecretSource& password = options.encryption_password;
+    list.optional("--password-file FILE", password.file,
+                  "File whose first line is the password of enciphered records");
+    list.number("--password-fd NUMBER", password.descriptor, 0, kMostDescriptor,
+                "The same from an open file descriptor");
+    list.flag("--ask-password", password.ask,
+              "Ask for the password of enciphered records on the terminal");
+    list.exclusive({"--password-file", "--password-fd", "--ask-password"});
+    list.optional("--access-password-file FILE", options.access_password.file,
+                  "File whose first line is the password that opening asks for");
   }
 };
 
@@ -93,7 +112,7 @@ ExitCode runCli(std::vector<std::string> arguments, CliPlatform& platform, Strea
     if (code != 0) return ExitCode::kUsage;
     return written ? ExitCode::kDone : ExitCode::kCannotWrite;
   }
-  CliContext context(platform, streams, parser.code_page);
+  CliContext context(platform, streams, parser.options);
   for (const auto& [sub, body] : parser.bodies) {
     if (!sub->parsed()) continue;
     const ExitCode code = body(context);

@@ -9,7 +9,7 @@ namespace {
 
 ExitCode runSchema(const std::string& file, CliContext& context) {
   ExitCode failure{};
-  const auto database = context.open(file, failure);
+  const auto database = context.openAsItIs(file, failure);
   if (!database) return failure;
   const auto encoding = context.encodingOf(*database);
   if (!encoding.ok()) return context.fail(encoding.error());
