@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <limits>
 
 namespace tabelion {
@@ -76,15 +77,46 @@ double leadingNumber(std::string_view text) {
   return negative ? -value : value;
 }
 
+// A number of few digits with few decimals, several times faster than the general way and rounded
+// like it: to the nearest count of its last decimal. Null for any other number, and for one that
+// lies about half way between two counts.
+char* putShortNumber(char* at, double value, int decimals) {
+  constexpr std::uint32_t kUnits[] = {1, 10, 100, 1000, 10000};
+  // Below this a product of doubles is off by less than 0.00012.
+  constexpr double kLargestCount = 1e12;
+  if (decimals >= static_cast<int>(std::size(kUnits))) return nullptr;
+  const std::uint32_t unit = kUnits[decimals];
+  const double scaled = std::fabs(value) * unit;
+  if (!(scaled < kLargestCount)) return nullptr;
+  auto count = static_cast<std::uint64_t>(scaled);
+  const double rest = scaled - static_cast<double>(count);
+  if (rest > 0.499 && rest < 0.501) return nullptr;
+  if (rest > 0.5) ++count;
+  if (std::signbit(value)) *at++ = '-';
+  at = std::to_chars(at, at + 16, count / unit).ptr;
+  if (decimals == 0) return at;
+  *at = '.';
+  auto fraction = static_cast<std::uint32_t>(count % unit);
+  for (int i = decimals; i > 0; --i) {
+    at[i] = static_cast<char>('0' + fraction % 10);
+    fraction /= 10;
+  }
+  return at + decimals + 1;
+}
+
 }  // namespace
 
 void appendNumber(std::string& into, double value, int decimals, bool decimal_comma) {
   if (decimals < 0) decimals = kDefaultDecimals;
   char digits[kLongestNumber];
-  const auto end = std::to_chars(digits, digits + sizeof digits, value, std::chars_format::fixed,
-                                 std::min(decimals, kMaxDecimals));
-  if (decimal_comma) std::replace(digits, end.ptr, '.', ',');
-  into.append(digits, end.ptr);
+  char* end = putShortNumber(digits, value, decimals);
+  if (!end) {
+    end = std::to_chars(digits, digits + sizeof digits, value, std::chars_format::fixed,
+                        std::min(decimals, kMaxDecimals))
+              .ptr;
+  }
+  if (decimal_comma) std::replace(digits, end, '.', ',');
+  into.append(digits, end);
 }
 
 std::string numberText(double value, int decimals, bool decimal_comma) {

@@ -11,6 +11,7 @@
 
 #include "engine/database.h"
 #include "engine/packed_record.h"
+#include "query/fetch_ahead.h"
 #include "query/format_settings.h"
 #include "query/sort_fields.h"
 
@@ -74,14 +75,6 @@ class SortLevel {
   std::int64_t rank_of_empty_ = 0;
   std::int64_t rank_of_unknown_ = 0;
 };
-
-// Asks for the first bytes of a record ahead of a pass: sorted records lie anywhere in memory.
-inline void fetchAhead(ByteView record, std::size_t bytes) {
-  constexpr std::size_t kLine = 64;
-  constexpr std::size_t kMost = 8 * kLine;
-  const std::size_t end = std::min({record.size(), bytes, kMost});
-  for (std::size_t at = 0; at < end; at += kLine) __builtin_prefetch(record.data() + at);
-}
 
 // The levels in force, up to the first one without a field. A stored field past the last slot
 // counts as none.

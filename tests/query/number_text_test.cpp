@@ -1,8 +1,10 @@
 #include "query/number_text.h"
 
 #include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
 
 #include <cmath>
+#include <cstdio>
 
 namespace tabelion {
 
@@ -15,6 +17,22 @@ TEST(NumberText, WritesFixedDecimalsWithoutBlanks) {
   EXPECT_EQ(numberText(123456789012345.0, 1, false), "123456789012345.0");
   EXPECT_EQ(numberText(1e300, 255, false).size(), 301u + 1 + 255);
   EXPECT_EQ(numberText(0.5, -1, false), "0.500000");
+  EXPECT_EQ(numberText(-0.0001, 2, false), "-0.00");
+  EXPECT_EQ(numberText(999999999999.9951, 2, false), "1000000000000.00");
+}
+
+RC_GTEST_PROP(NumberText, IsRoundedAsPrintfRounds, ()) {
+  // Near ends of decimals, where rounding is a close thing, and of every size.
+  const auto digits = *rc::gen::arbitrary<std::int64_t>();
+  const int shift = *rc::gen::inRange(-3, 19);
+  const int steps = *rc::gen::inRange(-2, 3);
+  double value = static_cast<double>(digits) / std::pow(10, shift);
+  for (int i = 0; i < std::abs(steps); ++i) value = std::nextafter(value, steps < 0 ? -1e30 : 1e30);
+  for (int decimals = 0; decimals <= 5; ++decimals) {
+    char printed[400];
+    std::snprintf(printed, sizeof printed, "%.*f", decimals, value);
+    RC_ASSERT(numberText(value, decimals, false) == printed);
+  }
 }
 
 TEST(NumberText, ReadsTheLeadingNumber) {
