@@ -3,10 +3,13 @@
 
 #include <benchmark/benchmark.h>
 
+#include <string>
+
 #include "engine/database.h"
 
 namespace tabelion {
 
+void registerRecompute(const std::string& path);
 void registerReport(const Database& database);
 void registerSearch(Database& database);
 void registerSort(Database& database);
