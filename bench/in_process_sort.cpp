@@ -2,6 +2,7 @@
 // record back into its place.
 #include <algorithm>
 #include <tuple>
+#include <unordered_map>
 
 #include "engine/packed_record.h"
 #include "in_process.h"
@@ -18,37 +19,55 @@ constexpr std::uint8_t kTitle = 0;
 constexpr std::uint8_t kCount = 2;
 constexpr std::uint8_t kDay = 6;
 
-void chooseLevels(Database& database) {
-  database.schema.sort = {SortKey{kTitle, kSortForward}, SortKey{kCount, 0},
-                          SortKey{kDay, kSortForward}};
-}
+// Puts the levels into force, and everything back in the end.
+class SortedDatabase {
+ public:
+  explicit SortedDatabase(Database& database) : database_(database), levels_(database.schema.sort) {
+    for (const Record& record : database.records) {
+      places_.emplace(record.bytes().data(), places_.size());
+    }
+    database.schema.sort = {SortKey{kTitle, kSortForward}, SortKey{kCount, 0},
+                            SortKey{kDay, kSortForward}};
+  }
+  ~SortedDatabase() {
+    unsort();
+    database_.schema.sort = levels_;
+  }
+  SortedDatabase(const SortedDatabase&) = delete;
+  SortedDatabase& operator=(const SortedDatabase&) = delete;
 
-// The order that the file has.
-void unsort(Database& database) {
-  std::vector<Record>& records = database.records.records();
-  std::sort(records.begin(), records.end(),
-            [](const Record& a, const Record& b) { return a.bytes().data() < b.bytes().data(); });
-}
+  // Back to the order of before; sorting does not touch the bytes of records.
+  void unsort() {
+    std::vector<Record> ordered(places_.size());
+    for (Record& record : database_.records.records()) {
+      ordered[places_.at(record.bytes().data())] = std::move(record);
+    }
+    database_.records.records() = std::move(ordered);
+  }
+
+ private:
+  Database& database_;
+  std::array<SortKey, kSortLevels> levels_;
+  std::unordered_map<const std::uint8_t*, std::size_t> places_;
+};
 
 void sortThreeLevels(benchmark::State& state, Database& database) {
   const FormatSettings formats = matchingSettings(LocaleInfo{});
-  chooseLevels(database);
+  SortedDatabase sorted(database);
   for (auto _ : state) {
     state.PauseTiming();
-    unsort(database);
+    sorted.unsort();
     state.ResumeTiming();
     sortRecords(database, formats);
   }
-  unsort(database);
 }
 
 // What there is to do when the records are in order.
 void sortAgain(benchmark::State& state, Database& database) {
   const FormatSettings formats = matchingSettings(LocaleInfo{});
-  chooseLevels(database);
+  SortedDatabase sorted(database);
   sortRecords(database, formats);
   for (auto _ : state) sortRecords(database, formats);
-  unsort(database);
 }
 
 struct PeerKey {
@@ -74,9 +93,10 @@ PeerKey peerKey(const Record& record, std::uint32_t position) {
 
 // The keys made, sorted by the standard library, and the records arranged by them.
 void sortWithStdSort(benchmark::State& state, Database& database) {
+  SortedDatabase sorted(database);
   for (auto _ : state) {
     state.PauseTiming();
-    unsort(database);
+    sorted.unsort();
     state.ResumeTiming();
     std::vector<PeerKey> keys;
     keys.reserve(database.records.count());
@@ -93,19 +113,17 @@ void sortWithStdSort(benchmark::State& state, Database& database) {
     }
     database.records.records() = std::move(arranged);
   }
-  unsort(database);
 }
 
 // The record that belongs last, which has to be compared with every other.
 void replaceLast(benchmark::State& state, Database& database) {
   const FormatSettings formats = matchingSettings(LocaleInfo{});
-  chooseLevels(database);
+  SortedDatabase sorted(database);
   sortRecords(database, formats);
   const std::uint32_t last = database.records.count() - 1;
   for (auto _ : state) {
     if (replaceInOrder(database, last, formats) != last) return state.SkipWithError("moved");
   }
-  unsort(database);
 }
 
 }  // namespace
