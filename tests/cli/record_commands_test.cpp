@@ -81,6 +81,10 @@ TEST_F(RecordCommands, RecordsAreStoredAsTheWindowStoresThem) {
   EXPECT_EQ(changed["Note"], added["Note"]) << "what is not named stays";
   EXPECT_EQ(changed["Twice"], added["Twice"]);
   EXPECT_EQ(run({"check", "/T.PDB"}), 0) << out.text;
+
+  const std::size_t size = files.bytes("/T.PDB").size();
+  ASSERT_EQ(run({"add", "/T.PDB"}), 0) << err.text;
+  EXPECT_LT(files.bytes("/T.PDB").size(), size + 200) << "an empty note takes no room";
 }
 
 TEST_F(RecordCommands, RefusedValuesChangeNothing) {
