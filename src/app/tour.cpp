@@ -23,7 +23,9 @@ namespace {
 constexpr char kMark[] = "Zq7";               // typed into a record; no sample holds it
 constexpr char kNoteMark[] = "Seen today. ";  // and into a note
 constexpr double kTourZoom = 2;
-constexpr std::size_t kWantedSamples = 6;
+constexpr char kSafeName[] = "Safe";  // the sample that is kept enciphered
+constexpr char kSafePassword[] = "sesame";
+constexpr std::size_t kWantedSamples = 7;
 constexpr int kSidewaysPresses = 3;
 constexpr int kMostFields = 100;
 
@@ -50,12 +52,15 @@ class Tour {
   void writeNote();
   void saveAndReopen();
   void showOtherLetters();
+  void openSafe();
 
   void selectDatabase(const StoredDatabase& database);
+  void typePassword(const QString& password);
   void moveToControl(std::function<bool()> wanted);
   Seen sampleList() const;
   Seen recordList(const StoredDatabase& database) const;
   Seen storedOnDisk() const;
+  Seen safeOnDisk() const;
   bool onTextField() const;
 
   TourDriver& driver_;
@@ -64,6 +69,7 @@ class Tour {
   const std::vector<StoredDatabase> samples_;
   const StoredDatabase* main_ = nullptr;    // with a note and a text field
   const StoredDatabase* second_ = nullptr;  // with letters beyond ASCII
+  const StoredDatabase* safe_ = nullptr;    // whose flagged fields are enciphered
 };
 
 bool Tour::plan() {
@@ -74,6 +80,7 @@ bool Tour::plan() {
   writeNote();
   saveAndReopen();
   showOtherLetters();
+  openSafe();
   driver_.choose(kChooserScreen, "Exit");
   return true;
 }
@@ -85,10 +92,13 @@ bool Tour::pickSamples() {
   for (const StoredDatabase& sample : samples_) {
     if (second_ == nullptr && &sample != main_ && sample.hasLettersBeyondAscii()) second_ = &sample;
   }
-  if (samples_.size() >= kWantedSamples && main_ != nullptr && second_ != nullptr) return true;
+  for (const StoredDatabase& sample : samples_) {
+    if (sample.name == kSafeName) safe_ = &sample;
+  }
+  if (samples_.size() >= kWantedSamples && main_ && second_ && safe_) return true;
   fmt::print(
-      "The tour needs at least {} sample databases, one with a note field and another with letters "
-      "beyond ASCII; {} were found. FAILED\n",
+      "The tour needs at least {} sample databases, one with a note field, another with letters "
+      "beyond ASCII, and one called Safe; {} were found. FAILED\n",
       kWantedSamples, samples_.size());
   return false;
 }
@@ -267,6 +277,53 @@ void Tour::showOtherLetters() {
     return seen;
   });
   driver_.press(kRecordListScreen, Qt::Key_Escape);
+}
+
+void Tour::typePassword(const QString& password) {
+  driver_.act(kPasswordScreen, [this, password] { probe_.type(password); });
+  driver_.press(kPasswordScreen, Qt::Key_F1);
+}
+
+// Another program finds no password in the file, and all of its records.
+Seen Tour::safeOnDisk() const {
+  const auto stored = readStoredDatabase(databases_ + "/" + kSafeName + ".PDB");
+  if (!stored) return {false, "the file cannot be read"};
+  const std::size_t hidden = stored->count("XXX");
+  return {stored->record_count == safe_->record_count && hidden == safe_->count("XXX"),
+          fmt::format("the file holds {} records with {} enciphered values", stored->record_count,
+                      hidden)};
+}
+
+void Tour::openSafe() {
+  const auto listWith = [this](const QString& wanted) {
+    return [this, wanted] {
+      Seen seen = recordList(*safe_);
+      const QStringList rows = probe_.visibleRows().filter(wanted);
+      if (rows.isEmpty()) return Seen{false, seen.what + "; nothing shows " + wanted.toStdString()};
+      seen.what += "; \"" + rows.first().toStdString() + "\"";
+      return seen;
+    };
+  };
+  selectDatabase(*safe_);
+  driver_.see(kPasswordScreen, "Opened Safe, whose fields are enciphered", "password", [this] {
+    return Seen{probe_.texts().contains("Enter Encryption Password"), "it asks for its password"};
+  });
+  driver_.press(kPasswordScreen, Qt::Key_F2);
+  driver_.see(kRecordListScreen, "Gave none", "enciphered", listWith("XXXX"));
+  driver_.press(kRecordListScreen, Qt::Key_Escape);
+  selectDatabase(*safe_);
+  typePassword("guess");
+  driver_.see(kAnyQuestion, "Guessed", "wrong-password", [this] {
+    return Seen{probe_.messageText().contains("does not properly decrypt"),
+                "the program says \"" + probe_.messageText().toStdString() + "\""};
+  });
+  driver_.press(kAnyQuestion, Qt::Key_Return);
+  typePassword(kSafePassword);
+  driver_.see(kRecordListScreen, "Typed the right one", "deciphered", listWith("Wren-Lantern-83"));
+  driver_.press(kRecordListScreen, Qt::Key_Escape);
+  typePassword(kSafePassword);
+  driver_.see(kChooserScreen, "Closed it with the password", "closed-safe",
+              [this] { return safeOnDisk(); });
 }
 
 }  // namespace

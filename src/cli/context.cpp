@@ -163,8 +163,7 @@ bool CliContext::decipher(Database& database, ExitCode& failure) {
   if (!options_.encryption_password.isGiven()) return true;
   Deciphered deciphered;
   for (const Record& record : database.records) {
-    auto& identities =
-        isRecordEncrypted(record.bytes()) ? deciphered.records : deciphered.others;
+    auto& identities = isRecordEncrypted(record.bytes()) ? deciphered.records : deciphered.others;
     identities.insert(identityOf(record.bytes()));
   }
   if (deciphered.records.empty()) return true;
