@@ -62,8 +62,8 @@ std::uint32_t storeRecord(Database& database, Engine& engine, std::uint32_t posi
     if (!database.records.replace(position, packed)) return kNoPosition;
     setDirty(database);
   }
-  const std::uint32_t place = replaceInOrder(database, position, settings.formats);
-  recomputeDependents(database, settings);
+  std::uint32_t place = replaceInOrder(database, position, settings.formats);
+  recomputeDependents(database, settings, &place);
   return place;
 }
 

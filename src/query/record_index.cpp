@@ -1,6 +1,7 @@
 #include "query/record_index.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "query/formula.h"
 #include "query/recompute.h"
@@ -9,17 +10,41 @@
 namespace tabelion {
 namespace {
 
-// Sorting moves records but not their bytes, so these tell which one it was.
-void sortFollowing(Database& database, const FormatSettings& formats, std::uint32_t* followed) {
-  const RecordStore& records = database.records;
-  const bool follows = followed && *followed < records.count();
-  const std::uint8_t* bytes = follows ? records[*followed].bytes().data() : nullptr;
-  sortRecords(database, formats);
-  if (!bytes) return;
-  const auto found = std::find_if(records.begin(), records.end(), [bytes](const Record& record) {
-    return record.bytes().data() == bytes;
-  });
-  *followed = static_cast<std::uint32_t>(found - records.begin());
+// No record lies there: files end before it.
+constexpr std::uint32_t kMarkOffset = 0xFFFFFFFFu;
+
+// Keeps an eye on one record while others sort and change them all. What a record has beside its
+// bytes stays with it, so that its offset in the file can be its mark meanwhile.
+class FollowedRecord {
+ public:
+  FollowedRecord(RecordStore& records, std::uint32_t* position)
+      : records_(records), position_(position && *position < records.count() ? position : nullptr) {
+    if (position_) offset_ = std::exchange(records_[*position_].offset, kMarkOffset);
+  }
+  // Puts down where it stands now, and takes the mark off.
+  void find() {
+    if (!position_) return;
+    const auto found = std::find_if(records_.begin(), records_.end(), [](const Record& record) {
+      return record.offset == kMarkOffset;
+    });
+    *position_ = static_cast<std::uint32_t>(found - records_.begin());
+    records_[*position_].offset = offset_;
+  }
+
+ private:
+  RecordStore& records_;
+  std::uint32_t* position_;
+  std::uint32_t offset_ = 0;
+};
+
+bool hasDependents(const Database& database) {
+  for (int slot = 0; slot < kFieldSlots; ++slot) {
+    if (database.schema.fields[static_cast<std::size_t>(slot)].type == kCalculated &&
+        usesOtherRecords(database, slot)) {
+      return true;
+    }
+  }
+  return false;
 }
 
 }  // namespace
@@ -35,19 +60,18 @@ void refreshRecordIndex(Database& database, const QuerySettings& settings, const
 }
 
 void sortAndRecompute(Database& database, const QuerySettings& settings, std::uint32_t* followed) {
-  sortFollowing(database, settings.formats, followed);
+  FollowedRecord record(database.records, followed);
+  sortRecords(database, settings.formats);
   recomputeDependents(database, settings);
+  record.find();
 }
 
-void recomputeDependents(Database& database, const QuerySettings& settings) {
-  for (int slot = 0; slot < kFieldSlots; ++slot) {
-    if (database.schema.fields[static_cast<std::size_t>(slot)].type != kCalculated ||
-        !usesOtherRecords(database, slot)) {
-      continue;
-    }
-    recomputeAll(database, settings);
-    return;
-  }
+void recomputeDependents(Database& database, const QuerySettings& settings,
+                         std::uint32_t* followed) {
+  if (!hasDependents(database)) return;
+  FollowedRecord record(database.records, followed);
+  recomputeAll(database, settings);
+  record.find();
 }
 
 }  // namespace tabelion

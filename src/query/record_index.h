@@ -11,7 +11,7 @@ namespace tabelion {
 
 // Lists the records that pass the filter anew (Database::record_index). When the database says that
 // its order is stale, the records are sorted first and what depends on the order is worked out
-// again. `followed`, when given, is a record's position and stays that record's through the sort.
+// again. `followed`, when given, is a record's position and stays that record's through all this.
 void refreshRecordIndex(Database& database, const QuerySettings& settings,
                         const LinkFilter* link = nullptr, std::uint32_t* followed = nullptr);
 
@@ -21,7 +21,8 @@ void sortAndRecompute(Database& database, const QuerySettings& settings,
 
 // Works out calculated fields again whose values come from other records too (running totals).
 // Needed whenever records came, went or moved, or the filter changed; costs nothing in a database
-// that has no such field.
-void recomputeDependents(Database& database, const QuerySettings& settings);
+// that has no such field. May sort, see recomputeAll.
+void recomputeDependents(Database& database, const QuerySettings& settings,
+                         std::uint32_t* followed = nullptr);
 
 }  // namespace tabelion

@@ -81,6 +81,26 @@ TEST(RecordChange, AStaleOrderIsMendedAndTheCurrentRecordFollowed) {
   EXPECT_EQ(ledger.database.schema.sort_pending, 0);
 }
 
+// Equal records change places in a sort, and the sort level here is worked out after it.
+TEST(RecordChange, ARecordIsFollowedThroughSortsByCalculatedFields) {
+  Ledger ledger;
+  ledger.world.setFormula(ledger.twice, {constant(0), fieldOf(ledger.day), op(1)}, 1, {"2"});
+  ledger.database.schema.sort[0].field = static_cast<std::uint8_t>(ledger.twice);
+  const auto amountAt = [&](std::uint32_t place) {
+    return loadLe32(slotValue(ledger.database.records[place].bytes(), ledger.amount)->data());
+  };
+  for (int amount = 1; amount <= 12; ++amount) {
+    EXPECT_EQ(amountAt(ledger.store(kNoPosition, 7, amount)), static_cast<std::uint32_t>(amount));
+  }
+  for (std::uint32_t start = 0; start < 12; ++start) {
+    std::uint32_t current = start;
+    const std::uint32_t amount = amountAt(start);
+    ledger.database.schema.sort_pending = 1;
+    refreshRecordIndex(ledger.database, ledger.settings, nullptr, &current);
+    EXPECT_EQ(amountAt(current), amount) << start;
+  }
+}
+
 TEST(RecordChange, GroupsAreChosenByTheFilter) {
   Ledger ledger;
   for (const int day : {1, 2, 3, 4}) ledger.store(kNoPosition, day, 1);
