@@ -54,6 +54,7 @@ std::vector<Deviation> checkFormulas(ByteView file, const FileHeader& header, Cl
     if (circle.empty() || !in_circle.insert(circle.front()).second) continue;
     in_circle.insert(circle.begin(), circle.end());
     std::vector<std::string> names;
+    names.reserve(circle.size());
     for (const int member : circle) names.push_back(nameOf(member));
     report(circle.front(),
            fmt::format("formulas run in a circle: \"{}\"", fmt::join(names, "\" uses \"")));

@@ -164,9 +164,10 @@ int resultDecimals(int result_kind) {
 }
 
 std::optional<FieldReference> fieldReference(std::int8_t token_value) {
-  if (token_value == 0) return std::nullopt;
-  const bool previous = token_value < 0;
-  const int slot = (previous ? -token_value : token_value) - 1;
+  const auto byte = static_cast<std::uint8_t>(token_value);
+  if (byte == 0) return std::nullopt;
+  const bool previous = byte >= 0x80;
+  const int slot = previous ? 0xFF - byte : byte - 1;
   if (!isSlot(slot)) return std::nullopt;
   return FieldReference{slot, previous};
 }
@@ -175,7 +176,7 @@ Formula decodeFormula(const DatabaseRecord& schema, int slot, const FormatSettin
   Formula formula;
   if (!isSlot(slot)) return formula;
   const StoredFormula stored = storedFormula(schema.fields[static_cast<std::size_t>(slot)]);
-  formula.result_kind = static_cast<std::int8_t>(stored.result_kind);
+  formula.result_kind = stored.result_kind;
   formula.tokens.reserve(stored.tokens.size());
   for (const StoredFormula::Token& token : stored.tokens) {
     const bool constant = token.type == kIntegerToken || token.type == kFloatToken;

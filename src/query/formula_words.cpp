@@ -140,7 +140,9 @@ std::vector<int> formulaFieldsOfName(const DatabaseRecord& schema, std::string_v
       if (compareAnyCase(own, name) == 0) similar.push_back(slot);
     }
     const std::string number = numberMark(slot);
-    if (name == number || name == own + ' ' + number) numbered.push_back(slot);
+    std::string_view rest = name;
+    if (rest.starts_with(own + ' ')) rest.remove_prefix(own.size() + 1);
+    if (rest == number) numbered.push_back(slot);
   }
   if (!exact.empty()) return exact;
   return numbered.empty() ? similar : numbered;
