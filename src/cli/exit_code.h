@@ -7,6 +7,7 @@ namespace tabelion {
 
 enum class ExitCode {
   kDone = 0,
+  kNotFound = 1,
   kUsage = 2,
   kCannotOpen = 3,
   kNotDatabase = 4,
@@ -24,6 +25,7 @@ struct ExitCodeText {
 // For --help and the reference.
 inline constexpr ExitCodeText kExitCodes[] = {
     {ExitCode::kDone, "done"},
+    {ExitCode::kNotFound, "nothing was found"},
     {ExitCode::kUsage, "the command line is not understood"},
     {ExitCode::kCannotOpen, "an input file is not there or cannot be read"},
     {ExitCode::kNotDatabase, "the file is not a Tabelion database"},

@@ -58,12 +58,16 @@ void JsonRecords::begin(const Json& figures, std::string_view list_name) {
 }
 
 void JsonRecords::put(std::uint32_t position, const Json* more) {
+  put(position, position + 1, more);
+}
+
+void JsonRecords::put(std::uint32_t position, std::uint32_t number, const Json* more) {
   rows_.load(database_.records[position].bytes());
   out_.put(is_first_ ? "\n" : ",\n");
   is_first_ = false;
   out_.put("{\"record\":");
-  const fmt::format_int number(position + 1);
-  out_.put({number.data(), number.size()});
+  const fmt::format_int digits(number);
+  out_.put({digits.data(), digits.size()});
   out_.put(",\"values\":{");
   for (std::size_t i = 0; i < columns_.size(); ++i) {
     if (i > 0) out_.put(',');

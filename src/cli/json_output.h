@@ -44,6 +44,9 @@ class JsonRecords {
   // The record at a position of the store, which is printed as its number, counted from 1. With
   // `more` further members follow the values.
   void put(std::uint32_t position, const nlohmann::ordered_json* more = nullptr);
+  // The same under another number, for a copy whose records stand elsewhere than in the file.
+  void put(std::uint32_t position, std::uint32_t number,
+           const nlohmann::ordered_json* more = nullptr);
   // Closes the list, adds the members of `figures` that are known only now, closes the object.
   void end();
   void end(const nlohmann::ordered_json& figures);

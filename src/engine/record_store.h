@@ -43,6 +43,12 @@ class Record {
   }
 
   ByteView bytes() const { return {bytes_, length_}; }
+  // Asks for the start of the bytes: whoever walks many records and knows which comes later need
+  // not wait for it then.
+  void prefetch() const {
+    __builtin_prefetch(bytes_);
+    __builtin_prefetch(bytes_ + 64);
+  }
   std::uint32_t length() const { return length_; }
 
   std::uint32_t offset = 0;  // in the file, computed at the last save

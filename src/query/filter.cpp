@@ -100,11 +100,6 @@ class SlotCache {
   std::array<Value, kFieldSlots> values_;  // the first count_ are set
 };
 
-void prefetch(const std::uint8_t* bytes) {
-  __builtin_prefetch(bytes);
-  __builtin_prefetch(bytes + 64);
-}
-
 }  // namespace
 
 // The criteria as a tree of tests, the cheapest first: every test is without effects, so that none
@@ -225,7 +220,7 @@ void rebuildFilterIndex(Database& database, const QuerySettings& settings, const
   index.clear();
   const std::uint32_t count = records.count();
   for (std::uint32_t position = 0; position < count; ++position) {
-    if (position + kAhead < count) prefetch(records[position + kAhead].bytes().data());
+    if (position + kAhead < count) records[position + kAhead].prefetch();
     if (filter.passes(records[position].bytes())) index.push_back(position);
   }
   database.needs_refresh = false;

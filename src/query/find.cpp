@@ -101,23 +101,46 @@ bool fieldMatches(const Database& database, ByteView record, int slot, std::stri
   return search.matches(record, *value);
 }
 
-FoundField findFrom(const Database& database, const SearchSettings& search, std::uint32_t start,
-                    int start_slot, const QuerySettings& settings, const LinkFilter* link) {
-  const std::string text = search.case_sensitive ? search.text : lowerCaseText(search.text);
-  const RecordSearch fields(database, search.field, {text, search.case_sensitive, search.begins},
-                            settings);
-  if (!fields.canMatch()) return {};
-  const RecordFilter filter(database, settings, link);
-  int from = search.field < 0 ? start_slot : 0;
-  for (std::uint32_t position = start; position < database.records.count(); ++position) {
-    const ByteView record = database.records[position].bytes();
-    if (filter.passes(record)) {
-      const int slot = fields.slotIn(record, from);
+struct RecordFinder::Prepared {
+  Prepared(const Database& of, const SearchSettings& search, const QuerySettings& settings,
+           const LinkFilter* link)
+      : database(of),
+        text(search.case_sensitive ? search.text : lowerCaseText(search.text)),
+        field(search.field),
+        fields(of, search.field, {text, search.case_sensitive, search.begins}, settings),
+        filter(of, settings, link) {}
+
+  const Database& database;
+  std::string text;
+  int field;
+  RecordSearch fields;
+  RecordFilter filter;
+};
+
+RecordFinder::RecordFinder(const Database& database, const SearchSettings& search,
+                           const QuerySettings& settings, const LinkFilter* link)
+    : prepared_(std::make_unique<Prepared>(database, search, settings, link)) {}
+
+RecordFinder::~RecordFinder() = default;
+
+FoundField RecordFinder::find(std::uint32_t start, int start_slot) const {
+  const RecordStore& records = prepared_->database.records;
+  if (!prepared_->fields.canMatch()) return {};
+  int from = prepared_->field < 0 ? start_slot : 0;
+  for (std::uint32_t position = start; position < records.count(); ++position) {
+    const ByteView record = records[position].bytes();
+    if (prepared_->filter.passes(record)) {
+      const int slot = prepared_->fields.slotIn(record, from);
       if (slot >= 0) return {position, slot};
     }
     from = 0;
   }
   return {};
+}
+
+FoundField findFrom(const Database& database, const SearchSettings& search, std::uint32_t start,
+                    int start_slot, const QuerySettings& settings, const LinkFilter* link) {
+  return RecordFinder(database, search, settings, link).find(start, start_slot);
 }
 
 }  // namespace tabelion

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -38,8 +39,26 @@ struct FoundField {
   int slot = -1;
   bool operator==(const FoundField&) const = default;
 };
-// From record `start` on, in record order and without wrapping around; with all fields, the first
-// record is searched from `start_slot` on, every later one from slot 0.
+// A search, prepared for one pass or several. Refers to the database and the settings, which must
+// not change meanwhile.
+class RecordFinder {
+ public:
+  RecordFinder(const Database& database, const SearchSettings& search,
+               const QuerySettings& settings, const LinkFilter* link = nullptr);
+  ~RecordFinder();
+  RecordFinder(const RecordFinder&) = delete;
+  RecordFinder& operator=(const RecordFinder&) = delete;
+
+  // From record `start` on, in record order and without wrapping around; with all fields, the first
+  // record is searched from `start_slot` on, every later one from slot 0.
+  FoundField find(std::uint32_t start, int start_slot = 0) const;
+
+ private:
+  struct Prepared;
+  std::unique_ptr<Prepared> prepared_;
+};
+
+// One pass.
 FoundField findFrom(const Database& database, const SearchSettings& search, std::uint32_t start,
                     int start_slot, const QuerySettings& settings,
                     const LinkFilter* link = nullptr);

@@ -1,0 +1,46 @@
+// A table for people: columns aligned by the room that their characters take on a terminal.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "interchange/output_buffer.h"
+
+namespace tabelion {
+
+// Cells are added row by row, the titles first, and printed at the end, when all widths are known.
+// A cell is one line of at most kWidestCell columns, cut with "…" where it is longer; line ends and
+// other controls become blanks.
+class TextTable {
+ public:
+  static constexpr std::size_t kWidestCell = 40;
+
+  explicit TextTable(std::size_t columns) : columns_(columns) {}
+
+  void alignRight(std::size_t column) { columns_[column].is_right = true; }
+  void add(std::string_view utf8);
+  // Whether a text can be added as it is whatever its encoding: printable ASCII alone.
+  static bool isPlain(std::string_view text);
+  void print(OutputBuffer& out) const;
+
+ private:
+  struct Column {
+    std::size_t width = 0;
+    bool is_right = false;
+  };
+  // Its bytes in text_, which follow those of the cell before, and the columns that they take.
+  struct Cell {
+    std::uint32_t size = 0;
+    std::uint32_t width = 0;
+  };
+  std::size_t addCharacters(std::string_view text);
+
+  std::vector<Column> columns_;
+  std::size_t next_column_ = 0;
+  std::vector<Cell> cells_;
+  std::string text_;
+};
+
+}  // namespace tabelion
