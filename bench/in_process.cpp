@@ -90,6 +90,7 @@ int run(int argc, char** argv) {
   benchmark::RegisterBenchmark("change a record", changeRecord, std::ref(database))
       ->Unit(benchmark::kMicrosecond);
   benchmark::RegisterBenchmark("lay out a save", layOut, std::ref(database))->Unit(ms);
+  registerCipher(database.path);
   registerRecompute(database.path);
   registerReport(database);
   registerSearch(database);

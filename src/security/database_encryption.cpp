@@ -11,20 +11,32 @@ std::uint8_t sumOf(ByteView bytes) {
   return sum;
 }
 
-std::vector<std::uint32_t> recordsWhere(const Database& database, bool enciphered,
-                                        const RecordTest& wanted = {}) {
-  std::vector<std::uint32_t> positions;
-  for (std::uint32_t i = 0; i < database.records.count(); ++i) {
-    const ByteView record = database.records[i].bytes();
-    if (isRecordEncrypted(record) == enciphered && (!wanted || wanted(record))) {
-      positions.push_back(i);
+// Calls `work` with the position of every record whose flagged fields are enciphered, or in clear.
+template <typename Work>
+void forRecordsThatAre(bool enciphered, const Database& database, const Work& work) {
+  constexpr std::uint32_t kReadAhead = 8;  // records
+  const RecordStore& records = database.records;
+  for (std::uint32_t i = 0; i < records.count(); ++i) {
+    if (i + kReadAhead < records.count()) {
+      __builtin_prefetch(records[i + kReadAhead].bytes().data());
     }
+    if (isRecordEncrypted(records[i].bytes()) == enciphered) work(i);
   }
-  return positions;
 }
 
-Bytes copyOf(ByteView bytes) {
-  return Bytes(bytes.begin(), bytes.end());
+// The most bytes by which a record can grow.
+std::size_t mostGrowth(const DatabaseRecord& schema) {
+  std::size_t growth = sizeof(HeadBlock);
+  for (const FieldDefinition& field : schema.fields) {
+    if (field.encrypt_flag != 0) growth += field.type == kNote ? kNoteSize : 2;
+  }
+  return growth;
+}
+
+bool fitsEnciphered(const Database& database, ByteView record, const ExpandedKey& key) {
+  Bytes enciphered;
+  return EncryptRecordFields(
+      database.schema, record, key, [] { return HeadBlock{}; }, enciphered);
 }
 
 }  // namespace
@@ -48,65 +60,65 @@ bool PasswordMatchesCheck(const DatabaseRecord& schema, std::string_view passwor
   return sumOf(check) == schema.password_check_sum;
 }
 
-DecryptSummary DecryptRecords(Database& database, const ExpandedKey& key, bool forced,
-                              const RecordsVisited& visited) {
+DecryptSummary DecryptRecords(Database& database, const ExpandedKey& key, bool forced) {
   DecryptSummary summary;
   const bool by_hand = database.schema.encryption_mode == kEncryptRecordsByHand;
   if (by_hand && !forced) return summary;
-  const auto positions = recordsWhere(database, true);
-  const auto all = static_cast<std::uint32_t>(positions.size());
-  for (const std::uint32_t position : positions) {
-    Bytes record = copyOf(database.records[position].bytes());
-    if (DecryptRecord(database.schema, record, key) == kRecordDecrypted) {
-      if (by_hand) record[1 + kStampFlagOffset] |= kClearByDatabase;
+  Bytes clear;
+  forRecordsThatAre(true, database, [&](std::uint32_t position) {
+    const ByteView record = database.records[position].bytes();
+    if (DecryptRecord(database.schema, record, key, clear) == kRecordDecrypted) {
+      if (by_hand) clear[1 + kStampFlagOffset] |= kClearByDatabase;
       // Never too long: DecryptRecord gives nothing that a record cannot hold.
-      (void)database.records.replace(position, record);
+      (void)database.records.replace(position, clear);
       ++summary.deciphered;
     } else {
       ++summary.failed;
     }
-    if (visited) visited(summary.deciphered + summary.failed, all);
-  }
+  });
+  WipeBytes(clear);
   return summary;
 }
 
 EncryptSummary EncryptRecords(Database& database, Engine& engine, const ExpandedKey& key,
-                              const RecordTest& wanted, const RecordsVisited& visited) {
+                              const RecordTest& wanted) {
   EncryptSummary summary;
-  const auto positions = recordsWhere(database, false, wanted);
-  const auto all = static_cast<std::uint32_t>(positions.size());
-  const std::uint16_t serial_before = database.schema.next_serial;
-  std::vector<Bytes> enciphered;
-  enciphered.reserve(positions.size());
-  for (const std::uint32_t position : positions) {
-    enciphered.push_back(copyOf(database.records[position].bytes()));
-    if (!EncryptRecordFields(database.schema, enciphered.back(), key,
-                             [&] { return newStamp(database, engine); })) {
-      database.schema.next_serial = serial_before;
-      summary.too_long = position;
+  const std::size_t growth = mostGrowth(database.schema);
+  const auto isWanted = [&](ByteView record) {
+    return !isRecordEncrypted(record) && (!wanted || wanted(record));
+  };
+  for (std::uint32_t i = 0; i < database.records.count(); ++i) {
+    const ByteView record = database.records[i].bytes();
+    if (record.size() + growth > kMaxRecordSize && isWanted(record) &&
+        !fitsEnciphered(database, record, key)) {
+      summary.too_long = i;
       return summary;
     }
-    if (visited) visited(static_cast<std::uint32_t>(enciphered.size()), all);
   }
-  for (std::size_t i = 0; i < positions.size(); ++i) {
-    (void)database.records.replace(positions[i], enciphered[i]);  // their lengths were checked
-  }
+  Bytes enciphered;
+  const StampSource stamp = [&] { return newStamp(database, engine); };
+  forRecordsThatAre(false, database, [&](std::uint32_t position) {
+    const ByteView record = database.records[position].bytes();
+    if (wanted && !wanted(record)) return;
+    (void)EncryptRecordFields(database.schema, record, key, stamp, enciphered);
+    (void)database.records.replace(position, enciphered);  // both fit, as was seen above
+    ++summary.enciphered;
+  });
   if (database.schema.encryption_mode == kEncryptWholeDatabase) {
     database.schema.head[kStampFlagOffset] |= kDatabaseEncrypted;
   }
   setDirty(database);
-  summary.enciphered = all;
   return summary;
 }
 
 std::vector<OverlongRecordValue> overlongValues(const Database& database) {
   std::vector<OverlongRecordValue> found;
-  for (const std::uint32_t position : recordsWhere(database, false)) {
+  forRecordsThatAre(false, database, [&](std::uint32_t position) {
     for (const OverlongValue& value :
          overlongValues(database.schema, database.records[position].bytes())) {
       found.push_back({position, value});
     }
-  }
+  });
   return found;
 }
 

@@ -30,17 +30,13 @@ void SetPasswordCheck(DatabaseRecord& schema, std::string_view password,
 // Yes where no password is recorded yet. The sum is one byte, so one wrong password in 256 passes.
 bool PasswordMatchesCheck(const DatabaseRecord& schema, std::string_view password);
 
-// Told after each record how many of all have been visited.
-using RecordsVisited = std::function<void(std::uint32_t done, std::uint32_t all)>;
-
 struct DecryptSummary {
   std::uint32_t deciphered = 0;
   std::uint32_t failed = 0;  // with this password; they stay as they are
 };
 // Deciphers every enciphered record that the key opens. In mode 2 nothing happens unless `forced`;
 // the records then keep a mark that they were deciphered with the whole database.
-DecryptSummary DecryptRecords(Database& database, const ExpandedKey& key, bool forced = false,
-                              const RecordsVisited& visited = {});
+DecryptSummary DecryptRecords(Database& database, const ExpandedKey& key, bool forced = false);
 
 // Enciphers every record that is in clear, or those of them that are `wanted`, and marks the
 // database dirty, and as enciphered where it is kept so as a whole. Either all of them or none: the
@@ -52,7 +48,7 @@ struct EncryptSummary {
 };
 using RecordTest = std::function<bool(ByteView record)>;
 EncryptSummary EncryptRecords(Database& database, Engine& engine, const ExpandedKey& key,
-                              const RecordTest& wanted = {}, const RecordsVisited& visited = {});
+                              const RecordTest& wanted = {});
 
 // The records in clear that hold an overlong value, in record order.
 struct OverlongRecordValue {

@@ -156,28 +156,29 @@ void putDeciphered(Bytes& into, int type, ByteView value, const ExpandedKey& key
 
 // Copies a packed record with another form of its flagged values, which `put` appends.
 template <typename Put>
-Bytes withFlaggedValues(const DatabaseRecord& schema, ByteView record, const Put& put) {
-  Bytes result;
-  result.reserve(record.size() + 64);
-  const std::size_t prefix = std::min(prefixLength(record), record.size());
-  result.insert(result.end(), record.begin(), record.begin() + prefix);
+void copyWithFlaggedValues(const DatabaseRecord& schema, ByteView record, Bytes& into,
+                           const Put& put) {
+  into.clear();
+  std::size_t copied = 0;
   SlotWalker walker(record);
   for (std::size_t slot = 0;; ++slot) {
+    const std::size_t length_at = walker.position();
     const auto value = walker.next();
     if (!value) break;
     const FieldDefinition& field = schema.fields[slot];
-    const std::size_t length_at = result.size();
-    result.resize(length_at + 2);
-    if (field.encrypt_flag != 0) {
-      put(result, field.type, *value);
-    } else {
-      result.insert(result.end(), value->begin(), value->end());
-    }
-    storeLe16(&result[length_at], static_cast<std::uint32_t>(result.size() - length_at - 2));
+    if (field.encrypt_flag == 0) continue;
+    into.insert(into.end(), record.begin() + copied, record.begin() + length_at);
+    copied = walker.position();
+    const std::size_t new_length_at = into.size();
+    into.resize(new_length_at + 2);
+    put(into, field.type, *value);
+    storeLe16(&into[new_length_at], static_cast<std::uint32_t>(into.size() - new_length_at - 2));
   }
-  result.insert(result.end(), record.begin() + std::min(walker.position(), record.size()),
-                record.end());
-  return result;
+  into.insert(into.end(), record.begin() + copied, record.end());
+}
+
+bool hasStamp(ByteView record) {
+  return record.size() > sizeof(HeadBlock) && record[0] == kStampedPrefix;
 }
 
 // A prefix that is a stamp; what stood there before has no room beside it.
@@ -195,35 +196,34 @@ bool hasFlaggedFields(const DatabaseRecord& schema) {
                      [](const FieldDefinition& field) { return field.encrypt_flag != 0; });
 }
 
-bool EncryptRecordFields(const DatabaseRecord& schema, Bytes& record, const ExpandedKey& key,
-                         const StampSource& new_stamp) {
+bool EncryptRecordFields(const DatabaseRecord& schema, ByteView record, const ExpandedKey& key,
+                         const StampSource& new_stamp, Bytes& into) {
   std::uint8_t sum = 0;
-  Bytes result = withFlaggedValues(schema, record, [&](Bytes& into, int type, ByteView value) {
-    putEnciphered(into, formOf(type), value, key, sum);
+  copyWithFlaggedValues(schema, record, into, [&](Bytes& to, int type, ByteView value) {
+    putEnciphered(to, formOf(type), value, key, sum);
   });
-  if (!recordStamp(result)) stampRecord(result, new_stamp());
-  if (result.size() > kMaxRecordSize) return false;
-  result[1 + kStampFlagOffset] &= static_cast<std::uint8_t>(~kClearByDatabase);
-  result[1 + kStampFlagOffset] |= kRecordEncrypted;
-  result[1 + kStampChecksumOffset] = sum;
-  WipeBytes(record);
-  record = std::move(result);
+  if (!hasStamp(into)) stampRecord(into, new_stamp());
+  if (into.size() > kMaxRecordSize) return false;
+  into[1 + kStampFlagOffset] &= static_cast<std::uint8_t>(~kClearByDatabase);
+  into[1 + kStampFlagOffset] |= kRecordEncrypted;
+  into[1 + kStampChecksumOffset] = sum;
   return true;
 }
 
-int DecryptRecord(const DatabaseRecord& schema, Bytes& record, const ExpandedKey& key) {
-  const auto stamp = recordStamp(record);
-  if (!stamp) return kHeaderUnreadable;
+int DecryptRecord(const DatabaseRecord& schema, ByteView record, const ExpandedKey& key,
+                  Bytes& into) {
+  into.clear();
+  if (!hasStamp(record)) return kHeaderUnreadable;
   std::uint8_t sum = 0;
-  Bytes result = withFlaggedValues(schema, record, [&](Bytes& into, int type, ByteView value) {
-    putDeciphered(into, type, value, key, sum);
+  copyWithFlaggedValues(schema, record, into, [&](Bytes& to, int type, ByteView value) {
+    putDeciphered(to, type, value, key, sum);
   });
-  if (sum != (*stamp)[kStampChecksumOffset] || result.size() > kMaxRecordSize) {
-    WipeBytes(result);
+  if (sum != record[1 + kStampChecksumOffset] || into.size() > kMaxRecordSize) {
+    WipeBytes(into);
+    into.clear();
     return kWrongPassword;
   }
-  result[1 + kStampFlagOffset] &= static_cast<std::uint8_t>(~kRecordEncrypted);
-  record = std::move(result);
+  into[1 + kStampFlagOffset] &= static_cast<std::uint8_t>(~kRecordEncrypted);
   return kRecordDecrypted;
 }
 

@@ -37,17 +37,19 @@ bool hasFlaggedFields(const DatabaseRecord& schema);
 // A new stamp for a record that has none.
 using StampSource = std::function<HeadBlock()>;
 
-// Enciphers the flagged values of a packed record in clear. False, with `record` untouched, when
-// the result would be longer than a record can be.
-[[nodiscard]] bool EncryptRecordFields(const DatabaseRecord& schema, Bytes& record,
-                                       const ExpandedKey& key, const StampSource& new_stamp);
+// Enciphers the flagged values of a packed record in clear. `into`, which is not where `record` is,
+// gets the result; false when it would be longer than a record can be.
+[[nodiscard]] bool EncryptRecordFields(const DatabaseRecord& schema, ByteView record,
+                                       const ExpandedKey& key, const StampSource& new_stamp,
+                                       Bytes& into);
 
 inline constexpr int kRecordDecrypted = 1;
 inline constexpr int kWrongPassword = 0;
 inline constexpr int kHeaderUnreadable = -1;  // the record has no stamp
-// One of these; the record is touched only when it was deciphered.
-[[nodiscard]] int DecryptRecord(const DatabaseRecord& schema, Bytes& record,
-                                const ExpandedKey& key);
+// One of these; `into`, which is not where `record` is, has the record in clear when it was
+// deciphered, and is empty otherwise.
+[[nodiscard]] int DecryptRecord(const DatabaseRecord& schema, ByteView record,
+                                const ExpandedKey& key, Bytes& into);
 
 // A value that its enciphered form holds with a length that says too little: a text longer than 255
 // bytes behind a length of one byte. This system finds the whole text again by the length of the

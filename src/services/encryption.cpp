@@ -120,7 +120,10 @@ int PromptDecryptRecord(Application& app, Bytes& record, const EncryptionPasswor
   if (!prompt(password)) return kHeaderUnreadable;
   ExpandedKey key;
   MakeKey(password.text(), key);
-  return DecryptRecord(CurrentDatabase(app).schema, record, key);
+  Bytes clear;
+  const int result = DecryptRecord(CurrentDatabase(app).schema, record, key, clear);
+  if (result == kRecordDecrypted) record.swap(clear);
+  return result;
 }
 
 bool PromptEncryptRecord(Application& app, Bytes& record, const EncryptionPasswordPrompt& prompt) {
@@ -143,11 +146,15 @@ bool PromptEncryptRecord(Application& app, Bytes& record, const EncryptionPasswo
     }
     ExpandedKey key;
     MakeKey(password.text(), key);
-    if (!EncryptRecordFields(database.schema, record, key,
-                             [&] { return newStamp(database, app.engine); })) {
+    Bytes enciphered;
+    if (!EncryptRecordFields(
+            database.schema, record, key, [&] { return newStamp(database, app.engine); },
+            enciphered)) {
       sayTooLong(app, app.current_record);
       return false;
     }
+    record.swap(enciphered);
+    WipeBytes(enciphered);
     SetPasswordCheck(database.schema, password.text(), app.engine.random);
     return true;
   }

@@ -72,10 +72,12 @@ class Encryption : public testing::Test {
   std::string pin(std::uint32_t record, const std::string& with_password) {
     ExpandedKey key;
     MakeKey(with_password, key);
-    const ByteView bytes = after->records[record].bytes();
-    Bytes copy(bytes.begin(), bytes.end());
-    if (DecryptRecord(after->schema, copy, key) != kRecordDecrypted) return "(wrong password)";
-    return fieldText(*after, copy, kPin, isoSettings()).text;
+    Bytes clear;
+    if (DecryptRecord(after->schema, after->records[record].bytes(), key, clear) !=
+        kRecordDecrypted) {
+      return "(wrong password)";
+    }
+    return fieldText(*after, clear, kPin, isoSettings()).text;
   }
 
   PhoneWorld world;
