@@ -75,7 +75,7 @@ ExitCode runFind(const FindOptions& options, CliContext& context) {
   const RowFormat format = options.json  ? RowFormat::kJson
                            : options.csv ? RowFormat::kCsv
                                          : RowFormat::kTable;
-  const RowSource source{*database, *encoding, settings, slots, true};
+  const RowSource source{*database, *encoding, settings, slots, 0, true};
   const auto rows = makeRowOutput(source, format, context.out);
   const std::uint32_t count =
       putFound(RecordFinder(*database, *search, settings), options.all, source, *rows);

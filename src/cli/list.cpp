@@ -36,10 +36,11 @@ ExitCode runList(const ListOptions& options, CliContext& context) {
   const RowFormat format = options.json  ? RowFormat::kJson
                            : options.csv ? RowFormat::kCsv
                                          : RowFormat::kTable;
-  const auto rows = makeRowOutput({*database, *encoding, settings, slots}, format, context.out);
   const std::vector<std::uint32_t>& shown_positions = database->record_index;
   const std::size_t count =
       std::min<std::size_t>(options.limit.value_or(kMaxRecords), shown_positions.size());
+  const auto rows =
+      makeRowOutput({*database, *encoding, settings, slots, count}, format, context.out);
   constexpr std::size_t kAhead = 4;
   for (std::size_t i = 0; i < count; ++i) {
     if (i + kAhead < count) database->records[shown_positions[i + kAhead]].prefetch();

@@ -19,6 +19,7 @@ class TableOutput : public RowOutput {
  public:
   TableOutput(const RowSource& source, OutputBuffer& out)
       : source_(source), out_(out), table_(source.slots.size() + 1 + source.has_found_field) {
+    table_.reserve(source.expected_rows);
     table_.alignRight(0);
     table_.add("#");
     if (source.has_found_field) table_.add("Found in");

@@ -27,7 +27,8 @@ struct RowSource {
   const TextEncoding& encoding;
   const QuerySettings& settings;
   const std::vector<int>& slots;  // the columns
-  bool has_found_field = false;   // one more, for the field in which something was found
+  std::size_t expected_rows = 0;
+  bool has_found_field = false;  // one more, for the field in which something was found
 };
 
 // The source and what it refers to must outlive the output. A table has the values as the window

@@ -26,6 +26,13 @@ std::size_t widthOf(char32_t c) {
 
 }  // namespace
 
+void TextTable::reserve(std::size_t rows) {
+  constexpr std::size_t kUsualCell = 24;
+  const std::size_t cells = (rows + 1) * columns_.size();
+  cells_.reserve(cells);
+  text_.reserve(cells * kUsualCell);
+}
+
 bool TextTable::isPlain(std::string_view text) {
   bool plain = true;
   for (const char c : text) plain &= c >= ' ' && c <= '~';

@@ -19,6 +19,8 @@ class TextTable {
 
   explicit TextTable(std::size_t columns) : columns_(columns) {}
 
+  // Room for this many rows beside the titles; a page that no text needs costs nothing.
+  void reserve(std::size_t rows);
   void alignRight(std::size_t column) { columns_[column].is_right = true; }
   void add(std::string_view utf8);
   // Whether a text can be added as it is whatever its encoding: printable ASCII alone.
