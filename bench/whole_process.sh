@@ -12,6 +12,7 @@ work=$(mktemp -d "${TMPDIR:-/tmp}/tabelion-bench.XXXXXX")
 trap 'rm -rf "$work"' EXIT
 
 "$build/bin/make_records" "$work"
+sed -i '$ s/^/amphora /' "$work/records.csv"  # a word that only the last record has
 "$cli" create "$work/records.PDB" --schema "$work/records.json" --data "$work/records.csv"
 "$cli" create "$work/empty.PDB" --schema "$work/records.json"
 tail -n +2 "$work/records.csv" > "$work/rows.csv"
@@ -73,6 +74,34 @@ result=$(compare \
   "sqlite3 $work/records.db 'SELECT count(*), min(Amount), max(Amount), sum(Amount), avg(Amount)
      FROM records'")
 row "report on a field" tabelion "SQLite aggregates" 0.75
+
+shown=Title,Place,Count,Weight,Kind,Checked,Day,Hour,Text,Amount,Number
+order='--sort Title,Count:desc,Day'
+ordered="SELECT $shown FROM records ORDER BY Title COLLATE NOCASE, Count DESC, Day"
+result=$(compare \
+  tabelion "" "$cli list $work/records.PDB --csv $order >$work/list.csv" \
+  "sqlite3 -csv, ORDER BY" "" "sqlite3 -csv $work/records.db '$ordered' >$work/sqlite.csv")
+row "list in order, as CSV" tabelion "sqlite3 -csv, ORDER BY" 0.5
+
+result=$(compare \
+  tabelion "" "$cli list $work/records.PDB $order >$work/list.txt" \
+  "sqlite3 -column, ORDER BY" "" "sqlite3 -column $work/records.db '$ordered' >$work/sqlite.txt")
+row "list in order, aligned" tabelion "sqlite3 -column, ORDER BY" 0.5
+
+conditions="--filter 'Kind is Item 07' --filter 'Weight between 20000 and 60000'"
+conditions+=" --filter 'Text contains harbour'"
+passing="SELECT $shown FROM records WHERE Kind = \"Item 07\" AND Weight BETWEEN 20000 AND 60000"
+passing+=" AND Text LIKE \"%harbour%\""
+result=$(compare \
+  tabelion "" "$cli list $work/records.PDB --csv $conditions >$work/list.csv" \
+  "sqlite3 -csv, WHERE" "" "sqlite3 -csv $work/records.db '$passing' >$work/sqlite.csv")
+row "list by three conditions" tabelion "sqlite3 -csv, WHERE" 1.0
+
+like=$(sed 's/,/ LIKE "%amphora%" OR /g; s/$/ LIKE "%amphora%"/' <<< "$shown,Note")
+result=$(compare \
+  tabelion "" "$cli find $work/records.PDB amphora >$work/find.txt" \
+  "sqlite3, LIKE" "" "sqlite3 $work/records.db 'SELECT * FROM records WHERE $like' >$work/sqlite.txt")
+row "find in all fields" tabelion "sqlite3, LIKE" 0.5
 
 awk -v peak="$peak" -v size="$size" 'BEGIN {
   r = peak * 1024 / size

@@ -36,7 +36,7 @@ class TableOutput : public RowOutput {
 
   void put(std::uint32_t position, std::uint32_t number, std::string_view field) override {
     const fmt::format_int digits(number);
-    table_.add({digits.data(), digits.size()});
+    table_.addPlain({digits.data(), digits.size()});
     if (source_.has_found_field) table_.add(field);
     const ByteView record = source_.database.records[position].bytes();
     load(record);
@@ -83,7 +83,9 @@ class TableOutput : public RowOutput {
     }
     if (field.type == kCheckBox && !is_masked) {
       table_.add(text_ == "1" ? "[x]" : "[ ]");
-    } else if (source_.encoding.isUtf8() || TextTable::isPlain(text_)) {
+    } else if (TextTable::isPlain(text_)) {
+      table_.addPlain(text_);
+    } else if (source_.encoding.isUtf8()) {
       table_.add(text_);
     } else {
       converted_.clear();

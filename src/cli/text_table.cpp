@@ -45,6 +45,17 @@ std::size_t TextTable::addCharacters(std::string_view text) {
   std::size_t cut_at = text_.size();  // where "…" still has room
   std::size_t cut_width = 0;
   while (!text.empty()) {
+    // Most of a text is one run of plain letters after the other.
+    const std::size_t room = kWidestCell - 1 - std::min(width, kWidestCell - 1);
+    const std::size_t run = std::min(asciiLength(text), room);
+    if (run > 0 && isPlain(text.substr(0, run))) {
+      text_ += text.substr(0, run);
+      text.remove_prefix(run);
+      width += run;
+      cut_at = text_.size();
+      cut_width = width;
+      continue;
+    }
     const DecodedCharacter next = decodeUtf8(text);
     const std::size_t wide = widthOf(next.character);
     if (width + wide > kWidestCell) {
@@ -67,19 +78,29 @@ std::size_t TextTable::addCharacters(std::string_view text) {
   return width;
 }
 
-void TextTable::add(std::string_view utf8) {
-  const std::size_t begin = text_.size();
-  std::size_t width = utf8.size();
-  if (width <= kWidestCell && isPlain(utf8)) {
-    text_ += utf8;
-  } else {
-    width = addCharacters(utf8);
-  }
+void TextTable::endCell(std::size_t begin, std::size_t width) {
   Column& column = columns_[next_column_];
   column.width = std::max(column.width, width);
   if (++next_column_ == columns_.size()) next_column_ = 0;
   cells_.push_back(
       {static_cast<std::uint32_t>(text_.size() - begin), static_cast<std::uint32_t>(width)});
+}
+
+void TextTable::addPlain(std::string_view text) {
+  const std::size_t begin = text_.size();
+  if (text.size() <= kWidestCell) {
+    text_ += text;
+    return endCell(begin, text.size());
+  }
+  text_ += text.substr(0, kWidestCell - 1);
+  text_ += kCut;
+  endCell(begin, kWidestCell);
+}
+
+void TextTable::add(std::string_view utf8) {
+  if (isPlain(utf8)) return addPlain(utf8);
+  const std::size_t begin = text_.size();
+  endCell(begin, addCharacters(utf8));
 }
 
 void TextTable::print(OutputBuffer& out) const {

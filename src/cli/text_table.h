@@ -23,8 +23,9 @@ class TextTable {
   void reserve(std::size_t rows);
   void alignRight(std::size_t column) { columns_[column].is_right = true; }
   void add(std::string_view utf8);
-  // Whether a text can be added as it is whatever its encoding: printable ASCII alone.
+  // Printable ASCII alone, whatever the encoding: such a text can be added without a look at it.
   static bool isPlain(std::string_view text);
+  void addPlain(std::string_view text);
   void print(OutputBuffer& out) const;
 
  private:
@@ -37,6 +38,7 @@ class TextTable {
     std::uint32_t size = 0;
     std::uint32_t width = 0;
   };
+  void endCell(std::size_t begin, std::size_t width);
   std::size_t addCharacters(std::string_view text);
 
   std::vector<Column> columns_;
