@@ -68,6 +68,35 @@ result=$(compare \
   "sqlite3 $work/import.db '.mode csv' '.import $work/rows.csv records'")
 row "CSV import" tabelion "SQLite .import" 0.6
 
+# A text that only the last record holds.
+needle="lantern 65000"
+"$cli" set "$work/records.PDB" 65000 "Text=$needle" > /dev/null
+sqlite3 "$work/records.db" "UPDATE records SET Text = '$needle' WHERE rowid = 65000"
+shown="rowid, Title, Place, Count, Weight, Kind, Checked, Day, Hour, Text, Amount, Number"
+order="ORDER BY Title COLLATE NOCASE, Count DESC, Day"
+where="WHERE Kind = 'Item 07' AND Weight BETWEEN 20000 AND 60000 AND Text LIKE '%harbour%'"
+like=${shown#rowid, }
+like="WHERE ${like//, / LIKE '%$needle%' OR } LIKE '%$needle%'"
+echo "SELECT $shown FROM records $order;" > "$work/order.sql"
+echo "SELECT $shown FROM records $where;" > "$work/where.sql"
+echo "SELECT $shown FROM records $like;" > "$work/like.sql"
+
+result=$(compare \
+  tabelion "" "$cli list $work/records.PDB --sort Title,Count:desc,Day --csv >$work/out.csv" \
+  "SQLite ORDER BY" "" "sqlite3 -csv $work/records.db <$work/order.sql >$work/sqlite.csv")
+row "list in another order" tabelion "SQLite ORDER BY" 0.5
+
+result=$(compare \
+  tabelion "" "$cli list $work/records.PDB --csv --filter 'Kind is Item 07' \
+    --filter 'Weight between 20000 and 60000' --filter 'Text contains harbour' >$work/out.csv" \
+  "SQLite WHERE" "" "sqlite3 -csv $work/records.db <$work/where.sql >$work/sqlite.csv")
+row "list what passes a filter" tabelion "SQLite WHERE" 1.0
+
+result=$(compare \
+  tabelion "" "$cli find $work/records.PDB '$needle' >$work/out.txt" \
+  "SQLite LIKE" "" "sqlite3 -csv $work/records.db <$work/like.sql >$work/sqlite.csv")
+row "find in all fields" tabelion "SQLite LIKE" 0.5
+
 result=$(compare \
   tabelion "" "$cli report $work/records.PDB Amount" \
   "SQLite aggregates" "" \

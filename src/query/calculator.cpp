@@ -80,6 +80,14 @@ bool Calculator::isMaskedSlot(std::size_t slot) const {
   return enciphered_ && database_.schema.fields[slot].encrypt_flag != 0;
 }
 
+// What a formula needs is not to be read, so what it gave before is better than what it would give.
+bool Calculator::hasMaskedOperand(const Calculation& calculation) const {
+  return std::any_of(
+      calculation.fields.begin(), calculation.fields.end(), [this](const Operand& field) {
+        return field.previous ? previous_masked_[field.slot] : isMaskedSlot(field.slot);
+      });
+}
+
 double Calculator::numberOf(std::size_t slot) {
   if (!known_[slot]) {
     known_.set(slot);
@@ -104,7 +112,7 @@ int Calculator::compute(std::uint32_t position, const CorruptFormula& corrupt) {
   new_values_.clear();
   int corrupt_count = 0;
   for (Calculation& calculation : calculations_) {
-    if (isMaskedSlot(calculation.slot)) continue;
+    if (isMaskedSlot(calculation.slot) || hasMaskedOperand(calculation)) continue;
     for (const Operand& field : calculation.fields) {
       calculation.operands[field.token] =
           field.previous ? previous_[field.slot] : numberOf(field.slot);
@@ -162,7 +170,10 @@ bool Calculator::packChanged(Bytes& into) const {
 }
 
 void Calculator::keepAsPrevious() {
-  for (const std::size_t slot : previous_slots_) previous_[slot] = numberOf(slot);
+  for (const std::size_t slot : previous_slots_) {
+    previous_[slot] = numberOf(slot);
+    previous_masked_[slot] = isMaskedSlot(slot);
+  }
 }
 
 }  // namespace tabelion

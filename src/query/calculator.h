@@ -68,6 +68,7 @@ class Calculator {
   void add(int slot);
   void putNewValue(std::size_t slot);
   bool isMaskedSlot(std::size_t slot) const;
+  bool hasMaskedOperand(const Calculation& calculation) const;
   double numberOf(std::size_t slot);
   double readNumber(std::size_t slot) const;
 
@@ -84,6 +85,7 @@ class Calculator {
   std::bitset<kFieldSlots> known_;              // whose number was read
   std::array<double, kFieldSlots> numbers_{};   // of the values known
   std::array<double, kFieldSlots> previous_{};  // of the previous record; 0 when there is none
+  std::bitset<kFieldSlots> previous_masked_;
   std::vector<NewValue> new_values_;
   std::string text_;
 };

@@ -129,6 +129,14 @@ TEST(Recompute, EncipheredFieldsAreLeftAlone) {
   EXPECT_EQ(recomputeField(account.database, account.balance, 0, account.settings), 0);
   EXPECT_EQ(account.world.stored(0, account.balance), "\x11\x22");
   EXPECT_EQ(recomputeAll(account.database, account.settings).values, 0u);
+
+  // Nor is a sum lost whose parts cannot be read now, here or in the record before.
+  account.world.field(account.balance).encrypt_flag = 0;
+  account.world.field(account.amount).encrypt_flag = 1;
+  account.world.addRecord({integer(4), "7.00\0"s});
+  account.world.setFormula(account.balance, {previousOf(0), fieldOf(0), op(2)});
+  EXPECT_EQ(recomputeAll(account.database, account.settings).values, 0u);
+  EXPECT_EQ(account.balances(), (std::vector<std::string>{"\x11\x22", "7.00"}));
 }
 
 TEST(Recompute, ThePreviousRecordIsTheNearestThatPassesTheFilter) {
