@@ -75,26 +75,31 @@ sqlite3 "$work/records.db" "UPDATE records SET Text = '$needle' WHERE rowid = 65
 shown="rowid, Title, Place, Count, Weight, Kind, Checked, Day, Hour, Text, Amount, Number"
 order="ORDER BY Title COLLATE NOCASE, Count DESC, Day"
 where="WHERE Kind = 'Item 07' AND Weight BETWEEN 20000 AND 60000 AND Text LIKE '%harbour%'"
-like=${shown#rowid, }
-like="WHERE ${like//, / LIKE '%$needle%' OR } LIKE '%$needle%'"
+like="WHERE rowid LIKE '%$needle%'"
+for column in ${shown//,/}; do like="$like OR $column LIKE '%$needle%'"; done
 echo "SELECT $shown FROM records $order;" > "$work/order.sql"
 echo "SELECT $shown FROM records $where;" > "$work/where.sql"
 echo "SELECT $shown FROM records $like;" > "$work/like.sql"
 
 result=$(compare \
   tabelion "" "$cli list $work/records.PDB --sort Title,Count:desc,Day --csv >$work/out.csv" \
-  "SQLite ORDER BY" "" "sqlite3 -csv $work/records.db <$work/order.sql >$work/sqlite.csv")
-row "list in another order" tabelion "SQLite ORDER BY" 0.5
+  "SQLite ORDER BY" "" "sqlite3 -csv $work/records.db '.read $work/order.sql' >$work/sqlite.csv")
+row "list in order, as CSV" tabelion "SQLite ORDER BY" 0.5
+
+result=$(compare \
+  tabelion "" "$cli list $work/records.PDB --sort Title,Count:desc,Day >$work/out.txt" \
+  "SQLite ORDER BY" "" "sqlite3 -column $work/records.db '.read $work/order.sql' >$work/sqlite.txt")
+row "list in order, aligned" tabelion "SQLite ORDER BY" 0.5
 
 result=$(compare \
   tabelion "" "$cli list $work/records.PDB --csv --filter 'Kind is Item 07' \
     --filter 'Weight between 20000 and 60000' --filter 'Text contains harbour' >$work/out.csv" \
-  "SQLite WHERE" "" "sqlite3 -csv $work/records.db <$work/where.sql >$work/sqlite.csv")
-row "list what passes a filter" tabelion "SQLite WHERE" 1.0
+  "SQLite WHERE" "" "sqlite3 -csv $work/records.db '.read $work/where.sql' >$work/sqlite.csv")
+row "list by three conditions" tabelion "SQLite WHERE" 1.0
 
 result=$(compare \
   tabelion "" "$cli find $work/records.PDB '$needle' >$work/out.txt" \
-  "SQLite LIKE" "" "sqlite3 -csv $work/records.db <$work/like.sql >$work/sqlite.csv")
+  "SQLite LIKE" "" "sqlite3 -csv $work/records.db '.read $work/like.sql' >$work/sqlite.csv")
 row "find in all fields" tabelion "SQLite LIKE" 0.5
 
 result=$(compare \
@@ -103,34 +108,6 @@ result=$(compare \
   "sqlite3 $work/records.db 'SELECT count(*), min(Amount), max(Amount), sum(Amount), avg(Amount)
      FROM records'")
 row "report on a field" tabelion "SQLite aggregates" 0.75
-
-shown=Title,Place,Count,Weight,Kind,Checked,Day,Hour,Text,Amount,Number
-order='--sort Title,Count:desc,Day'
-ordered="SELECT $shown FROM records ORDER BY Title COLLATE NOCASE, Count DESC, Day"
-result=$(compare \
-  tabelion "" "$cli list $work/records.PDB --csv $order >$work/list.csv" \
-  "sqlite3 -csv, ORDER BY" "" "sqlite3 -csv $work/records.db '$ordered' >$work/sqlite.csv")
-row "list in order, as CSV" tabelion "sqlite3 -csv, ORDER BY" 0.5
-
-result=$(compare \
-  tabelion "" "$cli list $work/records.PDB $order >$work/list.txt" \
-  "sqlite3 -column, ORDER BY" "" "sqlite3 -column $work/records.db '$ordered' >$work/sqlite.txt")
-row "list in order, aligned" tabelion "sqlite3 -column, ORDER BY" 0.5
-
-conditions="--filter 'Kind is Item 07' --filter 'Weight between 20000 and 60000'"
-conditions+=" --filter 'Text contains harbour'"
-passing="SELECT $shown FROM records WHERE Kind = \"Item 07\" AND Weight BETWEEN 20000 AND 60000"
-passing+=" AND Text LIKE \"%harbour%\""
-result=$(compare \
-  tabelion "" "$cli list $work/records.PDB --csv $conditions >$work/list.csv" \
-  "sqlite3 -csv, WHERE" "" "sqlite3 -csv $work/records.db '$passing' >$work/sqlite.csv")
-row "list by three conditions" tabelion "sqlite3 -csv, WHERE" 1.0
-
-like=$(sed 's/,/ LIKE "%amphora%" OR /g; s/$/ LIKE "%amphora%"/' <<< "$shown,Note")
-result=$(compare \
-  tabelion "" "$cli find $work/records.PDB amphora >$work/find.txt" \
-  "sqlite3, LIKE" "" "sqlite3 $work/records.db 'SELECT * FROM records WHERE $like' >$work/sqlite.txt")
-row "find in all fields" tabelion "sqlite3, LIKE" 0.5
 
 awk -v peak="$peak" -v size="$size" 'BEGIN {
   r = peak * 1024 / size

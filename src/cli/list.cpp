@@ -8,6 +8,7 @@
 #include "cli/context.h"
 #include "cli/row_output.h"
 #include "cli/shown_records.h"
+#include "engine/packed_record.h"
 #include "query/list_columns.h"
 
 namespace tabelion {
@@ -41,9 +42,8 @@ ExitCode runList(const ListOptions& options, CliContext& context) {
       std::min<std::size_t>(options.limit.value_or(kMaxRecords), shown_positions.size());
   const auto rows =
       makeRowOutput({*database, *encoding, settings, slots, count}, format, context.out);
-  constexpr std::size_t kAhead = 4;
   for (std::size_t i = 0; i < count; ++i) {
-    if (i + kAhead < count) database->records[shown_positions[i + kAhead]].prefetch();
+    database->records.fetchAhead(shown_positions[i], kMaxRecordSize);
     rows->put(shown_positions[i], recordNumber(*database, shown_positions[i]));
   }
   rows->finish();

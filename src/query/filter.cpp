@@ -213,14 +213,13 @@ bool recordPassesCriterion(const Database& database, int criterion, ByteView rec
 }
 
 void rebuildFilterIndex(Database& database, const QuerySettings& settings, const LinkFilter* link) {
-  constexpr std::uint32_t kAhead = 8;
   const RecordFilter filter(database, settings, link);
   const RecordStore& records = database.records;
   std::vector<std::uint32_t>& index = database.record_index;
   index.clear();
   const std::uint32_t count = records.count();
   for (std::uint32_t position = 0; position < count; ++position) {
-    if (position + kAhead < count) records[position + kAhead].prefetch();
+    records.fetchAhead(position);
     if (filter.passes(records[position].bytes())) index.push_back(position);
   }
   database.needs_refresh = false;

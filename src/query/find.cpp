@@ -128,6 +128,7 @@ FoundField RecordFinder::find(std::uint32_t start, int start_slot) const {
   if (!prepared_->fields.canMatch()) return {};
   int from = prepared_->field < 0 ? start_slot : 0;
   for (std::uint32_t position = start; position < records.count(); ++position) {
+    records.fetchAhead(position, kMaxRecordSize);
     const ByteView record = records[position].bytes();
     if (prepared_->filter.passes(record)) {
       const int slot = prepared_->fields.slotIn(record, from);

@@ -6,15 +6,12 @@
 
 #include "engine/schema_places.h"
 #include "query/calculator.h"
-#include "query/fetch_ahead.h"
 #include "query/filter.h"
 #include "query/formula.h"
 #include "query/sort.h"
 
 namespace tabelion {
 namespace {
-
-constexpr std::uint32_t kRecordsAhead = 6;
 
 // Puts `packed`, the record at `position` with the new values in it, into the store.
 void storeChanged(Database& database, std::uint32_t position, const Calculator& calculator,
@@ -96,10 +93,7 @@ RecomputeSummary recomputeFrom(Database& database, std::uint32_t first, RecordsM
   const std::uint32_t count = database.records.count();
   Bytes packed;
   for (std::uint32_t position = first; position < count; ++position) {
-    if (count - position > kRecordsAhead) {
-      const ByteView ahead = database.records[position + kRecordsAhead].bytes();
-      fetchAhead(ahead, ahead.size());
-    }
+    database.records.fetchAhead(position, kMaxRecordSize);
     const ByteView record = database.records[position].bytes();
     bool passes = !filtered || filter.passes(record);
     if (!passes && meant == RecordsMeant::kWithinFilter) {

@@ -37,8 +37,14 @@ template <class Visit>
 void forEachValue(const Database& database, int slot, const RecordFilter& filter, Visit visit) {
   const FieldDefinition& field = database.schema.fields[static_cast<std::size_t>(slot)];
   const bool everything = filter.passesEverything();
-  for (const Record& record : database.records) {
-    const ByteView bytes = record.bytes();
+  const RecordStore& records = database.records;
+  // How far into a record the value lies, by the first one.
+  constexpr std::size_t kLine = 64;
+  const int first_offset = records.count() > 0 ? findSlot(records[0].bytes(), slot).offset : 0;
+  const std::size_t reach = static_cast<std::size_t>(std::max(first_offset, 0)) + kLine;
+  for (std::uint32_t position = 0; position < records.count(); ++position) {
+    records.fetchAhead(position, reach);
+    const ByteView bytes = records[position].bytes();
     if (!everything && !filter.passes(bytes)) continue;
     const SlotPlace place = findSlot(bytes, slot);
     if (!place.present() || isMasked(field, bytes)) {

@@ -13,8 +13,6 @@
 namespace tabelion {
 namespace {
 
-constexpr std::uint32_t kReadAhead = 16;  // records
-
 // How far into a record one has to read for the first level, judged by this one.
 std::size_t reachOf(ByteView record, const std::vector<SortLevel>& levels) {
   if (levels.empty()) return 0;
@@ -148,7 +146,7 @@ std::uint32_t replaceInOrder(Database& database, std::uint32_t position,
   const std::size_t reach = reachOf(records[position].bytes(), levels);
   std::uint32_t to = 0;
   for (; to < count; ++to) {
-    if (to + kReadAhead < count) fetchAhead(records[to + kReadAhead].bytes(), reach);
+    records.fetchAhead(to, reach);
     if (to != position && isBefore(records[to].bytes())) break;
   }
   if (to > position) --to;  // taking it out moves the others up; nobody before: the last place

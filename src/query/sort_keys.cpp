@@ -49,7 +49,6 @@ namespace {
 constexpr std::size_t kWord = sizeof(std::uint64_t);
 constexpr std::uint64_t kSignBit = std::uint64_t{1} << 63;
 constexpr std::size_t kWordsInElement = 2;
-constexpr std::uint32_t kReadAhead = 8;  // records
 constexpr std::size_t kFetched = 192;    // bytes of them
 constexpr std::size_t kLikelyWords = 8;  // of a key
 
@@ -127,7 +126,7 @@ bool SortKeyMaker::run(SortKeys& keys) {
   keys.words_.reserve(count * kLikelyWords);
   keys.words_ = {0, SortKeys::kMissing};  // the rests of keys that an element holds whole
   for (std::uint32_t i = 0; i < count; ++i) {
-    if (i + kReadAhead < count) fetchAhead(records_[i + kReadAhead].bytes(), kFetched);
+    records_.fetchAhead(i, kFetched);
     putRecord(records_[i].bytes());
     if (missing_ && !marks_missing_) return false;
     keys.elements_.push_back(store(keys, i));

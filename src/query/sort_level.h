@@ -11,7 +11,6 @@
 
 #include "engine/database.h"
 #include "engine/packed_record.h"
-#include "query/fetch_ahead.h"
 #include "query/format_settings.h"
 #include "query/sort_fields.h"
 

@@ -14,12 +14,9 @@ std::uint8_t sumOf(ByteView bytes) {
 // Calls `work` with the position of every record whose flagged fields are enciphered, or in clear.
 template <typename Work>
 void forRecordsThatAre(bool enciphered, const Database& database, const Work& work) {
-  constexpr std::uint32_t kReadAhead = 8;  // records
   const RecordStore& records = database.records;
   for (std::uint32_t i = 0; i < records.count(); ++i) {
-    if (i + kReadAhead < records.count()) {
-      __builtin_prefetch(records[i + kReadAhead].bytes().data());
-    }
+    records.fetchAhead(i, kMaxRecordSize);
     if (isRecordEncrypted(records[i].bytes()) == enciphered) work(i);
   }
 }
