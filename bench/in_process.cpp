@@ -57,8 +57,13 @@ void allTexts(benchmark::State& state, const Database& database) {
   }
 }
 
-// One record taken apart, changed, packed and put back.
-void changeRecord(benchmark::State& state, Database& database) {
+// One record taken apart, changed, packed and put back. The database is one of its own: its records
+// lie anywhere in memory then.
+void changeRecord(benchmark::State& state, const std::string& path) {
+  Machine machine;
+  Database database;
+  database.path = path;
+  if (openDatabase(database, machine.engine) != 1) return state.SkipWithError("cannot be opened");
   std::uint32_t position = 0;
   Bytes packed;
   for (auto _ : state) {
@@ -87,7 +92,7 @@ int run(int argc, char** argv) {
   const auto ms = benchmark::kMillisecond;
   benchmark::RegisterBenchmark("open", openFile, database.path)->Unit(ms);
   benchmark::RegisterBenchmark("text of every value", allTexts, std::ref(database))->Unit(ms);
-  benchmark::RegisterBenchmark("change a record", changeRecord, std::ref(database))
+  benchmark::RegisterBenchmark("change a record", changeRecord, database.path)
       ->Unit(benchmark::kMicrosecond);
   benchmark::RegisterBenchmark("lay out a save", layOut, std::ref(database))->Unit(ms);
   registerCipher(database.path);
