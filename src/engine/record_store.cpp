@@ -34,6 +34,7 @@ std::uint32_t RecordStore::insert(std::uint32_t position, ByteView bytes,
 bool RecordStore::replace(std::uint32_t position, ByteView bytes) {
   if (bytes.size() > kMaxRecordSize) return false;
   Record& old = records_[position];
+  if (old.overwrite(bytes)) return true;
   Record record = Record::copied(bytes);
   record.unique_id = old.unique_id;
   record.attributes = old.attributes;

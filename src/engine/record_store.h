@@ -44,6 +44,13 @@ class Record {
   }
 
   ByteView bytes() const { return {bytes_, length_}; }
+  // Takes over as many bytes as there are, where the record has bytes of its own; false: it has
+  // none, or it has another length, and nothing was done.
+  bool overwrite(ByteView bytes) {
+    if (!owned_ || bytes.size() != length_) return false;
+    std::memmove(const_cast<std::uint8_t*>(bytes_), bytes.data(), bytes.size());
+    return true;
+  }
   std::uint32_t length() const { return length_; }
 
   std::uint32_t offset = 0;  // in the file, computed at the last save
