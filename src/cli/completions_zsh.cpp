@@ -5,7 +5,8 @@
 namespace tabelion {
 namespace {
 
-// A text inside the single quotes of a specification, where : [ and ] have a meaning of their own.
+// A text inside the single quotes of a line for _arguments, where : [ and ] have a meaning of their
+// own.
 std::string escaped(const std::string& text) {
   std::string result;
   for (const char c : text) {
@@ -24,8 +25,8 @@ std::string valueAction(const OptionForm& option) {
   return option.takesFile() ? "_files" : "";
 }
 
-// The specifications of _arguments for the options and arguments of a command, a line each.
-std::string specifications(const CommandForm& form, const std::string& indent) {
+// What _arguments is told of the options and arguments of a command, a line each.
+std::string argumentLines(const CommandForm& form, const std::string& indent) {
   std::string lines;
   int arguments = 0;
   for (const OptionForm& option : form.options) {
@@ -71,7 +72,7 @@ std::string branching(const std::string& path, const CommandForm& form) {
       "  _arguments -C \\\n{}    $global \\\n    '{}:command:->command' \\\n"
       "    '*::argument:->argument' && ret=0\n"
       "  case $state in\n    (command)\n      commands=(\n",
-      path.empty() ? "" : specifications(form, "    "), place);
+      path.empty() ? "" : argumentLines(form, "    "), place);
   for (const CommandForm& action : form.actions) {
     text += fmt::format("        '{}:{}'\n", action.name, escaped(action.summary));
   }
@@ -93,11 +94,11 @@ std::string zshCompletions(const CommandForm& program) {
   forEachCommand(program, [&](const std::string& path, const CommandForm& form) {
     text += functionName(path) + "() {\n";
     if (path.empty()) {
-      text += "  local -a global\n  global=( \\\n" + specifications(form, "    ") + "  )\n";
+      text += "  local -a global\n  global=( \\\n" + argumentLines(form, "    ") + "  )\n";
       text += "  typeset -A opt_args\n";
     }
     if (form.actions.empty()) {
-      text += "  _arguments \\\n" + specifications(form, "    ") + "    $global\n";
+      text += "  _arguments \\\n" + argumentLines(form, "    ") + "    $global\n";
     } else {
       text += branching(path, form);
     }

@@ -113,6 +113,22 @@ std::unique_ptr<Database> CliContext::open(const std::string& path, ExitCode& fa
   return nullptr;
 }
 
+std::optional<OpenedDatabase> CliContext::openToChange(const std::string& path, ExitCode& failure,
+                                                       Opening how) {
+  OpenedDatabase opened;
+  opened.lock = lock(path, failure);
+  if (!opened.lock) return std::nullopt;
+  opened.database = how == Opening::kForUse ? open(path, failure) : openAsItIs(path, failure);
+  if (!opened.database) return std::nullopt;
+  const auto encoding = encodingOf(*opened.database);
+  if (!encoding.ok()) {
+    failure = fail(encoding.error());
+    return std::nullopt;
+  }
+  opened.encoding = *encoding;
+  return opened;
+}
+
 std::optional<Password> CliContext::askPassword(const SecretSource& source,
                                                 const std::string& question,
                                                 const TextEncoding& encoding, ExitCode& failure) {

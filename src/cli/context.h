@@ -41,6 +41,13 @@ struct GlobalOptions {
   SecretSource access_password;
 };
 
+// A database that is being changed.
+struct OpenedDatabase {
+  std::unique_ptr<FileLock> lock;
+  std::unique_ptr<Database> database;
+  TextEncoding encoding = TextEncoding::utf8();
+};
+
 class CliContext {
  public:
   CliContext(CliPlatform& platform, Streams& streams, GlobalOptions options);
@@ -60,6 +67,11 @@ class CliContext {
   // The same for those who work with its records: only when its rights let it be opened, and with
   // its records in clear when their password was given.
   std::unique_ptr<Database> open(const std::string& path, ExitCode& failure);
+  // For changing it: locked first, then opened in one of these two ways. None on failure, which was
+  // said.
+  enum class Opening { kForUse, kAsItIs };
+  std::optional<OpenedDatabase> openToChange(const std::string& path, ExitCode& failure,
+                                             Opening how = Opening::kForUse);
   // Writes the database to its path; records that open() deciphered are enciphered again first.
   ExitCode save(Database& database);
   std::unique_ptr<FileLock> lock(const std::string& path, ExitCode& failure);

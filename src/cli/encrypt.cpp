@@ -21,29 +21,6 @@ struct EncryptOptions {
 // In the order of the modes.
 constexpr const char* kKept[] = {"whole-database", "automatic", "by-record"};
 
-struct Opened {
-  std::unique_ptr<FileLock> lock;
-  std::unique_ptr<Database> database;
-  TextEncoding encoding = TextEncoding::utf8();
-};
-
-// With the file locked; `failure` is set when the database is none.
-Opened openForEncryption(const std::string& file, CliContext& context, ExitCode& failure) {
-  Opened opened;
-  opened.lock = context.lock(file, failure);
-  if (!opened.lock) return opened;
-  auto database = context.openAsItIs(file, failure);
-  if (!database) return opened;
-  const auto encoding = context.encodingOf(*database);
-  if (!encoding.ok()) {
-    failure = context.fail(encoding.error());
-    return opened;
-  }
-  opened.encoding = *encoding;
-  opened.database = std::move(database);
-  return opened;
-}
-
 // Flags the fields that were asked for. A field that the records are sorted by cannot be one.
 Status flagFields(const EncryptOptions& options, Database& database, const TextEncoding& encoding) {
   for (const std::string& name : options.fields) {
@@ -64,7 +41,8 @@ Status flagFields(const EncryptOptions& options, Database& database, const TextE
 }
 
 // Texts that other devices could not read back; says each.
-bool hasOverlongValues(const EncryptOptions& options, const Opened& opened, CliContext& context) {
+bool hasOverlongValues(const EncryptOptions& options, const OpenedDatabase& opened,
+                       CliContext& context) {
   const auto overlong = overlongValues(*opened.database);
   if (options.overlong) return false;
   for (const auto& [position, value] : overlong) {
@@ -82,10 +60,10 @@ bool hasOverlongValues(const EncryptOptions& options, const Opened& opened, CliC
 
 ExitCode runEncrypt(const EncryptOptions& options, CliContext& context) {
   ExitCode failure{};
-  const Opened opened = openForEncryption(options.file, context, failure);
-  if (!opened.database) return failure;
-  Database& database = *opened.database;
-  const Status flagged = flagFields(options, database, opened.encoding);
+  const auto opened = context.openToChange(options.file, failure, CliContext::Opening::kAsItIs);
+  if (!opened) return failure;
+  Database& database = *opened->database;
+  const Status flagged = flagFields(options, database, opened->encoding);
   if (!flagged.ok()) {
     return context.fail({flagged.error().kind, options.file + ": " + flagged.error().text});
   }
@@ -95,9 +73,9 @@ ExitCode runEncrypt(const EncryptOptions& options, CliContext& context) {
   if (database.schema.encryption_mode > kEncryptRecordsByHand) {
     database.schema.encryption_mode = kEncryptWholeDatabase;
   }
-  if (hasOverlongValues(options, opened, context)) return ExitCode::kRefused;
+  if (hasOverlongValues(options, *opened, context)) return ExitCode::kRefused;
   const auto password = context.askPassword(context.options().encryption_password,
-                                            "Encryption password", opened.encoding, failure);
+                                            "Encryption password", opened->encoding, failure);
   if (!password) return failure;
   if (!PasswordMatchesCheck(database.schema, password->text())) {
     context.say(options.file + ": another password enciphered records of this database");
@@ -118,11 +96,11 @@ ExitCode runEncrypt(const EncryptOptions& options, CliContext& context) {
 
 ExitCode runDecrypt(const EncryptOptions& options, CliContext& context) {
   ExitCode failure{};
-  const Opened opened = openForEncryption(options.file, context, failure);
-  if (!opened.database) return failure;
-  Database& database = *opened.database;
+  const auto opened = context.openToChange(options.file, failure, CliContext::Opening::kAsItIs);
+  if (!opened) return failure;
+  Database& database = *opened->database;
   const auto password = context.askPassword(context.options().encryption_password,
-                                            "Encryption password", opened.encoding, failure);
+                                            "Encryption password", opened->encoding, failure);
   if (!password) return failure;
   ExpandedKey key;
   MakeKey(password->text(), key);

@@ -56,19 +56,17 @@ void storeFilter(Database& database, const FilterCriteria& criteria) {
 
 ExitCode changeFilter(const FilterOptions& options, CliContext& context) {
   ExitCode failure{};
-  const auto lock = context.lock(options.file, failure);
-  if (!lock) return failure;
-  const auto database = context.open(options.file, failure);
-  if (!database) return failure;
-  const auto encoding = context.encodingOf(*database);
-  if (!encoding.ok()) return context.fail(encoding.error());
-  const auto criteria = filterOfWords(*database, *encoding, options.conditions);
+  const auto opened = context.openToChange(options.file, failure);
+  if (!opened) return failure;
+  Database& database = *opened->database;
+  const TextEncoding& encoding = opened->encoding;
+  const auto criteria = filterOfWords(database, encoding, options.conditions);
   if (!criteria.ok()) {
     return context.fail({criteria.error().kind, options.file + ": " + criteria.error().text});
   }
-  storeFilter(*database, *criteria);
-  recomputeDependents(*database, context.querySettings(*encoding));
-  return context.save(*database);
+  storeFilter(database, *criteria);
+  recomputeDependents(database, context.querySettings(encoding));
+  return context.save(database);
 }
 
 ExitCode runFilter(const FilterOptions& options, CliContext& context) {

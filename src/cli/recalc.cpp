@@ -63,31 +63,29 @@ ExitCode runRecalc(const RecalcOptions& options, CliContext& context) {
         {ErrorKind::kRefused, "-: the database goes to standard output, where --json would go"});
   }
   ExitCode failure{};
-  const auto lock = context.lock(options.file, failure);
-  if (!lock) return failure;
-  const auto database = context.open(options.file, failure);
-  if (!database) return failure;
-  const auto encoding = context.encodingOf(*database);
-  if (!encoding.ok()) return context.fail(encoding.error());
+  const auto opened = context.openToChange(options.file, failure);
+  if (!opened) return failure;
+  Database& database = *opened->database;
+  const TextEncoding& encoding = opened->encoding;
 
-  const bool was_stale = database->schema.sort_pending != 0;
-  const auto order = orderOf(*database);
-  const RecomputeOutcome outcome = recomputeRecords(context, *encoding, *database);
-  const bool changed = outcome.summary.records > 0 || order != orderOf(*database) ||
-                       was_stale != (database->schema.sort_pending != 0);
+  const bool was_stale = database.schema.sort_pending != 0;
+  const auto order = orderOf(database);
+  const RecomputeOutcome outcome = recomputeRecords(context, encoding, database);
+  const bool changed = outcome.summary.records > 0 || order != orderOf(database) ||
+                       was_stale != (database.schema.sort_pending != 0);
   if (changed || piped) {
-    const ExitCode saved = context.save(*database);
+    const ExitCode saved = context.save(database);
     if (saved != ExitCode::kDone) return saved;
   }
   if (piped) {
     context.say(figuresText(outcome.summary));
   } else if (options.json) {
-    putJson(context.out, figuresJson(outcome, *database, *encoding));
+    putJson(context.out, figuresJson(outcome, database, encoding));
   } else {
     context.out.put(figuresText(outcome.summary) + "\n");
   }
   const ExitCode written = context.finishOutput();
-  sayCorrupt(context, options.file, *encoding, *database, outcome);
+  sayCorrupt(context, options.file, encoding, database, outcome);
   return written == ExitCode::kDone && !outcome.corrupt.empty() ? ExitCode::kDamaged : written;
 }
 

@@ -35,22 +35,14 @@ bool isAllowed(const DatabaseRecord& schema, Operation operation) {
 
 std::optional<OpenedDatabase> openFor(CliContext& context, const std::string& path,
                                       Operation operation, ExitCode& failure) {
-  auto lock = context.lock(path, failure);
-  if (!lock) return std::nullopt;
-  auto database = context.open(path, failure);
-  if (!database) return std::nullopt;
-  if (!isAllowed(database->schema, operation)) {
+  auto opened = context.openToChange(path, failure);
+  if (opened && !isAllowed(opened->database->schema, operation)) {
     failure = failAt(
-        context, *database,
+        context, *opened->database,
         {ErrorKind::kRefused, fmt::format("its access rights do not allow {}", nameOf(operation))});
     return std::nullopt;
   }
-  auto encoding = context.encodingOf(*database);
-  if (!encoding.ok()) {
-    failure = context.fail(encoding.error());
-    return std::nullopt;
-  }
-  return OpenedDatabase{std::move(lock), std::move(database), std::move(encoding).value()};
+  return opened;
 }
 
 Result<std::uint32_t> chooseRecord(const Database& database, std::string_view number) {

@@ -12,12 +12,6 @@
 
 namespace tabelion {
 
-struct OpenedDatabase {
-  std::unique_ptr<FileLock> lock;
-  std::unique_ptr<Database> database;
-  TextEncoding encoding;
-};
-
 // Locks and opens the database at `path` where its access rights allow the operation. On failure
 // the message has been said and `failure` is set.
 std::optional<OpenedDatabase> openFor(CliContext& context, const std::string& path,

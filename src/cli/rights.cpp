@@ -86,16 +86,14 @@ struct PasswdOptions {
 
 ExitCode runPasswd(const PasswdOptions& options, CliContext& context) {
   ExitCode failure{};
-  const auto lock = context.lock(options.file, failure);
-  if (!lock) return failure;
-  const auto database = context.openAsItIs(options.file, failure);
-  if (!database) return failure;
-  const auto encoding = context.encodingOf(*database);
-  if (!encoding.ok()) return context.fail(encoding.error());
-  auto& stored = database->schema.access_password;
+  const auto opened = context.openToChange(options.file, failure, CliContext::Opening::kAsItIs);
+  if (!opened) return failure;
+  Database& database = *opened->database;
+  const TextEncoding& encoding = opened->encoding;
+  auto& stored = database.schema.access_password;
   if (!areaText(stored).empty()) {
     const auto old = context.askPassword(context.options().access_password,
-                                         "Present access password", *encoding, failure);
+                                         "Present access password", encoding, failure);
     if (!old) return failure;
     if (old->text() != areaText(stored)) {
       context.say(options.file + ": this is not its access password; nothing was changed");
@@ -105,17 +103,17 @@ ExitCode runPasswd(const PasswdOptions& options, CliContext& context) {
   Password password;
   if (!options.clear) {
     const auto typed =
-        context.askPassword(options.new_password, "New access password", *encoding, failure);
+        context.askPassword(options.new_password, "New access password", encoding, failure);
     if (!typed) return failure;
     password = *typed;
   }
   setAreaText(stored, password.text());
   const bool asks = !password.text().empty();
-  if (asks || securityCode(database->schema, Operation::kOpen) == kCodePassword) {
-    setSecurityCode(database->schema, Operation::kOpen, asks ? kCodePassword : kCodeFree);
+  if (asks || securityCode(database.schema, Operation::kOpen) == kCodePassword) {
+    setSecurityCode(database.schema, Operation::kOpen, asks ? kCodePassword : kCodeFree);
   }
-  setDirty(*database);
-  return context.save(*database);
+  setDirty(database);
+  return context.save(database);
 }
 
 }  // namespace

@@ -37,25 +37,23 @@ void sortAndFollow(Database& database, const QuerySettings& settings) {
 
 ExitCode runSort(const SortOptions& options, CliContext& context) {
   ExitCode failure{};
-  const auto lock = context.lock(options.file, failure);
-  if (!lock) return failure;
-  const auto database = context.open(options.file, failure);
-  if (!database) return failure;
-  const auto encoding = context.encodingOf(*database);
-  if (!encoding.ok()) return context.fail(encoding.error());
+  const auto opened = context.openToChange(options.file, failure);
+  if (!opened) return failure;
+  Database& database = *opened->database;
+  const TextEncoding& encoding = opened->encoding;
   const auto refuse = [&](const Error& error) {
     return context.fail({error.kind, options.file + ": " + error.text});
   };
   if (!options.by.empty() || options.none) {
-    const auto selection = selectionOf(options, *database, *encoding);
+    const auto selection = selectionOf(options, database, encoding);
     if (!selection.ok()) return refuse(selection.error());
-    const std::string refusal = storeSortSelection(*database, *selection);
-    if (!refusal.empty()) return refuse({ErrorKind::kRefused, encoding->toUtf8(refusal)});
-  } else if (database->schema.sort[0].field == kNoField) {
+    const std::string refusal = storeSortSelection(database, *selection);
+    if (!refusal.empty()) return refuse({ErrorKind::kRefused, encoding.toUtf8(refusal)});
+  } else if (database.schema.sort[0].field == kNoField) {
     return refuse({ErrorKind::kInvalid, "is not sorted by any field; --by names some"});
   }
-  sortAndFollow(*database, context.querySettings(*encoding));
-  return context.save(*database);
+  sortAndFollow(database, context.querySettings(encoding));
+  return context.save(database);
 }
 
 }  // namespace
