@@ -4,9 +4,11 @@
 #include <set>
 
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 #include "cli/command.h"
 #include "cli/context.h"
+#include "cli/json_output.h"
 #include "engine/check.h"
 #include "engine/schema_places.h"
 #include "query/formula.h"
@@ -62,7 +64,28 @@ std::vector<Deviation> checkFormulas(ByteView file, const FileHeader& header, Cl
   return deviations;
 }
 
-ExitCode runCheck(const std::string& file, CliContext& context) {
+struct CheckOptions {
+  std::string file;
+  bool json = false;
+};
+
+void putDeviations(const std::vector<Deviation>& deviations, bool json, OutputBuffer& out) {
+  if (!json) {
+    for (const Deviation& deviation : deviations) {
+      out.put(fmt::format("{}: {}\n", deviation.offset, deviation.text));
+    }
+    return;
+  }
+  auto figures = versionedJson();
+  figures["deviations"] = nlohmann::ordered_json::array();
+  for (const Deviation& deviation : deviations) {
+    figures["deviations"].push_back({{"offset", deviation.offset}, {"text", deviation.text}});
+  }
+  putJson(out, figures);
+}
+
+ExitCode runCheck(const CheckOptions& options, CliContext& context) {
+  const std::string& file = options.file;
   const auto image = context.files.read(file);
   if (!image.ok()) return context.fail(image.error());
   const FileHeader header = parseHeader(image->span());
@@ -72,9 +95,7 @@ ExitCode runCheck(const std::string& file, CliContext& context) {
   std::vector<Deviation> deviations = checkFile(image->span());
   const auto in_formulas = checkFormulas(image->span(), header, context);
   deviations.insert(deviations.end(), in_formulas.begin(), in_formulas.end());
-  for (const Deviation& deviation : deviations) {
-    context.out.put(fmt::format("{}: {}\n", deviation.offset, deviation.text));
-  }
+  putDeviations(deviations, options.json, context.out);
   const ExitCode written = context.finishOutput();
   if (written != ExitCode::kDone || deviations.empty()) return written;
   context.say(fmt::format("{}: {} deviation{}", file, deviations.size(),
@@ -85,9 +106,10 @@ ExitCode runCheck(const std::string& file, CliContext& context) {
 }  // namespace
 
 CommandBody declareCheck(OptionList list) {
-  const auto file = std::make_shared<std::string>();
-  list.required("FILE", *file, "The file");
-  return [file](CliContext& context) { return runCheck(*file, context); };
+  const auto options = std::make_shared<CheckOptions>();
+  list.required("FILE", options->file, "The file");
+  list.flag("--json", options->json, "As JSON");
+  return [options](CliContext& context) { return runCheck(*options, context); };
 }
 
 }  // namespace tabelion
