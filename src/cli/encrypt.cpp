@@ -113,8 +113,7 @@ ExitCode runDecrypt(const EncryptOptions& options, CliContext& context) {
     return ExitCode::kWrongPassword;
   }
   database.schema.encryption_mode = kEncryptNever;
-  database.schema.password_check_present = 0;
-  database.schema.head[kStampFlagOffset] &= static_cast<std::uint8_t>(~kDatabaseEncrypted);
+  MarkDeciphered(database.schema);
   setDirty(database);
   return context.save(database);
 }

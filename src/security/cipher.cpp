@@ -56,6 +56,24 @@ Byte sum(Byte a, Byte b) {
   return static_cast<Byte>(a + b);
 }
 
+// Both directions: `cipherOf` says which of a byte's forms, before and after, is the cipher text,
+// which goes on into the register.
+template <typename CipherOf>
+void runFeedback(std::span<Byte> bytes, const ExpandedKey& key, const CipherOf& cipherOf) {
+  CipherBlock feedback;
+  std::copy_n(key.bytes().begin(), feedback.size(), feedback.begin());
+  for (std::size_t at = 0; at < bytes.size(); at += feedback.size()) {
+    const std::size_t count = std::min(feedback.size(), bytes.size() - at);
+    EncipherBlock(feedback, key);
+    for (std::size_t i = 0; i < count; ++i) {
+      const Byte before = bytes[at + i];
+      bytes[at + i] ^= feedback[i];
+      feedback[i] = cipherOf(before, bytes[at + i]);
+    }
+  }
+  WipeBytes(feedback);
+}
+
 }  // namespace
 
 void WipeBytes(std::span<std::uint8_t> bytes) {
@@ -121,32 +139,17 @@ void EncipherBlock(CipherBlock& block, const ExpandedKey& key) {
 }
 
 void EncipherBuffer(std::span<std::uint8_t> bytes, const ExpandedKey& key) {
-  CipherBlock feedback;
-  std::copy_n(key.bytes().begin(), feedback.size(), feedback.begin());
-  for (std::size_t at = 0; at < bytes.size(); at += feedback.size()) {
-    const std::size_t count = std::min(feedback.size(), bytes.size() - at);
-    EncipherBlock(feedback, key);
-    for (std::size_t i = 0; i < count; ++i) {
-      bytes[at + i] ^= feedback[i];
-      feedback[i] = bytes[at + i];
-    }
-  }
-  WipeBytes(feedback);
+  runFeedback(bytes, key, [](Byte, Byte after) { return after; });
 }
 
 void DecipherBuffer(std::span<std::uint8_t> bytes, const ExpandedKey& key) {
-  CipherBlock feedback;
-  std::copy_n(key.bytes().begin(), feedback.size(), feedback.begin());
-  for (std::size_t at = 0; at < bytes.size(); at += feedback.size()) {
-    const std::size_t count = std::min(feedback.size(), bytes.size() - at);
-    EncipherBlock(feedback, key);
-    for (std::size_t i = 0; i < count; ++i) {
-      const Byte cipher = bytes[at + i];
-      bytes[at + i] ^= feedback[i];
-      feedback[i] = cipher;
-    }
-  }
-  WipeBytes(feedback);
+  runFeedback(bytes, key, [](Byte before, Byte) { return before; });
+}
+
+std::uint8_t ByteSum(std::span<const std::uint8_t> bytes) {
+  Byte total = 0;
+  for (const Byte byte : bytes) total = sum(total, byte);
+  return total;
 }
 
 }  // namespace tabelion

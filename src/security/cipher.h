@@ -53,4 +53,7 @@ void EncipherBlock(CipherBlock& block, const ExpandedKey& key);
 void EncipherBuffer(std::span<std::uint8_t> bytes, const ExpandedKey& key);
 void DecipherBuffer(std::span<std::uint8_t> bytes, const ExpandedKey& key);
 
+// The checksum of clear bytes by which a right password is told: their sum modulo 256.
+std::uint8_t ByteSum(std::span<const std::uint8_t> bytes);
+
 }  // namespace tabelion

@@ -5,12 +5,6 @@
 namespace tabelion {
 namespace {
 
-std::uint8_t sumOf(ByteView bytes) {
-  std::uint8_t sum = 0;
-  for (const std::uint8_t byte : bytes) sum = static_cast<std::uint8_t>(sum + byte);
-  return sum;
-}
-
 // Calls `work` with the position of every record whose flagged fields are enciphered, or in clear.
 template <typename Work>
 void forRecordsThatAre(bool enciphered, const Database& database, const Work& work) {
@@ -41,7 +35,7 @@ bool fitsEnciphered(const Database& database, ByteView record, const ExpandedKey
 void SetPasswordCheck(DatabaseRecord& schema, std::string_view password,
                       const RandomSource& random) {
   for (std::uint8_t& byte : schema.password_check) byte = static_cast<std::uint8_t>(random());
-  schema.password_check_sum = sumOf(schema.password_check);
+  schema.password_check_sum = ByteSum(schema.password_check);
   ExpandedKey key;
   MakeKey(password, key);
   EncipherBuffer(schema.password_check, key);
@@ -54,7 +48,12 @@ bool PasswordMatchesCheck(const DatabaseRecord& schema, std::string_view passwor
   MakeKey(password, key);
   auto check = schema.password_check;
   DecipherBuffer(check, key);
-  return sumOf(check) == schema.password_check_sum;
+  return ByteSum(check) == schema.password_check_sum;
+}
+
+void MarkDeciphered(DatabaseRecord& schema) {
+  schema.password_check_present = 0;
+  schema.head[kStampFlagOffset] &= static_cast<std::uint8_t>(~kDatabaseEncrypted);
 }
 
 DecryptSummary DecryptRecords(Database& database, const ExpandedKey& key, bool forced) {

@@ -30,6 +30,9 @@ void SetPasswordCheck(DatabaseRecord& schema, std::string_view password,
 // Yes where no password is recorded yet. The sum is one byte, so one wrong password in 256 passes.
 bool PasswordMatchesCheck(const DatabaseRecord& schema, std::string_view password);
 
+// Takes back what says that the database is enciphered: its mark and the password check.
+void MarkDeciphered(DatabaseRecord& schema);
+
 struct DecryptSummary {
   std::uint32_t deciphered = 0;
   std::uint32_t failed = 0;  // with this password; they stay as they are

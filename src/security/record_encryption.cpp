@@ -57,12 +57,6 @@ std::size_t textLength(ByteView text) {
   return static_cast<std::size_t>(std::find(text.begin(), text.end(), 0) - text.begin());
 }
 
-std::uint8_t sumOf(ByteView bytes) {
-  std::uint8_t sum = 0;
-  for (const std::uint8_t byte : bytes) sum = static_cast<std::uint8_t>(sum + byte);
-  return sum;
-}
-
 // Appends the enciphered form of a value and adds its clear bytes to the checksum.
 void putEnciphered(Bytes& into, Form form, ByteView value, const ExpandedKey& key,
                    std::uint8_t& sum) {
@@ -75,11 +69,12 @@ void putEnciphered(Bytes& into, Form form, ByteView value, const ExpandedKey& ke
   std::size_t count = value.size();
   if (form == Form::kWhole) {
     into.insert(into.end(), value.begin(), value.end());
-    sum = static_cast<std::uint8_t>(sum + sumOf(value));
+    sum = static_cast<std::uint8_t>(sum + ByteSum(value));
   } else if (form == Form::kNote) {
     into.insert(into.end(), value.begin(), value.end());
     into.resize(begin + std::max(value.size(), kNoteSize));
-    sum = static_cast<std::uint8_t>(sum + sumOf(ByteView(into).subspan(begin, kCheckedNoteBytes)));
+    sum =
+        static_cast<std::uint8_t>(sum + ByteSum(ByteView(into).subspan(begin, kCheckedNoteBytes)));
     first += 1;
     count = kCheckedNoteBytes - 1;
   } else {
@@ -92,7 +87,7 @@ void putEnciphered(Bytes& into, Form form, ByteView value, const ExpandedKey& ke
     first = into.size();
     count = text.size();
     into.insert(into.end(), text.begin(), text.end());
-    sum = static_cast<std::uint8_t>(sum + sumOf(text));
+    sum = static_cast<std::uint8_t>(sum + ByteSum(text));
   }
   EncipherBuffer(std::span(into).subspan(first, count), key);
 }
@@ -136,11 +131,11 @@ void putDeciphered(Bytes& into, int type, ByteView value, const ExpandedKey& key
     const auto written = std::span(into).subspan(begin);
     if (form == Form::kWhole) {
       DecipherBuffer(written, key);
-      sum = static_cast<std::uint8_t>(sum + sumOf(written));
+      sum = static_cast<std::uint8_t>(sum + ByteSum(written));
     } else {
       const auto checked = written.first(std::min(written.size(), kCheckedNoteBytes));
       DecipherBuffer(checked.subspan(1), key);
-      sum = static_cast<std::uint8_t>(sum + sumOf(checked));
+      sum = static_cast<std::uint8_t>(sum + ByteSum(checked));
     }
     return;
   }
@@ -150,7 +145,7 @@ void putDeciphered(Bytes& into, int type, ByteView value, const ExpandedKey& key
   into.insert(into.end(), text.begin(), text.end());
   const auto clear = std::span(into).subspan(begin + head);
   DecipherBuffer(clear, key);
-  sum = static_cast<std::uint8_t>(sum + sumOf(clear));
+  sum = static_cast<std::uint8_t>(sum + ByteSum(clear));
   closeText(into, type, text.size());
 }
 

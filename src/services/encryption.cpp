@@ -89,8 +89,7 @@ int DecryptWholeDatabase(Application& app, const EncryptionPasswordPrompt& promp
     }
     if (summary.failed == 0) {
       if (app.preferences.auto_encrypt) app.stack.current().remembered = password;
-      database.schema.password_check_present = 0;
-      database.schema.head[kStampFlagOffset] &= static_cast<std::uint8_t>(~kDatabaseEncrypted);
+      MarkDeciphered(database.schema);
       return 1;
     }
     showWrongPassword(app);
@@ -171,8 +170,7 @@ bool SaveEnciphered(Application& app, const std::function<bool()>& save) {
   ExpandedKey key;
   MakeKey(remembered.text(), key);
   (void)DecryptRecords(database, key);  // the key that enciphered them just now
-  database.schema.password_check_present = 0;
-  database.schema.head[kStampFlagOffset] &= static_cast<std::uint8_t>(~kDatabaseEncrypted);
+  MarkDeciphered(database.schema);
   return saved;
 }
 
