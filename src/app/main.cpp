@@ -6,6 +6,7 @@
 #include "app/options.h"
 #include "app/program.h"
 #include "app/tour.h"
+#include "platform/std/sole_instance.h"
 
 namespace {
 
@@ -36,5 +37,7 @@ int main(int argc, char** argv) {
   QApplication::setQuitOnLastWindowClosed(false);
   if (tour) return tabelion::runTour(parsed.options);
   tabelion::QtDialogs dialogs({parsed.options.screen, parsed.options.zoom});
-  return tabelion::runProgram(parsed.options, tabelion::placesOf(parsed.options), dialogs);
+  tabelion::SoleInstance instance;
+  return tabelion::runProgram(parsed.options, tabelion::placesOf(parsed.options), dialogs,
+                              instance);
 }

@@ -16,6 +16,7 @@ struct ProgramOptions {
   std::string code_page;
   std::string samples_folder;  // empty: beside the program
   std::string tour_folder;     // where the tour leaves its pictures; empty: no tour
+  std::string open_file;       // a database to open; an absolute path
   std::string command_line;    // the words that are no options
 };
 

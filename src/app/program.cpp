@@ -18,13 +18,17 @@ ProgramPlaces placesOf(const ProgramOptions& options) {
   return places;
 }
 
-int runProgram(const ProgramOptions& options, const ProgramPlaces& places, QtDialogs& dialogs) {
+int runProgram(const ProgramOptions& options, const ProgramPlaces& places, QtDialogs& dialogs,
+               Instance& instance) {
   StdFiles files(places.files);
   StdClock clock;
   StdLocale locale;
   JsonSettings settings(places.settings);
-  Platform platform{files, clock, locale, settings, dialogs, places.samples_folder};
-  return RunTabelion(platform, {options.command_line, options.code_page});
+  Platform platform{files, clock, locale, settings, dialogs, instance, places.samples_folder};
+  return RunTabelion(platform, {.command_line = options.command_line,
+                                .code_page = options.code_page,
+                                .open_file = options.open_file,
+                                .activation_token = {}});
 }
 
 }  // namespace tabelion

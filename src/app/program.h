@@ -4,6 +4,7 @@
 #include <string>
 
 #include "app/options.h"
+#include "platform/instance.h"
 #include "platform/qt/qt_dialogs.h"
 #include "platform/std/json_settings.h"
 #include "platform/std/std_files.h"
@@ -20,6 +21,7 @@ struct ProgramPlaces {
 ProgramPlaces placesOf(const ProgramOptions& options);
 
 // Runs the whole program in the window of `dialogs`; returns its exit code.
-int runProgram(const ProgramOptions& options, const ProgramPlaces& places, QtDialogs& dialogs);
+int runProgram(const ProgramOptions& options, const ProgramPlaces& places, QtDialogs& dialogs,
+               Instance& instance);
 
 }  // namespace tabelion

@@ -12,6 +12,7 @@
 #include "app/program.h"
 #include "app/tour_driver.h"
 #include "platform/qt/list_view.h"
+#include "platform/std/sole_instance.h"
 #include "screens/record_form.h"
 #include "screens/record_list.h"
 #include "screens/screen_numbers.h"
@@ -345,7 +346,8 @@ int runTour(const ProgramOptions& options) {
   Tour tour(driver, places.files.documents_folder, readStoredDatabases(places.samples_folder));
   if (!tour.plan()) return 1;
   driver.start();
-  const int exit_code = runProgram(options, places, dialogs);
+  SoleInstance instance;
+  const int exit_code = runProgram(options, places, dialogs, instance);
   return driver.finish() && exit_code == 0 ? 0 : 1;
 }
 

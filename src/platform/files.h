@@ -38,6 +38,9 @@ struct FileInfo {
   std::int64_t created = 0;   // seconds since 1970-01-01 UTC; the modification time where unknown
   std::int64_t modified = 0;  // seconds since 1970-01-01 UTC
   bool is_regular = true;
+  // Another number after every write and every replacement, so that a program can see that a file
+  // is no longer the one it read. Means nothing across machines.
+  std::uint64_t version = 0;
 };
 
 // Which volume's documents folder is meant.

@@ -6,6 +6,7 @@
 #include "platform/clock.h"
 #include "platform/dialogs.h"
 #include "platform/files.h"
+#include "platform/instance.h"
 #include "platform/locale.h"
 #include "platform/settings.h"
 
@@ -17,6 +18,7 @@ struct Platform {
   Locale& locale;
   Settings& settings;
   Dialogs& dialogs;
+  Instance& instance;
   std::string samples_folder;  // sample databases to offer; may not exist
 };
 

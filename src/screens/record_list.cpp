@@ -57,8 +57,9 @@ DialogTemplate RecordListTemplate() {
   return dialog;
 }
 
-int ShowRecordList(Application& app, Dialog* owner, const std::string& path) {
-  RecordListScreen screen(app, path);
+int ShowRecordList(Application& app, Dialog* owner, const std::string& path,
+                   std::optional<std::uint32_t> record) {
+  RecordListScreen screen(app, path, record);
   return RunModalDialog(app, owner, RecordListTemplate(), screen);
 }
 
@@ -105,6 +106,7 @@ void RecordListScreen::OpenFile(Dialog& dialog) {
   app_.current_record = stored >= kSchemaRecords ? static_cast<std::uint32_t>(stored) -
                                                        static_cast<std::uint32_t>(kSchemaRecords)
                                                  : 0;
+  if (first_record_) app_.current_record = *first_record_;
   FillRecordList(dialog);
 }
 

@@ -1,6 +1,8 @@
 // The list of a database's records: the screen that a database opens into.
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,8 +20,10 @@ DialogTemplate RecordListTemplate();
 
 class RecordListScreen : public Screen {
  public:
-  // `path` is the file to open, once the screen is there.
-  RecordListScreen(Application& app, std::string path) : app_(app), path_(std::move(path)) {}
+  // `path` is the file to open, once the screen is there; `record` the one to select at first,
+  // instead of the one that the database remembers.
+  RecordListScreen(Application& app, std::string path, std::optional<std::uint32_t> record)
+      : app_(app), path_(std::move(path)), first_record_(record) {}
 
   void onInit(Dialog& dialog) override;
   void onMessage(Dialog& dialog, int message) override;
@@ -51,12 +55,14 @@ class RecordListScreen : public Screen {
 
   Application& app_;
   std::string path_;
+  std::optional<std::uint32_t> first_record_;
   QuickFind find_;
   std::vector<int> slots_;  // of the columns
 };
 
 // Opens the database file in the record list; the screen's result. `owner` is null for the main
 // window.
-int ShowRecordList(Application& app, Dialog* owner, const std::string& path);
+int ShowRecordList(Application& app, Dialog* owner, const std::string& path,
+                   std::optional<std::uint32_t> record = std::nullopt);
 
 }  // namespace tabelion

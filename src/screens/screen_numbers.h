@@ -6,11 +6,16 @@
 
 namespace tabelion {
 
+inline constexpr int kAboutScreen = 103;
 inline constexpr int kChooserScreen = 105;
 inline constexpr int kRecordListScreen = 106;
 inline constexpr int kEditRecordScreen = 109;
 inline constexpr int kPasswordScreen = 110;
 inline constexpr int kNoteScreen = 111;
+inline constexpr int kDatabaseInfoScreen = 127;
+inline constexpr int kPreferencesScreen = 133;
+inline constexpr int kCopyQuestionScreen = 170;
+inline constexpr int kChangedFileScreen = 171;
 
 inline constexpr CommandId kNewRecordCommand = 40002;
 inline constexpr CommandId kDeleteCommand = 40004;

@@ -4,8 +4,10 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "engine/database.h"
 #include "interchange/text_encoding.h"
@@ -45,6 +47,25 @@ struct DatabaseStack {
   const StackSlot& current() const { return slots[static_cast<std::size_t>(current_depth)]; }
 };
 
+class Screen;
+
+// A dialog that runs.
+struct OpenDialog {
+  Dialog* dialog = nullptr;
+  Screen* screen = nullptr;
+};
+
+// Why every open dialog is being closed, without its user having left it.
+enum class Closing {
+  kNo,
+  kUnattended,   // nothing happened for a while
+  kForAnother,   // the user wants another database, from outside the window
+  kSessionEnds,  // now or never, and nobody can be asked
+};
+
+// What to do with a database whose file another program has changed since it was read.
+enum class ChangedFileChoice { kOverwrite, kKeepBoth, kCancel };
+
 struct Application {
   // Slot 0 holds an empty database afterwards. `platform` must outlive this object.
   explicit Application(Platform& platform);
@@ -61,7 +82,12 @@ struct Application {
   std::u16string category = kAllCategories;  // that the chooser shows
   std::uint32_t current_record = 0;          // data record number, or kNewRecord
   bool new_record = false;
-  bool record_screen_active = false;  // a screen above the chooser is open
+  bool record_screen_active = false;     // a screen above the chooser is open
+  std::vector<OpenDialog> open_dialogs;  // above the chooser, the top one last
+  Closing closing = Closing::kNo;
+  // How a save asks about a file that another program has changed; shows the question in a dialog.
+  // Without it, and when nobody can be asked, both are kept.
+  std::function<ChangedFileChoice(const std::string& path)> ask_changed_file;
 };
 
 // The database that screens work on; an empty one when none is open.

@@ -99,12 +99,13 @@ int DecryptWholeDatabase(Application& app, const EncryptionPasswordPrompt& promp
 bool EncryptWholeDatabase(Application& app, const EncryptionPasswordPrompt& prompt) {
   Database& database = CurrentDatabase(app);
   if (!isKeptEnciphered(database) || !hasRecords(database, false)) return true;
-  if (prompt && !acceptsOverlongValues(app, overlongValues(database))) return false;
+  const bool alone = !prompt || app.closing == Closing::kSessionEnds;
+  if (!alone && !acceptsOverlongValues(app, overlongValues(database))) return false;
   Password& remembered = app.stack.current().remembered;
   const Password taken = remembered;
   remembered.clear();
   if (app.preferences.auto_encrypt && isRemembered(taken) && encipherWith(app, taken)) return true;
-  if (!prompt) return true;  // nobody is there to be asked
+  if (alone) return true;  // in clear rather than not at all
   for (;;) {
     Password typed;
     if (prompt(typed) && encipherWith(app, typed)) return true;

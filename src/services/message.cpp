@@ -6,11 +6,13 @@ namespace tabelion {
 
 void ShowMessage(Application& app, const std::u16string& text, const std::u16string& title,
                  MessageIcon icon) {
+  if (app.closing == Closing::kSessionEnds) return;  // nobody reads it, and it would wait
   app.platform.dialogs.message({text, title, MessageButtons::kOk, icon});
 }
 
 bool Ask(Application& app, const std::u16string& text, const std::u16string& title,
          MessageIcon icon) {
+  if (app.closing == Closing::kSessionEnds) return false;
   return app.platform.dialogs.message({text, title, MessageButtons::kYesNo, icon}) ==
          MessageAnswer::kYes;
 }

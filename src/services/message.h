@@ -9,7 +9,8 @@ namespace tabelion {
 
 void ShowMessage(Application& app, const std::u16string& text, const std::u16string& title,
                  MessageIcon icon);
-// A Yes/No question; true for Yes.
+// A Yes/No question; true for Yes. False without a question when the session ends, as well as when
+// it was dismissed because nobody answered it: `app.closing` tells that from a No.
 bool Ask(Application& app, const std::u16string& text, const std::u16string& title,
          MessageIcon icon = MessageIcon::kQuestion);
 

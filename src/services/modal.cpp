@@ -3,17 +3,21 @@
 namespace tabelion {
 namespace {
 
+constexpr int kFinishMessage = 10;  // far below those of the screens
+
 // Hands everything on to the screen and restarts the timer on every sign of life.
 class AutoClosing : public DialogHandler {
  public:
   AutoClosing(Application& app, Screen& screen) : app_(app), screen_(screen) {}
 
   void onInit(Dialog& dialog) override {
+    app_.open_dialogs.push_back({&dialog, &screen_});
     restart(dialog);
+    if (app_.closing == Closing::kSessionEnds) dialog.post(kFinishMessage);
     screen_.onInit(dialog);
   }
   void onCommand(Dialog& dialog, CommandId command) override {
-    restart(dialog);
+    somebodyIsThere(dialog);
     screen_.onCommand(dialog, command);
   }
   void onNotice(Dialog& dialog, ControlId control, Notice notice) override {
@@ -21,7 +25,7 @@ class AutoClosing : public DialogHandler {
     screen_.onNotice(dialog, control, notice);
   }
   bool onKey(Dialog& dialog, const KeyPress& key) override {
-    restart(dialog);
+    somebodyIsThere(dialog);
     return screen_.onKey(dialog, key);
   }
   bool acceptsCharacter(Dialog& dialog, ControlId control, char32_t character) override {
@@ -35,13 +39,13 @@ class AutoClosing : public DialogHandler {
   void onTimer(Dialog& dialog, int timer) override {
     if (timer != kAutoCloseTimer) return screen_.onTimer(dialog, timer);
     if (!app_.preferences.autoCloses()) return dialog.stopTimer(kAutoCloseTimer);
-    if (screen_.OnAutoClose(dialog)) {
-      dialog.end(kDialogAutoClosed);
-    } else {
-      restart(dialog);
-    }
+    if (app_.closing == Closing::kNo) app_.closing = Closing::kUnattended;
+    finish(dialog);
   }
-  void onMessage(Dialog& dialog, int message) override { screen_.onMessage(dialog, message); }
+  void onMessage(Dialog& dialog, int message) override {
+    if (message == kFinishMessage) return finish(dialog);
+    screen_.onMessage(dialog, message);
+  }
   void onActivate(Dialog& dialog) override { screen_.onActivate(dialog); }
   void onResize(Dialog& dialog) override { screen_.onResize(dialog); }
   void onPaintRow(Dialog& dialog, ControlId list, int row, ListPainter& painter,
@@ -53,6 +57,21 @@ class AutoClosing : public DialogHandler {
   }
 
  private:
+  // A box before the dialog goes first: what asked there has to come to its end, and only then can
+  // the dialog be stored.
+  void finish(Dialog& dialog) {
+    if (app_.closing == Closing::kNo) return;  // somebody came back meanwhile
+    if (app_.platform.dialogs.dismissBoxes()) return dialog.post(kFinishMessage);
+    if (screen_.OnAutoClose(dialog) || app_.closing == Closing::kSessionEnds) {
+      return dialog.end(kDialogAutoClosed);
+    }
+    app_.closing = Closing::kNo;
+    restart(dialog);
+  }
+  void somebodyIsThere(Dialog& dialog) {
+    if (app_.closing == Closing::kUnattended) app_.closing = Closing::kNo;
+    restart(dialog);
+  }
   void restart(Dialog& dialog) const {
     if (app_.preferences.autoCloses()) {
       dialog.startTimer(kAutoCloseTimer, app_.preferences.auto_close_period_ms);
@@ -69,10 +88,20 @@ int RunModalDialog(Application& app, Dialog* owner, const DialogTemplate& dialog
   if (owner != nullptr) owner->stopTimer(kAutoCloseTimer);
   AutoClosing handler(app, screen);
   const int result = app.platform.dialogs.runModal(dialog, handler);
+  app.open_dialogs.pop_back();
+  if (app.closing == Closing::kSessionEnds && !app.open_dialogs.empty()) {
+    app.open_dialogs.back().dialog->post(kFinishMessage);  // it may know nothing of result 10
+  }
   if (owner != nullptr && app.preferences.autoCloses()) {
     owner->startTimer(kAutoCloseTimer, app.preferences.auto_close_period_ms);
   }
   return result;
+}
+
+void CloseOpenDialogs(Application& app, Closing why) {
+  if (app.open_dialogs.empty()) return;
+  app.closing = why;
+  app.open_dialogs.back().dialog->post(kFinishMessage);
 }
 
 }  // namespace tabelion

@@ -23,4 +23,9 @@ class Screen : public DialogHandler {
 // auto-close timer stands still meanwhile; null when the main window opens it.
 int RunModalDialog(Application& app, Dialog* owner, const DialogTemplate& dialog, Screen& screen);
 
+// Makes every open dialog do what it does for auto-close, from the top down, once the present event
+// is over. What stands before the top one, a message or a menu, is dismissed. At the end of the
+// session a dialog ends even when it could not store what it holds.
+void CloseOpenDialogs(Application& app, Closing why);
+
 }  // namespace tabelion

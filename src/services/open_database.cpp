@@ -92,7 +92,8 @@ bool saveBeforeClosing(Application& app, AskBeforeSaving ask,
   if (isDirty(database)) {
     const bool save = ask == AskBeforeSaving::kNo || app.preferences.auto_save_on_close ||
                       Ask(app, u"Save changes to this database?", u"QUESTION");
-    if (!save) return true;
+    // A question that was dismissed because nobody is there has not been answered No.
+    if (!save && app.closing == Closing::kNo) return true;
   }
   if (!EncryptWholeDatabase(app, prompt)) return false;
   if (!isDirty(database)) return true;
@@ -133,7 +134,10 @@ bool CloseDatabase(Application& app, AskBeforeSaving ask, const EncryptionPasswo
 
 void CloseAllDatabases(Application& app, const EncryptionPasswordPrompt& prompt) {
   while (IsDatabaseOpen(app)) {
-    if (!CloseDatabase(app, AskBeforeSaving::kNo, prompt)) continue;  // another attempt
+    if (!CloseDatabase(app, AskBeforeSaving::kNo, prompt)) {
+      if (app.closing != Closing::kSessionEnds) continue;  // another attempt
+      ResetCurrentSlot(app);                               // there is no time left for one
+    }
     if (app.stack.current_depth > 0) --app.stack.current_depth;
   }
 }

@@ -1,6 +1,7 @@
 // The main window: the list of databases to choose from.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,9 +15,18 @@ inline constexpr ControlId kDatabaseList = 103;
 
 DialogTemplate MainWindowTemplate();
 
+struct MainWindowStart {
+  std::string code_page;  // of databases that carry none, for this run; empty: the user's
+  StartRequest request;   // what the program was started for
+  AlarmStep alarm;
+};
+
 class MainWindow : public DialogHandler {
  public:
-  MainWindow(Application& app, const StartOptions& options) : app_(app), options_(options) {}
+  MainWindow(Application& app, MainWindowStart start) : app_(app), start_(std::move(start)) {}
+
+  // Why the window was left.
+  bool SessionEnds() const { return session_ends_; }
 
   void onInit(Dialog& dialog) override;
   void onMessage(Dialog& dialog, int message) override;
@@ -39,12 +49,24 @@ class MainWindow : public DialogHandler {
   void OpenSelected(Dialog& dialog);
   void AutoSave();
 
+  // What comes from outside: another start, the desktop, the end of the session.
+  void OnRequest(Dialog& dialog, const StartRequest& request);
+  void CarryOut(Dialog& dialog, const StartRequest& request);
+  void HandleCommandLine(Dialog& dialog, const std::string& command_line);
+  void HandleOpenFile(Dialog& dialog, const std::string& path);
+  void OpenDatabase(Dialog& dialog, const std::string& path,
+                    std::optional<std::uint32_t> record = std::nullopt);
+  void AfterDialog(Dialog& dialog);
+  bool IsOpen(const std::string& path) const;
+
   Application& app_;
-  const StartOptions& options_;
+  const MainWindowStart start_;
   DatabaseList list_;
   std::vector<std::u16string> categories_;  // as the soft key's menu shows them
   std::u16string left_key_text_ = u"Categories";
   bool saving_ = false;
+  std::string open_next_;  // asked for from outside, while others are being closed
+  bool session_ends_ = false;
 };
 
 }  // namespace tabelion

@@ -7,11 +7,19 @@
 
 namespace tabelion {
 
-int RunTabelion(Platform& platform, const StartOptions& options) {
+int RunTabelion(Platform& platform, const StartOptions& options, const AlarmStep& alarm) {
+  StartRequest request{RequestKind::kCommandLine, options.command_line, options.activation_token};
+  if (!options.open_file.empty()) {
+    request.kind = RequestKind::kOpenFile;
+    request.text = options.open_file;
+  }
+  if (platform.instance.start(request) != Instance::Outcome::kFirst) return 0;
   Application app(platform);
-  MainWindow window(app, options);
+  MainWindow window(app, {.code_page = options.code_page, .request = request, .alarm = alarm});
   // Not through the function that runs every other dialog: the main window never closes by itself.
   platform.dialogs.runModal(MainWindowTemplate(), window);
+  platform.instance.listen({});
+  if (window.SessionEnds()) app.closing = Closing::kSessionEnds;
   CloseAllDatabases(app, AskEncryptionPassword(app, nullptr, true));
   return 0;
 }

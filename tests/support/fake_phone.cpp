@@ -448,7 +448,13 @@ FakeDialog& FakePhone::open(int screen_number) {
 
 MessageAnswer FakePhone::message(const MessageBox& box) {
   boxes.push_back(box);
+  dismissed_ = false;
+  ++messages_up;
   while_message();
+  --messages_up;
+  if (dismissed_) {
+    return box.buttons == MessageButtons::kOk ? MessageAnswer::kOk : MessageAnswer::kNo;
+  }
   if (script_.empty() || script_.front().kind != StepKind::kMessage ||
       script_.front().text != box.text || script_.front().title != box.title ||
       script_.front().buttons != box.buttons) {
@@ -476,6 +482,11 @@ CommandId FakePhone::popupMenu(Point, const std::vector<MenuEntry>& entries) {
 void FakePhone::setWaitCursor(bool on) {
   wait_cursor += on ? 1 : -1;
   if (on) ++wait_cursor_shown;
+}
+
+bool FakePhone::dismissBoxes() {
+  dismissed_ = messages_up > 0;
+  return dismissed_;
 }
 
 std::unique_ptr<Progress> FakePhone::progress(const std::u16string&) {

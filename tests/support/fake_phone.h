@@ -189,6 +189,8 @@ class FakePhone : public Dialogs {
   CommandId popupMenu(Point at, const std::vector<MenuEntry>& entries) override;
   void setWaitCursor(bool on) override;
   std::unique_ptr<Progress> progress(const std::u16string& what) override;
+  bool dismissBoxes() override;
+  void bringToFront(const std::string&) override { ++brought_to_front; }
 
   [[noreturn]] void fail(const std::string& what);
   FakeDialog& open(int screen_number);  // one of the open screens
@@ -196,11 +198,14 @@ class FakePhone : public Dialogs {
   Size screen;
   std::vector<MessageBox> boxes;                // every one shown
   std::function<void()> while_message = [] {};  // what happens while one is up
+  int messages_up = 0;                          // now
+  int brought_to_front = 0;
   int wait_cursor = 0;
   int wait_cursor_shown = 0;  // how often it came up
 
  private:
   friend class ScreenScript;
+  bool dismissed_ = false;
   enum class StepKind { kScreen, kMessage, kPopup };
   struct Step {
     StepKind kind = StepKind::kScreen;

@@ -32,6 +32,7 @@ class MemoryLock : public FileLock {
 void MemoryFiles::put(const std::string& path, std::vector<std::uint8_t> bytes) {
   (void)makeFolder(parentOf(path));
   nodes_[path].bytes = std::move(bytes);
+  nodes_[path].version = ++writes_;
 }
 
 void MemoryFiles::put(const std::string& path, const std::string& bytes) {
@@ -91,6 +92,7 @@ Status MemoryFiles::replace(const std::string& path, std::span<const BytePiece> 
                      "Could not write " + path + ": No space left on device");
   }
   nodes_[path].bytes = std::move(content);
+  nodes_[path].version = ++writes_;
   ++replaces;
   return Done{};
 }
@@ -121,7 +123,7 @@ Result<FileInfo> MemoryFiles::info(const std::string& path) {
   const auto at = nodes_.find(path);
   if (at == nodes_.end()) return notFound(path);
   const Node& node = at->second;
-  return FileInfo{node.bytes.size(), node.created, node.modified, !node.is_folder};
+  return FileInfo{node.bytes.size(), node.created, node.modified, !node.is_folder, node.version};
 }
 
 Status MemoryFiles::copy(const std::string& from, const std::string& to, bool overwrite) {

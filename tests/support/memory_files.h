@@ -55,12 +55,14 @@ class MemoryFiles : public Files {
     std::vector<std::uint8_t> bytes;
     std::int64_t created = 0;
     std::int64_t modified = 0;
+    std::uint64_t version = 0;
   };
 
   std::optional<Error> refusal(const std::string& path) const;
   const Node* fileAt(const std::string& path) const;
 
   std::map<std::string, Node> nodes_;
+  std::uint64_t writes_ = 0;
 };
 
 }  // namespace tabelion

@@ -13,6 +13,7 @@
 #include "query/field_text.h"
 #include "query/field_value.h"
 #include "support/fake_clock.h"
+#include "support/fake_instance.h"
 #include "support/fake_phone.h"
 #include "support/fixed_locale.h"
 #include "support/memory_files.h"
@@ -36,7 +37,8 @@ class PhoneWorld {
   MemorySettings settings;
   FixedLocale locale;
   FakePhone phone;
-  Platform platform{files, clock, locale, settings, phone, "/samples"};
+  FakeInstance instance;
+  Platform platform{files, clock, locale, settings, phone, instance, "/samples"};
   Engine engine{.files = files, .clock = clock, .random = [] { return 4u; }};
 
   // An open database that is not yet a file; `store` makes it one.

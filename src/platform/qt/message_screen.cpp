@@ -70,9 +70,13 @@ MessageAnswer MessageScreen::run() {
   QAccessible::updateAccessibility(&alert);
   while (!answer_ && loop_.exec() == 0 && !answer_) {
   }
+  if (!answer_) dismiss();
   frame_.pop(*this);
-  return answer_.value_or(box_.buttons == MessageButtons::kOk ? MessageAnswer::kOk
-                                                              : MessageAnswer::kNo);
+  return *answer_;
+}
+
+void MessageScreen::dismiss() {
+  answer(box_.buttons == MessageButtons::kOk ? MessageAnswer::kOk : MessageAnswer::kNo);
 }
 
 void MessageScreen::answer(MessageAnswer answer) {

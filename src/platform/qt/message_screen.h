@@ -28,6 +28,7 @@ class MessageScreen final : public Layer {
   void takeFocus() override;
   bool coversAll() const override { return false; }
   void answer(MessageAnswer answer);
+  void dismiss();  // the answer of somebody who is not there: OK, No
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;

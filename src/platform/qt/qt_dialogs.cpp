@@ -96,6 +96,28 @@ void QtDialogs::setWaitCursor(bool on) {
   }
 }
 
+bool QtDialogs::dismissBoxes() {
+  bool any = frame_->menus().isOpen();
+  frame_->menus().dismiss();
+  const auto& layers = frame_->layers();
+  for (auto layer = layers.rbegin(); layer != layers.rend(); ++layer) {
+    auto* box = dynamic_cast<MessageScreen*>(*layer);
+    if (box == nullptr) break;
+    box->dismiss();
+    any = true;
+  }
+  return any;
+}
+
+// The desktop takes the token from the environment of whoever asks, and only once.
+void QtDialogs::bringToFront(const std::string& token) {
+  if (!token.empty()) qputenv("XDG_ACTIVATION_TOKEN", QByteArray::fromStdString(token));
+  frame_->setWindowState(frame_->windowState() & ~Qt::WindowMinimized);
+  frame_->show();
+  frame_->raise();
+  frame_->activateWindow();
+}
+
 std::unique_ptr<Progress> QtDialogs::progress(const std::u16string& what) {
   return std::make_unique<PanelProgress>(*frame_, what);
 }

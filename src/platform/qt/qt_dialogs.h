@@ -19,6 +19,8 @@ class QtDialogs final : public Dialogs {
   CommandId popupMenu(Point at, const std::vector<MenuEntry>& entries) override;
   void setWaitCursor(bool on) override;
   std::unique_ptr<Progress> progress(const std::u16string& what) override;
+  bool dismissBoxes() override;
+  void bringToFront(const std::string& token) override;
 
   PhoneFrame& frame() { return *frame_; }
 

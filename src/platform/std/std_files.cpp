@@ -26,6 +26,18 @@ Error failedAt(std::string_view action, const std::string& path, int error_numbe
                      fmt::format("Could not {} {}", action, path), error_number);
 }
 
+// Two files of one name and size within the same second still differ in one of these.
+std::uint64_t versionOf(const struct statx& status) {
+  std::uint64_t version = status.stx_ino;
+  for (const std::uint64_t part :
+       {std::uint64_t{status.stx_size}, static_cast<std::uint64_t>(status.stx_mtime.tv_sec),
+        std::uint64_t{status.stx_mtime.tv_nsec}}) {
+    version = (version ^ part) * 0x9E3779B97F4A7C15;  // spreads every bit over the whole number
+    version ^= version >> 29;
+  }
+  return version;
+}
+
 bool entryIsFolder(int folder_fd, const dirent& entry) {
   if (entry.d_type == DT_DIR) return true;
   if (entry.d_type != DT_LNK && entry.d_type != DT_UNKNOWN) return false;
@@ -110,6 +122,7 @@ Result<FileInfo> StdFiles::info(const std::string& path) {
   info.modified = status.stx_mtime.tv_sec;
   info.created = (status.stx_mask & STATX_BTIME) ? status.stx_btime.tv_sec : info.modified;
   info.is_regular = S_ISREG(status.stx_mode);
+  info.version = versionOf(status);
   return info;
 }
 
