@@ -10,10 +10,10 @@
 namespace tabelion {
 
 struct StartOptions {
-  std::string command_line;      // what the program was started with; a plain one opens nothing
-  std::string code_page;         // of databases that carry none, for this run; empty: the user's
-  std::string open_file;         // a database to open at once; an absolute path, empty: none
-  std::string activation_token;  // with which the desktop lets an earlier copy come to the front
+  std::string command_line{};      // what the program was started with; a plain one opens nothing
+  std::string code_page{};         // of databases that carry none, for this run; empty: the user's
+  std::string open_file{};         // a database to open at once; an absolute path, empty: none
+  std::string activation_token{};  // with which the desktop lets an earlier copy come to the front
 };
 
 // The record that an alarm leads to.
