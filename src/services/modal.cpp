@@ -101,6 +101,8 @@ int RunModalDialog(Application& app, Dialog* owner, const DialogTemplate& dialog
 void CloseOpenDialogs(Application& app, Closing why) {
   if (app.open_dialogs.empty()) return;
   app.closing = why;
+  // A dialog that waits for an answer is busy, and hears nothing until it has one.
+  app.platform.dialogs.dismissBoxes();
   app.open_dialogs.back().dialog->post(kFinishMessage);
 }
 

@@ -92,9 +92,10 @@ void MainWindow::CarryOut(Dialog& dialog, const StartRequest& request) {
       return;
     case RequestKind::kQuit:
       session_ends_ = true;
+      if (!app_.open_dialogs.empty()) return CloseOpenDialogs(app_, Closing::kSessionEnds);
+      app_.closing = Closing::kSessionEnds;
       app_.platform.dialogs.dismissBoxes();
-      CloseOpenDialogs(app_, Closing::kSessionEnds);
-      if (app_.open_dialogs.empty()) dialog.end(0);
+      dialog.end(0);
   }
 }
 
