@@ -12,8 +12,12 @@ namespace {
 class Chooser : public testing::Test {
  protected:
   ScreenScript chooser() { return world.phone.at(kChooserScreen); }
-  void run(const StartOptions& options = {}) {
-    world.phone.play([&] { EXPECT_EQ(RunTabelion(world.platform, options), 0); });
+  void run(const StartOptions& options = {}, const AlarmStep& alarm = {}) {
+    world.phone.play([&] { EXPECT_EQ(RunTabelion(world.platform, options, alarm), 0); });
+  }
+  // What another start, the desktop or the session says while a screen is shown.
+  auto hears(RequestKind kind, const std::string& text = {}) {
+    return [this, kind, text](FakeDialog&) { world.instance.send({kind, text, {}}); };
   }
   static auto shows(const std::vector<std::u16string>& names) {
     return [names](FakeDialog& dialog) {
@@ -144,6 +148,86 @@ TEST_F(Chooser, AutoSaveWritesAnOpenDatabaseAndNothingElse) {
   chooser()
       .look([](FakeDialog& dialog) { EXPECT_TRUE(dialog.timers.empty()); })
       .choose({u"Menu", u"Exit"});
+  run();
+}
+
+TEST_F(Chooser, LaterStartHandsOverWhatItWasStartedFor) {
+  for (const auto outcome : {Instance::Outcome::kHandedOver, Instance::Outcome::kNobodyAnswers}) {
+    world.instance.outcome = outcome;
+    run({.open_file = "/elsewhere/Wines.PDB", .activation_token = "t1"});  // shows nothing
+    EXPECT_EQ(world.instance.started.kind, RequestKind::kOpenFile);
+    EXPECT_EQ(world.instance.started.text, "/elsewhere/Wines.PDB");
+    EXPECT_EQ(world.instance.started.activation_token, "t1");
+  }
+}
+
+TEST_F(Chooser, OpensTheFileThatTheDesktopNames) {
+  const std::string apples = world.add("Apples", {{"Sort"}}, {{"Cox"}});
+  const std::string pears = world.add("Pears", {{"Sort"}}, {{"Kieffer"}});
+  const auto named = [](const std::u16string& name) {
+    return [name](FakeDialog& list) { EXPECT_EQ(list.fake(kNameLabel).text(), name); };
+  };
+  auto list = world.phone.at(kRecordListScreen);
+  list.look(named(u"Pears")).press(Key::kEnter);
+  // The one that is open, then another: No, and Yes with a text half typed.
+  world.phone.at(kEditRecordScreen)
+      .write(FormValue(0), u"Willi")
+      .look(hears(RequestKind::kOpenFile, pears))
+      .look(hears(RequestKind::kOpenFile, apples));
+  const std::u16string question = u"Save and close \"Pears\", and open \"Apples.PDB\"?";
+  world.phone.asks(question, u"QUESTION", MessageAnswer::kNo);
+  world.phone.at(kEditRecordScreen).look(hears(RequestKind::kOpenFile, apples));
+  world.phone.asks(question, u"QUESTION", MessageAnswer::kYes);
+  list.look(named(u"Apples")).look(hears(RequestKind::kActivate)).press(Key::kBack);
+  chooser().look(hears(RequestKind::kOpenFile, pears));
+  list.look(named(u"Pears")).press(Key::kBack);
+  chooser().press(Key::kBack);
+  run({.open_file = pears});
+  EXPECT_EQ(world.cell(pears, 0, 0), "Willi");
+  EXPECT_EQ(world.phone.brought_to_front, 5);
+}
+
+TEST_F(Chooser, PlainCommandLineOpensNothing) {
+  const std::string path = world.add("Apples", {{"Sort"}}, {{"Cox"}});
+  chooser().look(hears(RequestKind::kCommandLine, path)).press(Key::kBack);
+  run({.command_line = path}, [](const std::string&) {
+    ADD_FAILURE() << "an alarm was looked for";
+    return std::nullopt;
+  });
+}
+
+TEST_F(Chooser, AlarmLeadsToItsRecordUnlessAScreenIsOpen) {
+  const std::string path = world.add("Apples", {{"Sort"}}, {{"Cox"}, {"Idared"}, {"Jonagold"}});
+  const std::string alarm = "AppRunToHandleNotification 17";
+  const auto selects = [](int row) {
+    return [row](FakeDialog& list) { EXPECT_EQ(list.fake(kRecordList).selectedRow(), row); };
+  };
+  world.phone.at(kRecordListScreen).look(selects(2)).look(hears(RequestKind::kCommandLine, alarm));
+  world.phone.says(
+      u"Cannot Open this record because you are in the midst of edit record. Please Open this "
+      u"record manually.",
+      u"Message");
+  world.phone.at(kRecordListScreen).press(Key::kBack);
+  chooser().press(Key::kBack);
+  run({.command_line = alarm}, [&](const std::string& command_line) {
+    EXPECT_EQ(command_line, alarm);
+    return AlarmRecord{path, 2};
+  });
+}
+
+TEST_F(Chooser, EndOfTheSessionStoresWhatIsHalfTyped) {
+  const std::string path = world.add("Apples", {{"Sort"}}, {{"Cox"}});
+  chooser().press(Key::kEnter);
+  world.phone.at(kRecordListScreen).press(Key::kEnter);
+  world.phone.at(kEditRecordScreen)
+      .write(FormValue(0), u"Brae")
+      .choose({u"Menu", u"Delete Record"});
+  world.phone.while_message = [&] { world.instance.send({RequestKind::kQuit, {}, {}}); };
+  run();
+  EXPECT_EQ(world.cell(path, 0, 0), "Brae");
+
+  world.phone.while_message = [] {};
+  chooser().look(hears(RequestKind::kQuit));
   run();
 }
 
