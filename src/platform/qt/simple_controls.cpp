@@ -89,13 +89,21 @@ class CheckWidget final : public QCheckBox {
     QPainter painter(this);
     const int inset = scale_.px(4);
     const int side = scale_.px(13);
-    const QRect box(inset, (height() - side) / 2, side, side);
+    const QFontMetrics metrics = painter.fontMetrics();
+    const bool wraps = height() >= 2 * metrics.height();
+    // Beside the only line of the text, or the first.
+    const int top = wraps ? inset + (metrics.height() - side) / 2 : (height() - side) / 2;
+    const QRect box(inset, top, side, side);
     paintPicture(painter, isChecked() ? Picture::kChecked : Picture::kUnchecked, QRectF(box));
     QRect label(box.right() + scale_.px(6), 0, 0, height());
-    label.setRight(width() - 1);
+    label.setRight(width() - scale_.px(3));
     painter.setPen(QColor::fromRgb(isEnabled() ? theme::kInk : theme::kInkDisabled));
-    painter.drawText(label, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine,
-                     painter.fontMetrics().elidedText(text(), Qt::ElideRight, label.width()));
+    if (wraps) {
+      painter.drawText(label.adjusted(0, inset, 0, 0), Qt::AlignLeft | Qt::TextWordWrap, text());
+    } else {
+      painter.drawText(label, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine,
+                       metrics.elidedText(text(), Qt::ElideRight, label.width()));
+    }
     if (!hasFocus()) return;
     painter.setRenderHint(QPainter::Antialiasing);
     const double line = scale_.line(2);

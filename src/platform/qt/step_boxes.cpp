@@ -55,6 +55,7 @@ void StepBox::paintEvent(QPaintEvent*) {
     paintChevron(painter, QRectF(scale_.px(4), top, side, side), Pointing::kLeft, ink);
   }
   paintChevron(painter, right, role_ == Role::kNumber ? Pointing::kRight : Pointing::kDown, ink);
+  if (space.width() < side) return;  // arrows alone, beside a box that shows what they choose
   painter.setPen(QColor::fromRgb(ink));
   painter.drawText(space,
                    int(role_ == Role::kNumber ? Qt::AlignHCenter : Qt::AlignLeft) |
