@@ -7,6 +7,7 @@
 #include "screens/edit_record.h"
 #include "screens/form_layout.h"
 #include "screens/list_columns.h"
+#include "screens/preferences_screen.h"
 #include "screens/screen_numbers.h"
 #include "services/access.h"
 #include "services/message.h"
@@ -52,7 +53,8 @@ DialogTemplate RecordListTemplate() {
   dialog.menu_bar.resource = 146;
   dialog.menu_bar.left = {.command = kNewRecordCommand, .text = u"New Record"};
   dialog.menu_bar.right = {.text = u"Menu",
-                           .children = {{.command = kSaveCommand, .text = u"Save"},
+                           .children = {{.command = kPreferencesCommand, .text = u"Preferences"},
+                                        {.command = kSaveCommand, .text = u"Save"},
                                         {.command = kBackCommand, .text = u"Close"}}};
   return dialog;
 }
@@ -145,6 +147,8 @@ void RecordListScreen::onCommand(Dialog& dialog, CommandId command) {
       return NewRecord(dialog);
     case kActionCommand:
       return OpenListRecord(dialog, false);
+    case kPreferencesCommand:
+      return ChangePreferences(dialog);
     case kSaveCommand:
       return Save();
     case kBackCommand:
@@ -189,6 +193,13 @@ void RecordListScreen::OpenListRecord(Dialog& dialog, bool as_new) {
   const int result = ShowEditRecord(app_, dialog, record);
   if (app_.current_record == kNewRecord) app_.current_record = before;  // it was not stored
   app_.new_record = false;
+  if (result == kDialogAutoClosed) return Close(dialog, kDialogAutoClosed);
+  FillRecordList(dialog);
+}
+
+// The start of the week may decide which records a filter shows.
+void RecordListScreen::ChangePreferences(Dialog& dialog) {
+  const int result = ShowPreferences(app_, &dialog);
   if (result == kDialogAutoClosed) return Close(dialog, kDialogAutoClosed);
   FillRecordList(dialog);
 }

@@ -47,6 +47,7 @@ class RecordListScreen : public Screen {
   void SelectListRow(Dialog& dialog, int row);
   void OpenListRecord(Dialog& dialog, bool as_new);
   void NewRecord(Dialog& dialog);
+  void ChangePreferences(Dialog& dialog);
   void Save();
   void Close(Dialog& dialog, int result);
   bool CloseFor(Dialog& dialog, int result);  // false: the database stays open

@@ -88,6 +88,8 @@ struct Application {
   // How a save asks about a file that another program has changed; shows the question in a dialog.
   // Without it, and when nobody can be asked, both are kept.
   std::function<ChangedFileChoice(const std::string& path)> ask_changed_file;
+  // Makes the timer of automatic saving follow its period in the preferences; the main window's.
+  std::function<void()> restart_auto_save;
 };
 
 // The database that screens work on; an empty one when none is open.

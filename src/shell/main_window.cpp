@@ -65,9 +65,12 @@ void MainWindow::Start(Dialog& dialog) {
   ListControl& list = dialog.list(kDatabaseList);
   list.focus();
   list.selectRow(0);
-  if (app_.preferences.auto_save_period_ms > 0) {
-    dialog.startTimer(kAutoSaveTimer, app_.preferences.auto_save_period_ms);
-  }
+  app_.restart_auto_save = [this, &dialog] {
+    const int period_ms = app_.preferences.auto_save_period_ms;
+    if (period_ms < 1) return dialog.stopTimer(kAutoSaveTimer);
+    dialog.startTimer(kAutoSaveTimer, period_ms);
+  };
+  app_.restart_auto_save();
   app_.record_screen_active = false;
   app_.platform.instance.listen(
       [this, &dialog](const StartRequest& request) { OnRequest(dialog, request); });
