@@ -90,21 +90,21 @@ void paintFieldIcon(QPainter& painter, const QRectF& area, void (*draw)(UnitPain
   draw(unit);
 }
 
-// Three index cards, the front one with its lines, and the name beside them.
+// Three index cards; the front one holds records, the first of them selected.
 void paintLogo(QPainter& painter, const QRectF& area) {
   UnitPainter unit(painter, area, 96, 48);
   unit.pen(theme::kBar, 1.6);
-  unit.box(QRectF(14, 5, 30, 22), 2.5, 0xFFBFE3F8);
-  unit.box(QRectF(9, 11, 32, 24), 2.5, 0xFF7CCBF6);
-  unit.box(QRectF(4, 18, 34, 26), 2.5, theme::kPaper);
-  unit.pen(theme::kFocus, 2);
-  unit.lines({{9, 25}, {26, 25}});
-  unit.pen(theme::kInkSoft, 1.4);
-  unit.lines({{9, 31}, {33, 31}});
-  unit.lines({{9, 37}, {29, 37}});
-  unit.pen(theme::kBar, 4.4);
-  unit.lines({{55, 13}, {85, 13}});
-  unit.lines({{70, 13}, {70, 40}});
+  unit.box(QRectF(38, 2, 42, 30), 3, 0xFFBFE3F8);
+  unit.box(QRectF(30, 7, 44, 32), 3, 0xFF7CCBF6);
+  unit.box(QRectF(18, 13, 48, 33), 3, theme::kPaper);
+  (*unit).setPen(Qt::NoPen);
+  unit.box(QRectF(20.6, 21.6, 42.8, 7.4), 1, theme::kSelection);
+  for (const double y : {18.0, 25.3, 32.6, 39.9}) {
+    const bool heading = y < 20;
+    unit.pen(heading ? theme::kFocus : theme::kInk, heading ? 2.4 : 1.8);
+    unit.lines({{24, y}, {heading ? 34.0 : 37.0, y}});
+    unit.lines({{44, y}, {heading ? 53.0 : 59.0, y}});
+  }
 }
 
 }  // namespace
