@@ -54,7 +54,7 @@ class AboutScreen : public Screen {
  private:
   // The name beside the logo.
   static void placeLandscape(Dialog& dialog) {
-    dialog.control(kAboutLogo).setPlace({48, 12, kLogoSize.width, kLogoSize.height});
+    dialog.control(kAboutLogo).setPlace({40, 12, kLogoSize.width, kLogoSize.height});
     dialog.control(kAboutName).setPlace({136, 8, 136, 28});
     dialog.control(kAboutVersion).setPlace({136, 38, 136, 20});
     dialog.control(kAboutPurpose).setPlace({8, 74, 304, 48});
