@@ -153,7 +153,7 @@ std::optional<Password> CliContext::askPassword(const SecretSource& source,
 }
 
 bool CliContext::mayOpen(const Database& database, ExitCode& failure) {
-  const int code = openCode(database.schema);
+  const int code = OpenCode(database.schema);
   if (code == kOpenFreely) return true;
   if (code == kNeverOpen) {
     failure = fail({ErrorKind::kRefused,

@@ -36,14 +36,14 @@ Status flagFields(const EncryptOptions& options, Database& database, const TextE
     }
     database.schema.fields[static_cast<std::size_t>(*slot)].encrypt_flag = 1;
   }
-  if (hasFlaggedFields(database.schema)) return Done{};
+  if (HasFlaggedFields(database.schema)) return Done{};
   return makeError(ErrorKind::kInvalid, "no field is to be enciphered; --field names one");
 }
 
 // Texts that other devices could not read back; says each.
 bool hasOverlongValues(const EncryptOptions& options, const OpenedDatabase& opened,
                        CliContext& context) {
-  const auto overlong = overlongValues(*opened.database);
+  const auto overlong = OverlongValues(*opened.database);
   if (options.overlong) return false;
   for (const auto& [position, value] : overlong) {
     const FieldDefinition& field =

@@ -26,7 +26,7 @@ const char* nameOf(Operation operation) {
 
 // Records that can be looked at only cannot be changed; other operations go on when restricted.
 bool isAllowed(const DatabaseRecord& schema, Operation operation) {
-  const int access = checkSecurity(schema, operation);
+  const int access = CheckSecurity(schema, operation);
   return access == kAccessGranted ||
          (access == kAccessRestricted && operation != Operation::kChange);
 }

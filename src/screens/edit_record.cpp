@@ -66,7 +66,7 @@ void EditRecordScreen::onInit(Dialog& dialog) {
 
 bool EditRecordScreen::MayChange() const {
   return app_.new_record ||
-         checkSecurity(CurrentDatabase(app_).schema, Operation::kChange) == kAccessGranted;
+         CheckSecurity(CurrentDatabase(app_).schema, Operation::kChange) == kAccessGranted;
 }
 
 void EditRecordScreen::LoadEditRecord(Dialog& dialog, std::uint32_t record) {
@@ -158,7 +158,7 @@ bool EditRecordScreen::SaveEditRecord(Dialog& dialog) {
   // Looking at a record is no reason to store it.
   if (!app_.new_record && !changed) return true;
   if (!app_.new_record &&
-      securityCode(CurrentDatabase(app_).schema, Operation::kChange) == kCodeRestricted) {
+      SecurityCode(CurrentDatabase(app_).schema, Operation::kChange) == kCodeRestricted) {
     return true;
   }
   if (!app_.new_record && CheckSecurity(app_, Operation::kChange, true) == kAccessRefused) {

@@ -2,18 +2,18 @@
 
 namespace tabelion {
 
-int securityCode(const DatabaseRecord& schema, Operation operation) {
+int SecurityCode(const DatabaseRecord& schema, Operation operation) {
   return static_cast<int>(schema.security_word >> (2 * static_cast<int>(operation)) & 3u);
 }
 
-void setSecurityCode(DatabaseRecord& schema, Operation operation, int code) {
+void SetSecurityCode(DatabaseRecord& schema, Operation operation, int code) {
   const int shift = 2 * static_cast<int>(operation);
   schema.security_word =
       (schema.security_word & ~(3u << shift)) | (static_cast<std::uint32_t>(code) & 3u) << shift;
 }
 
-int checkSecurity(const DatabaseRecord& schema, Operation operation) {
-  switch (securityCode(schema, operation)) {
+int CheckSecurity(const DatabaseRecord& schema, Operation operation) {
+  switch (SecurityCode(schema, operation)) {
     case kCodeRefused:
       return kAccessRefused;
     case kCodeRestricted:
@@ -23,8 +23,8 @@ int checkSecurity(const DatabaseRecord& schema, Operation operation) {
   }
 }
 
-int openCode(const DatabaseRecord& schema) {
-  switch (securityCode(schema, Operation::kOpen)) {
+int OpenCode(const DatabaseRecord& schema) {
+  switch (SecurityCode(schema, Operation::kOpen)) {
     case kCodeFree:
       return kOpenFreely;
     case kCodePassword:

@@ -25,8 +25,8 @@ inline constexpr int kCodeFree = 0;
 inline constexpr int kCodePassword = 1;
 inline constexpr int kCodeRefused = 2;
 inline constexpr int kCodeRestricted = 3;  // changing records: they can be looked at only
-int securityCode(const DatabaseRecord& schema, Operation operation);
-void setSecurityCode(DatabaseRecord& schema, Operation operation, int code);
+int SecurityCode(const DatabaseRecord& schema, Operation operation);
+void SetSecurityCode(DatabaseRecord& schema, Operation operation, int code);
 
 // Whether an operation may go on. Callers that take any non-zero result go on when restricted.
 inline constexpr int kAccessRefused = 0;
@@ -34,12 +34,12 @@ inline constexpr int kAccessGranted = 1;
 inline constexpr int kAccessRestricted = 2;
 // Compat: an operation that asks for a password is granted without one
 // (AccessRights.PasswordOperationsAreGranted).
-int checkSecurity(const DatabaseRecord& schema, Operation operation);
+int CheckSecurity(const DatabaseRecord& schema, Operation operation);
 
 // How a database opens.
 inline constexpr int kOpenFreely = 0;
 inline constexpr int kOpenWithPassword = 1;
 inline constexpr int kNeverOpen = -1;
-int openCode(const DatabaseRecord& schema);
+int OpenCode(const DatabaseRecord& schema);
 
 }  // namespace tabelion

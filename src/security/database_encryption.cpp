@@ -92,7 +92,7 @@ EncryptSummary EncryptRecords(Database& database, Engine& engine, const Expanded
     }
   }
   Bytes enciphered;
-  const StampSource stamp = [&] { return newStamp(database, engine); };
+  const StampSource stamp = [&] { return NewStamp(database, engine); };
   forRecordsThatAre(false, database, [&](std::uint32_t position) {
     const ByteView record = database.records[position].bytes();
     if (wanted && !wanted(record)) return;
@@ -107,18 +107,18 @@ EncryptSummary EncryptRecords(Database& database, Engine& engine, const Expanded
   return summary;
 }
 
-std::vector<OverlongRecordValue> overlongValues(const Database& database) {
+std::vector<OverlongRecordValue> OverlongValues(const Database& database) {
   std::vector<OverlongRecordValue> found;
   forRecordsThatAre(false, database, [&](std::uint32_t position) {
     for (const OverlongValue& value :
-         overlongValues(database.schema, database.records[position].bytes())) {
+         OverlongValues(database.schema, database.records[position].bytes())) {
       found.push_back({position, value});
     }
   });
   return found;
 }
 
-HeadBlock newStamp(Database& database, Engine& engine) {
+HeadBlock NewStamp(Database& database, Engine& engine) {
   return makeStamp(engine.clock.local(), database.schema.next_serial++, engine.random);
 }
 

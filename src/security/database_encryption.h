@@ -58,9 +58,9 @@ struct OverlongRecordValue {
   std::uint32_t position = 0;
   OverlongValue value;
 };
-std::vector<OverlongRecordValue> overlongValues(const Database& database);
+std::vector<OverlongRecordValue> OverlongValues(const Database& database);
 
 // A stamp for a record of this database; takes the next serial number.
-HeadBlock newStamp(Database& database, Engine& engine);
+HeadBlock NewStamp(Database& database, Engine& engine);
 
 }  // namespace tabelion

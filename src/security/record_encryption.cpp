@@ -186,7 +186,7 @@ void stampRecord(Bytes& record, const HeadBlock& stamp) {
 
 }  // namespace
 
-bool hasFlaggedFields(const DatabaseRecord& schema) {
+bool HasFlaggedFields(const DatabaseRecord& schema) {
   return std::any_of(schema.fields.begin(), schema.fields.end(),
                      [](const FieldDefinition& field) { return field.encrypt_flag != 0; });
 }
@@ -222,7 +222,7 @@ int DecryptRecord(const DatabaseRecord& schema, ByteView record, const ExpandedK
   return kRecordDecrypted;
 }
 
-std::vector<OverlongValue> overlongValues(const DatabaseRecord& schema, ByteView record) {
+std::vector<OverlongValue> OverlongValues(const DatabaseRecord& schema, ByteView record) {
   std::vector<OverlongValue> found;
   SlotWalker walker(record);
   for (int slot = 0;; ++slot) {

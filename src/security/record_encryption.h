@@ -15,10 +15,10 @@
 //
 // A record that was enciphered and deciphered with one password has the same bytes again, with
 // these exceptions, where the stored form says less than the clear one:
-//   - texts come back with exactly one NUL behind them, an empty text without any bytes; numbers
-//   and
-//     calculated values with their 17 bytes
+//   - texts come back with exactly one NUL behind them, an empty text without any bytes
+//   - numbers and calculated values come back with their 17 bytes
 //   - a note stored in fewer than 2001 bytes comes back with zeros up to there
+//   - the stamp's checksum byte keeps the last checksum
 //   - a record without a stamp has one from then on
 #pragma once
 
@@ -32,7 +32,7 @@
 
 namespace tabelion {
 
-bool hasFlaggedFields(const DatabaseRecord& schema);
+bool HasFlaggedFields(const DatabaseRecord& schema);
 
 // A new stamp for a record that has none.
 using StampSource = std::function<HeadBlock()>;
@@ -58,6 +58,6 @@ struct OverlongValue {
   int slot = 0;
   std::size_t length = 0;  // of the text, in bytes
 };
-std::vector<OverlongValue> overlongValues(const DatabaseRecord& schema, ByteView record);
+std::vector<OverlongValue> OverlongValues(const DatabaseRecord& schema, ByteView record);
 
 }  // namespace tabelion

@@ -100,7 +100,7 @@ bool EncryptWholeDatabase(Application& app, const EncryptionPasswordPrompt& prom
   Database& database = CurrentDatabase(app);
   if (!isKeptEnciphered(database) || !hasRecords(database, false)) return true;
   const bool alone = !prompt || app.closing == Closing::kSessionEnds;
-  if (!alone && !acceptsOverlongValues(app, overlongValues(database))) return false;
+  if (!alone && !acceptsOverlongValues(app, OverlongValues(database))) return false;
   Password& remembered = app.stack.current().remembered;
   const Password taken = remembered;
   remembered.clear();
@@ -128,9 +128,9 @@ int PromptDecryptRecord(Application& app, Bytes& record, const EncryptionPasswor
 
 bool PromptEncryptRecord(Application& app, Bytes& record, const EncryptionPasswordPrompt& prompt) {
   Database& database = CurrentDatabase(app);
-  if (!hasFlaggedFields(database.schema)) return false;
+  if (!HasFlaggedFields(database.schema)) return false;
   std::vector<OverlongRecordValue> overlong;
-  for (const OverlongValue& value : overlongValues(database.schema, record)) {
+  for (const OverlongValue& value : OverlongValues(database.schema, record)) {
     overlong.push_back({app.current_record, value});
   }
   if (!acceptsOverlongValues(app, overlong)) return false;
@@ -148,7 +148,7 @@ bool PromptEncryptRecord(Application& app, Bytes& record, const EncryptionPasswo
     MakeKey(password.text(), key);
     Bytes enciphered;
     if (!EncryptRecordFields(
-            database.schema, record, key, [&] { return newStamp(database, app.engine); },
+            database.schema, record, key, [&] { return NewStamp(database, app.engine); },
             enciphered)) {
       sayTooLong(app, app.current_record);
       return false;

@@ -33,7 +33,7 @@ int probe(Application& app, const std::string& path) {
 }
 
 bool mayOpen(Application& app, const DatabaseRecord& schema, const AccessPasswordPrompt& prompt) {
-  switch (openCode(schema)) {
+  switch (OpenCode(schema)) {
     case kOpenFreely:
       return true;
     case kOpenWithPassword:

@@ -183,11 +183,11 @@ TEST(RecordEncryption, TextsLongerThanTheirLengthByteAreNamedAndComeBackWhole) {
   EXPECT_EQ(hidden[0], 300 - 256);
   EXPECT_EQ(clear, text);
   const Case made = oneField(kText, text);
-  const auto named = overlongValues(made.schema, made.record);
+  const auto named = OverlongValues(made.schema, made.record);
   ASSERT_EQ(named.size(), 1u);
   EXPECT_EQ(named[0].length, 300u);
-  EXPECT_TRUE(overlongValues(made.schema, oneField(kText, bytesOf("short")).record).empty());
-  EXPECT_TRUE(overlongValues(oneField(kLongText, {}).schema, made.record).empty());
+  EXPECT_TRUE(OverlongValues(made.schema, oneField(kText, bytesOf("short")).record).empty());
+  EXPECT_TRUE(OverlongValues(oneField(kLongText, {}).schema, made.record).empty());
 }
 
 TEST(RecordEncryption, WrongPasswordsAndRecordsWithoutStampAreLeftAlone) {
