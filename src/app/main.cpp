@@ -1,4 +1,5 @@
 #include <QApplication>
+#include <QIcon>
 #include <QTemporaryDir>
 #include <cstdlib>
 #include <iostream>
@@ -33,6 +34,7 @@ int main(int argc, char** argv) {
   QApplication app(argc, argv);
   QApplication::setApplicationName(QStringLiteral("tabelion"));
   QApplication::setDesktopFileName(QStringLiteral("tabelion"));
+  QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("org.tabelion.Tabelion")));
   QApplication::setStyle(QStringLiteral("fusion"));
   QApplication::setQuitOnLastWindowClosed(false);
   if (tour) return tabelion::runTour(parsed.options);
