@@ -63,7 +63,11 @@ class PasswordScreen : public Screen {
     }
   }
 
-  bool OnAutoClose(Dialog&) override { return !waits_; }
+  // A password that nobody confirmed is none.
+  bool OnAutoClose(Dialog& dialog) override {
+    if (!waits_) storeHiding(dialog);
+    return !waits_;
+  }
 
   Password typed;
 
@@ -74,6 +78,9 @@ class PasswordScreen : public Screen {
       typed.assign(*text);
       WipeText(*text);
     }
+    storeHiding(dialog);
+  }
+  void storeHiding(Dialog& dialog) {
     WriteNumberSetting(app_.platform.settings, Setting::kHidePassword,
                        dialog.control(kHidePasswordBox).checked() ? 1 : 0);
   }

@@ -125,10 +125,7 @@ void EditRecordScreen::onNotice(Dialog& dialog, ControlId control, Notice notice
   if (notice == Notice::kEdited) form_.OnEdited(dialog, control);
   if (notice == Notice::kFocusGained) form_.OnFocus(dialog, control, true);
   if (notice == Notice::kFocusLost) form_.OnFocus(dialog, control, false);
-  if (notice == Notice::kActivated && form_.OnActivated(dialog, control) == kDialogAutoClosed &&
-      SaveEditRecord(dialog)) {
-    dialog.end(kDialogAutoClosed);
-  }
+  if (notice == Notice::kActivated) form_.OnActivated(dialog, control);
 }
 
 bool EditRecordScreen::onKey(Dialog& dialog, const KeyPress& key) {
@@ -165,7 +162,10 @@ bool EditRecordScreen::SaveEditRecord(Dialog& dialog) {
     return true;
   }
   UnpackedRecord before = *copy_;
-  if (!form_.Collect(dialog, *copy_)) return false;
+  const bool now_or_never = app_.closing == Closing::kSessionEnds;
+  if (!form_.Collect(dialog, *copy_, now_or_never ? Unaccepted::kIsLeftOut : Unaccepted::kStops)) {
+    return false;
+  }
   if (StoreCopy(dialog)) return true;
   copy_ = std::move(before);  // so that another attempt starts from what is stored
   return false;

@@ -190,13 +190,14 @@ Result<Bytes> RecordForm::ValueOf(Dialog& dialog, const Field& field, ByteView p
   return valueOfText(definition, items, *text, app_.formats, previous);
 }
 
-bool RecordForm::Collect(Dialog& dialog, UnpackedRecord& record) {
+bool RecordForm::Collect(Dialog& dialog, UnpackedRecord& record, Unaccepted unaccepted) {
   UnpackedRecord collected = record;
   for (const Field& field : fields_) {
     if (!IsChanged(dialog, field)) continue;
     auto& slot = collected.slots[static_cast<std::size_t>(field.row.slot)];
     Result<Bytes> value = ValueOf(dialog, field, slot ? ByteView(*slot) : ByteView());
     if (!value.ok()) {
+      if (unaccepted == Unaccepted::kIsLeftOut) continue;
       const std::u16string name = ScreenText(app_, fieldName(Definition(field.row.slot)));
       ShowMessage(app_, u"\"" + name + u"\" " + FromUtf8(value.error().text) + u".", u"Edit Record",
                   MessageIcon::kExclamation);
@@ -249,19 +250,16 @@ std::u16string RecordForm::EditedText(const Field& field, const Bytes& value) co
                     editText(CurrentDatabase(app_), packed, field.row.slot, app_.formats).text);
 }
 
-int RecordForm::OnActivated(Dialog& dialog, ControlId value_control) {
+void RecordForm::OnActivated(Dialog& dialog, ControlId value_control) {
   Field* field = FieldOf(value_control);
-  if (field == nullptr || field->kind != ControlKind::kButton) return 0;
+  if (field == nullptr || field->kind != ControlKind::kButton) return;
   NoteText note{.title = ScreenText(app_, fieldName(Definition(field->row.slot))),
                 .text = field->text,
                 .max_length = field->max_length,
                 .read_only = field->read_only};
-  const int result = EditNoteText(app_, dialog, note);
-  if (result != kDialogClosed && !field->read_only) {
-    field->text = note.text;
-    dialog.control(value_control).setText(ButtonText(note.text));
-  }
-  return result;
+  if (EditNoteText(app_, dialog, note) == kDialogClosed || field->read_only) return;
+  field->text = note.text;
+  dialog.control(value_control).setText(ButtonText(note.text));
 }
 
 RecordForm::Field* RecordForm::FieldOf(ControlId value_control) {

@@ -26,6 +26,9 @@ inline constexpr ControlId FormIcon(int slot) {
   return kFirstFormIcon + slot;
 }
 
+// What a value that is not accepted does to the others.
+enum class Unaccepted { kStops, kIsLeftOut };
+
 class RecordForm {
  public:
   explicit RecordForm(Application& app) : app_(app) {}
@@ -40,16 +43,17 @@ class RecordForm {
   // Whether the user changed any value since Show.
   bool Changed(Dialog& dialog) const;
   // Puts the changed values, and only those, into the record. The first value that is not accepted
-  // leaves the record as it was; it has the focus then and a message has said what is wrong.
-  bool Collect(Dialog& dialog, UnpackedRecord& record);
+  // leaves the record as it was; it has the focus then and a message has said what is wrong. Or
+  // only such values are left as they were, and nothing is said.
+  bool Collect(Dialog& dialog, UnpackedRecord& record, Unaccepted unaccepted);
 
   // Refuses what a number box must not hold.
   void OnEdited(Dialog& dialog, ControlId control);
   // A box of a date or time that is entered while empty makes room for typing; one that is left
   // shows what was understood, before it is stored.
   void OnFocus(Dialog& dialog, ControlId control, bool gained);
-  // Opens the text screen of a row that has a button; the screen's result, 0 for other controls.
-  int OnActivated(Dialog& dialog, ControlId control);
+  // Opens the text screen of a row that has a button.
+  void OnActivated(Dialog& dialog, ControlId control);
 
  private:
   struct Field {

@@ -96,7 +96,9 @@ void RecordListScreen::OpenFile(Dialog& dialog) {
     return AskPassword(app_, &dialog, {.expected = expected, .compare = true}) ==
            kPasswordConfirmed;
   });
-  if (opened != kOpened) return dialog.end(kDialogClosed);
+  if (opened != kOpened) {
+    return Close(dialog, app_.closing == Closing::kNo ? kDialogClosed : kDialogAutoClosed);
+  }
   DecryptWholeDatabase(app_, AskEncryptionPassword(app_, &dialog));
   const Database& database = CurrentDatabase(app_);
   if (database.schema.label_width_adjustment >= kCorruptWidth) {
@@ -190,17 +192,15 @@ void RecordListScreen::OpenListRecord(Dialog& dialog, bool as_new) {
     record = index[static_cast<std::size_t>(row)];
   }
   const std::uint32_t before = app_.current_record;
-  const int result = ShowEditRecord(app_, dialog, record);
+  ShowEditRecord(app_, dialog, record);
   if (app_.current_record == kNewRecord) app_.current_record = before;  // it was not stored
   app_.new_record = false;
-  if (result == kDialogAutoClosed) return Close(dialog, kDialogAutoClosed);
   FillRecordList(dialog);
 }
 
 // The start of the week may decide which records a filter shows.
 void RecordListScreen::ChangePreferences(Dialog& dialog) {
-  const int result = ShowPreferences(app_, &dialog);
-  if (result == kDialogAutoClosed) return Close(dialog, kDialogAutoClosed);
+  ShowPreferences(app_, &dialog);
   FillRecordList(dialog);
 }
 
@@ -219,6 +219,12 @@ void RecordListScreen::Close(Dialog& dialog, int result) {
   } else {
     FillRecordList(dialog);
   }
+}
+
+bool RecordListScreen::OnAutoClose(Dialog& dialog) {
+  if (CloseFor(dialog, kDialogAutoClosed)) return true;
+  FillRecordList(dialog);
+  return false;
 }
 
 // Auto-close means that nobody is there to be asked: what was changed is saved.

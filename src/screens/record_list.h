@@ -35,7 +35,7 @@ class RecordListScreen : public Screen {
   void onPaintRow(Dialog& dialog, ControlId list, int row, ListPainter& painter,
                   const Rect& area) override;
   std::u16string rowText(Dialog& dialog, ControlId list, int row) override;
-  bool OnAutoClose(Dialog& dialog) override { return CloseFor(dialog, kDialogAutoClosed); }
+  bool OnAutoClose(Dialog& dialog) override;
 
   // Rebuilds the list from the current view. Run after every command that changes records, order
   // or view.

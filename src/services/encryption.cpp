@@ -109,6 +109,7 @@ bool EncryptWholeDatabase(Application& app, const EncryptionPasswordPrompt& prom
   for (;;) {
     Password typed;
     if (prompt(typed) && encipherWith(app, typed)) return true;
+    if (app.closing == Closing::kSessionEnds) return true;  // nobody can answer any more
     if (Ask(app, u"The records will be saved without encryption. Continue?", u"QUESTION")) {
       return true;
     }

@@ -82,6 +82,17 @@ class AutoClosing : public DialogHandler {
   Screen& screen_;
 };
 
+// The dialog below goes the way of the one that just ended, whatever its handler makes of the
+// result.
+void passOn(Application& app, int result) {
+  if (result == kDialogAutoClosed && app.closing == Closing::kNo) {
+    app.closing = Closing::kUnattended;  // somebody came back when it was too late for this one
+  }
+  if (app.closing == Closing::kNo) return;
+  if (!app.open_dialogs.empty()) return app.open_dialogs.back().dialog->post(kFinishMessage);
+  if (app.closing == Closing::kUnattended) app.closing = Closing::kNo;
+}
+
 }  // namespace
 
 int RunModalDialog(Application& app, Dialog* owner, const DialogTemplate& dialog, Screen& screen) {
@@ -89,9 +100,7 @@ int RunModalDialog(Application& app, Dialog* owner, const DialogTemplate& dialog
   AutoClosing handler(app, screen);
   const int result = app.platform.dialogs.runModal(dialog, handler);
   app.open_dialogs.pop_back();
-  if (app.closing == Closing::kSessionEnds && !app.open_dialogs.empty()) {
-    app.open_dialogs.back().dialog->post(kFinishMessage);  // it may know nothing of result 10
-  }
+  passOn(app, result);
   if (owner != nullptr && app.preferences.autoCloses()) {
     owner->startTimer(kAutoCloseTimer, app.preferences.auto_close_period_ms);
   }

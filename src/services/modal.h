@@ -1,6 +1,6 @@
 // The one way to run a dialog. It carries the rule that every dialog shares: when auto-close is on
 // and nothing happens for a while, the dialog on top saves what it holds, as Done would, and ends
-// with kDialogAutoClosed; its parent, receiving that, does the same.
+// with kDialogAutoClosed; the one below it does the same, down to the chooser.
 #pragma once
 
 #include "platform/dialogs.h"
@@ -15,12 +15,14 @@ inline constexpr int kAutoCloseTimer = 10;  // of every dialog
 class Screen : public DialogHandler {
  public:
   // Saves what the dialog holds, exactly as Done would. False when that was not possible and the
-  // dialog must stay, so that nothing is lost.
+  // dialog must stay, so that nothing is lost; at the end of the session it ends all the same, so
+  // as much of it is saved as can be.
   virtual bool OnAutoClose(Dialog&) { return true; }
 };
 
 // Runs the dialog and returns its result. `owner` is the dialog that opens it, whose own
-// auto-close timer stands still meanwhile; null when the main window opens it.
+// auto-close timer stands still meanwhile; null when the main window opens it. A caller need not
+// look for kDialogAutoClosed: its own dialog ends as well once the present event is over.
 int RunModalDialog(Application& app, Dialog* owner, const DialogTemplate& dialog, Screen& screen);
 
 // Makes every open dialog do what it does for auto-close, from the top down, once the present event

@@ -1,7 +1,11 @@
+#include <utility>
+
+#include "screens/ask_password.h"
 #include "screens/edit_record.h"
 #include "screens/note_text.h"
 #include "screens/record_list.h"
 #include "screens/screen_numbers.h"
+#include "security/database_encryption.h"
 #include "support/phone_world.h"
 
 namespace tabelion {
@@ -23,6 +27,28 @@ class AutoClose : public testing::Test {
     };
   }
 
+  // What happens while the next message is up.
+  void meanwhile(std::function<void()> act) {
+    world.phone.while_message = [act, done = false]() mutable {
+      if (!std::exchange(done, true)) act();
+    };
+  }
+  void nobodyComes(int screen) {
+    meanwhile([this, screen] { world.phone.open(screen).fire(kAutoCloseTimer); });
+  }
+  auto sessionEnds() {
+    return [this](FakeDialog&) { CloseOpenDialogs(app, Closing::kSessionEnds); };
+  }
+  std::string note() {
+    const auto database = world.read(path);
+    return std::string(storedText(*slotValue(database->records[0].bytes(), 1)));
+  }
+  void play(int expected = kDialogAutoClosed) {
+    world.phone.play([&] { EXPECT_EQ(ShowRecordList(app, nullptr, path), expected); });
+    EXPECT_FALSE(IsDatabaseOpen(app));
+    EXPECT_TRUE(app.open_dialogs.empty());
+  }
+
   PhoneWorld world;
   Application app{world.platform};
   std::string path;
@@ -32,25 +58,94 @@ TEST_F(AutoClose, ChainSavesWhatIsHalfTypedAndEndsEveryScreen) {
   world.phone.at(kRecordListScreen).look(timerRuns(true)).press(Key::kEnter);
   world.phone.at(kEditRecordScreen).look(timerRuns(true)).type(u" morn").activate(FormValue(1));
   world.phone.at(kNoteScreen).look(timerRuns(true)).type(u"It rai").fire(kAutoCloseTimer);
-  world.phone.play([&] { EXPECT_EQ(ShowRecordList(app, nullptr, path), kDialogAutoClosed); });
+  play();
   EXPECT_EQ(world.cell(path, 0, 0), "Monday morn");
-  const auto stored = world.read(path);
-  EXPECT_EQ(storedText(*slotValue(stored->records[0].bytes(), 1)), "It rai");
+  EXPECT_EQ(note(), "It rai");
   EXPECT_EQ(world.setting("AutoCloseMinutes"), "60000");  // the preferences are stored on the way
-  EXPECT_FALSE(IsDatabaseOpen(app));
 }
 
 TEST_F(AutoClose, ValueThatIsNotAcceptedKeepsTheFormOpen) {
   world.phone.at(kRecordListScreen).press(Key::kEnter);
   world.phone.at(kEditRecordScreen).write(FormValue(2), u"10:75").fire(kAutoCloseTimer);
   world.phone.says(u"\"At\" is not a time.", u"Edit Record");
+  // Nor does it go while nobody reads the message.
+  world.phone.at(kEditRecordScreen).look(timerRuns(true)).look([this](FakeDialog& dialog) {
+    nobodyComes(kEditRecordScreen);
+    dialog.fire(kAutoCloseTimer);
+  });
   world.phone.at(kEditRecordScreen)
       .look(timerRuns(true))
       .write(FormValue(2), u"11:00")
       .choose({u"Done"});
   world.phone.at(kRecordListScreen).look(timerRuns(true)).fire(kAutoCloseTimer);
-  world.phone.play([&] { EXPECT_EQ(ShowRecordList(app, nullptr, path), kDialogAutoClosed); });
+  play();
   EXPECT_EQ(world.cell(path, 0, 2), "11:00:00");
+}
+
+TEST_F(AutoClose, QuestionThatNobodyAnswersIsDismissedAndNothingIsLost) {
+  world.phone.at(kRecordListScreen).press(Key::kEnter);
+  world.phone.at(kEditRecordScreen)
+      .type(u"!")
+      .look([this](FakeDialog&) { nobodyComes(kEditRecordScreen); })
+      .choose({u"Menu", u"Delete Record"});
+  play();
+  EXPECT_EQ(world.cell(path, 0, 0), "Monday!");
+
+  world.phone.at(kRecordListScreen).choose({u"New Record"});
+  world.phone.at(kEditRecordScreen).type(u"Tuesday").choose({u"Done"});
+  world.phone.at(kRecordListScreen)
+      .look([this](FakeDialog&) { nobodyComes(kRecordListScreen); })
+      .choose({u"Menu", u"Close"});
+  play(kDialogClosed);  // what was being done comes to its end
+  EXPECT_EQ(world.cell(path, 1, 0), "Tuesday");
+  EXPECT_EQ(app.closing, Closing::kNo);
+}
+
+// A new record counts as Done would have it, also when nothing was entered.
+TEST_F(AutoClose, NewRecordIsStored) {
+  world.phone.at(kRecordListScreen).choose({u"New Record"});
+  world.phone.at(kEditRecordScreen).fire(kAutoCloseTimer);
+  play();
+  EXPECT_EQ(world.read(path)->records.count(), 2u);
+}
+
+TEST_F(AutoClose, EndOfTheSessionStoresAllButWhatIsNotAccepted) {
+  world.phone.at(kRecordListScreen).press(Key::kEnter);
+  world.phone.at(kEditRecordScreen)
+      .write(FormValue(2), u"10:75")
+      .write(FormValue(0), u"Tuesday")
+      .activate(FormValue(1));
+  world.phone.at(kNoteScreen).type(u"It rai").look(sessionEnds());
+  play();
+  EXPECT_EQ(world.cell(path, 0, 0), "Tuesday");
+  EXPECT_EQ(note(), "It rai");
+  EXPECT_EQ(world.cell(path, 0, 2), "No Time");
+  EXPECT_TRUE(world.phone.boxes.empty());
+}
+
+TEST_F(AutoClose, PasswordThatNobodyConfirmsOpensNothingAndHoldsNothingUp) {
+  auto database = world.make("Safe", {{"Pin"}}, {{"1111"}});
+  database->schema.fields[0].encrypt_flag = 1;
+  database->schema.encryption_mode = kEncryptWholeDatabase;
+  path = world.store(*database);
+  // For enciphering it is waited for; the end of the session waits for nobody.
+  world.phone.at(kRecordListScreen).press(Key::kEnter);
+  world.phone.at(kEditRecordScreen).type(u"2").fire(kAutoCloseTimer);
+  world.phone.at(kPasswordScreen).type(u"ses").fire(kAutoCloseTimer).look(sessionEnds());
+  play();
+  EXPECT_EQ(world.cell(path, 0, 0), "11112");
+
+  app.closing = Closing::kNo;
+  ExpandedKey key;
+  MakeKey("sesame", key);
+  EncryptRecords(*database, world.engine, key);
+  SetPasswordCheck(database->schema, "sesame", world.engine.random);
+  world.store(*database);
+  const auto stored = world.files.bytes(path);
+  world.phone.at(kPasswordScreen).type(u"sesame").tick(kHidePasswordBox).fire(kAutoCloseTimer);
+  play();
+  EXPECT_EQ(world.files.bytes(path), stored);
+  EXPECT_EQ(world.setting("HidePassword"), "1");
 }
 
 TEST_F(AutoClose, EveryKeyStartsTheTimeAnew) {
