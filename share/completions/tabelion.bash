@@ -1,0 +1,2 @@
+# Completions of tabelion, from what its --help says.
+complete -F _longopt tabelion
