@@ -21,6 +21,8 @@ class Clock {
   virtual ~Clock() = default;
   virtual CalendarTime utc() = 0;
   virtual CalendarTime local() = 0;
+  // A moment in seconds since 1970-01-01 UTC, as the local calendar shows it.
+  virtual CalendarTime localTimeOf(std::int64_t seconds) = 0;
 };
 
 }  // namespace tabelion

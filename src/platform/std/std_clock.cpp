@@ -20,9 +20,13 @@ CalendarTime StdClock::utc() {
 }
 
 CalendarTime StdClock::local() {
-  const std::time_t now = std::time(nullptr);
+  return localTimeOf(std::time(nullptr));
+}
+
+CalendarTime StdClock::localTimeOf(std::int64_t seconds) {
+  const std::time_t moment = seconds;
   std::tm time{};
-  ::localtime_r(&now, &time);
+  ::localtime_r(&moment, &time);
   return fromBrokenDown(time);
 }
 

@@ -9,6 +9,7 @@ class StdClock : public Clock {
  public:
   CalendarTime utc() override;
   CalendarTime local() override;
+  CalendarTime localTimeOf(std::int64_t seconds) override;
 };
 
 }  // namespace tabelion
