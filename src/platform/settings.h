@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/result.h"
@@ -22,6 +23,14 @@ class Settings {
                                               const std::string& name) = 0;
   virtual Status writeText(const std::string& key, const std::string& name,
                            const std::string& text) = 0;
+  // Several values (name and text) of one key, in one step where the store can.
+  virtual Status writeTexts(const std::string& key,
+                            const std::vector<std::pair<std::string, std::string>>& values) {
+    for (const auto& [name, text] : values) {
+      if (Status written = writeText(key, name, text); !written) return written;
+    }
+    return Done{};
+  }
   virtual std::optional<std::vector<std::uint8_t>> readBinary(const std::string& key,
                                                               const std::string& name) = 0;
   virtual Status writeBinary(const std::string& key, const std::string& name,

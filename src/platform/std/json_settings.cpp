@@ -217,6 +217,13 @@ Status JsonSettings::writeText(const std::string& key, const std::string& name,
   return update(user_->path, [&](json& content) { content[key][name] = textValue(text); });
 }
 
+Status JsonSettings::writeTexts(const std::string& key,
+                                const std::vector<std::pair<std::string, std::string>>& values) {
+  return update(user_->path, [&](json& content) {
+    for (const auto& [name, text] : values) content[key][name] = textValue(text);
+  });
+}
+
 std::optional<std::vector<std::uint8_t>> JsonSettings::readBinary(const std::string& key,
                                                                   const std::string& name) {
   const json* const value = find(current(*user_), key, name);

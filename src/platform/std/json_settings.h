@@ -35,6 +35,8 @@ class JsonSettings : public Settings {
                                       const std::string& name) override;
   Status writeText(const std::string& key, const std::string& name,
                    const std::string& text) override;
+  Status writeTexts(const std::string& key,
+                    const std::vector<std::pair<std::string, std::string>>& values) override;
   std::optional<std::vector<std::uint8_t>> readBinary(const std::string& key,
                                                       const std::string& name) override;
   Status writeBinary(const std::string& key, const std::string& name,
