@@ -152,7 +152,7 @@ void RecordListScreen::onCommand(Dialog& dialog, CommandId command) {
     case kPreferencesCommand:
       return ChangePreferences(dialog);
     case kSaveCommand:
-      return Save();
+      return Save(dialog);
     case kBackCommand:
       return Close(dialog, kDialogClosed);
     default:
@@ -204,11 +204,14 @@ void RecordListScreen::ChangePreferences(Dialog& dialog) {
   FillRecordList(dialog);
 }
 
-void RecordListScreen::Save() {
+void RecordListScreen::Save(Dialog& dialog) {
   if (!IsDatabaseOpen(app_)) return;
-  if (SaveCurrentDatabase(app_)) {
+  const SaveResult result = SaveDatabase(app_, SaveOccasion::kUser);
+  // It may have a new name, beside the file that another program has changed.
+  dialog.control(kNameLabel).setText(ScreenText(app_, areaText(CurrentDatabase(app_).header.name)));
+  if (result == SaveResult::kSaved) {
     ShowMessage(app_, u"File Saved", u"Update", MessageIcon::kInformation);
-  } else {
+  } else if (result == SaveResult::kFailed) {
     ShowMessage(app_, u"ERROR:File could not be saved", u"Update", MessageIcon::kError);
   }
 }

@@ -48,7 +48,7 @@ class RecordListScreen : public Screen {
   void OpenListRecord(Dialog& dialog, bool as_new);
   void NewRecord(Dialog& dialog);
   void ChangePreferences(Dialog& dialog);
-  void Save();
+  void Save(Dialog& dialog);
   void Close(Dialog& dialog, int result);
   bool CloseFor(Dialog& dialog, int result);  // false: the database stays open
   bool QuickFindKey(Dialog& dialog, const KeyPress& key);

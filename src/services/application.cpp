@@ -59,6 +59,7 @@ void ResetCurrentSlot(Application& app) {
   StackSlot& slot = app.stack.current();
   slot.open = false;
   slot.lock.reset();
+  slot.file_version = 0;
   slot.remembered.clear();
   slot.database = std::make_unique<Database>();
   initDatabase(*slot.database, app.engine);

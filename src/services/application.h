@@ -35,7 +35,8 @@ struct StackSlot {
   std::unique_ptr<Database> database;
   std::unique_ptr<FileLock> lock;
   bool open = false;
-  Password remembered;  // deciphered it; kept while the preference for it is on
+  std::uint64_t file_version = 0;  // FileInfo::version of the file that was read or saved last
+  Password remembered;             // deciphered it; kept while the preference for it is on
 };
 
 // Slot 0 holds the database that the user opened, deeper ones those opened through a link.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "services/file_names.h"
 #include "services/message.h"
 #include "services/screen_text.h"
 
@@ -11,6 +12,7 @@ namespace {
 
 constexpr char kFolderName[] = "/Tabelion";
 constexpr char kOldFolderName[] = "/Tabelion3";
+constexpr char kNewName[] = "Untitled";
 
 std::optional<std::string> databaseFolder(Files& files, Volume volume) {
   const auto documents = files.documentsFolder(volume);
@@ -61,10 +63,13 @@ bool nameLess(const DatabaseFile& a, const DatabaseFile& b) {
   return std::pair(folded(a.name), a.name) < std::pair(folded(b.name), b.name);
 }
 
-// Both folders, the main one first; the card's only where there is a card.
+// Both folders, the main one first; the card's only where there is a card. None without the main
+// one.
 std::vector<std::string> databaseFolders(Application& app) {
   std::vector<std::string> folders;
-  if (auto main = GetDatabaseFolder(app)) folders.push_back(*main);
+  auto main = GetDatabaseFolder(app);
+  if (!main) return folders;
+  folders.push_back(*main);
   if (auto card = GetCardDatabaseFolder(app)) folders.push_back(*card);
   return folders;
 }
@@ -133,6 +138,12 @@ std::optional<std::string> FindDatabaseFile(Application& app, const std::string&
     }
   }
   return std::nullopt;
+}
+
+std::optional<std::string> MakeNewDatabaseName(Application& app) {
+  const auto folder = GetDatabaseFolder(app);
+  if (!folder) return std::nullopt;
+  return NumberedPath(*folder, kNewName, FirstFreeNumber(app.platform.files, *folder, kNewName, 1));
 }
 
 int InstallSampleDatabases(Application& app) {

@@ -43,6 +43,9 @@ struct DatabaseSummary {
 };
 bool ReadDatabaseSummary(Application& app, const std::string& path, DatabaseSummary& summary);
 
+// The path for a new database: "Untitled" and the first free number, in the main folder.
+std::optional<std::string> MakeNewDatabaseName(Application& app);
+
 // Copies the sample databases into the main folder and returns how many; what is there already is
 // never overwritten. The samples stay where they are, since they belong to every user of the
 // machine. Shows a message at the first failure and stops.

@@ -3,11 +3,10 @@
 #include "security/access_rights.h"
 #include "services/folders.h"
 #include "services/message.h"
+#include "services/recent_files.h"
 
 namespace tabelion {
 namespace {
-
-constexpr char kLockHolder[] = "tabelion";
 
 // Whether the file is one of this system's. A file of an older format asks until the user
 // gives up on it.
@@ -67,6 +66,8 @@ int OpenDatabaseFile(Application& app, const std::string& path,
     return kOpenRefused;
   }
   slot.lock = std::move(*lock);
+  // Before anything is read, so that a change meanwhile is noticed too.
+  if (const auto info = app.platform.files.info(path); info.ok()) slot.file_version = info->version;
   // The rights come first: nothing of a database that may not be opened reaches the screen. A
   // schema that cannot be read is left to the open itself, which says what is wrong.
   auto summary = std::make_unique<DatabaseSummary>();
@@ -80,6 +81,7 @@ int OpenDatabaseFile(Application& app, const std::string& path,
     return kOpenRefused;
   }
   slot.open = true;
+  RememberRecentFile(app, path);
   return kOpened;
 }
 
@@ -89,15 +91,20 @@ namespace {
 bool saveBeforeClosing(Application& app, AskBeforeSaving ask,
                        const EncryptionPasswordPrompt& prompt) {
   Database& database = CurrentDatabase(app);
+  // What was only deciphered to be looked at need not go over what another program has written.
+  if (!isDirty(database) && FileWasChanged(app)) return true;
+  SaveTarget target = SaveTarget::kItsFile;
   if (isDirty(database)) {
     const bool save = ask == AskBeforeSaving::kNo || app.preferences.auto_save_on_close ||
                       Ask(app, u"Save changes to this database?", u"QUESTION");
     // A question that was dismissed because nobody is there has not been answered No.
     if (!save && app.closing == Closing::kNo) return true;
+    target = ChooseSaveTarget(app);
+    if (target == SaveTarget::kNowhere) return false;
   }
   if (!EncryptWholeDatabase(app, prompt)) return false;
   if (!isDirty(database)) return true;
-  if (SaveCurrentDatabase(app) ||
+  if (WriteDatabase(app, target) ||
       Ask(app, u"ERROR:File could not be saved\nClose without saving the changes?", u"Update",
           MessageIcon::kError)) {
     return true;
@@ -107,21 +114,6 @@ bool saveBeforeClosing(Application& app, AskBeforeSaving ask,
 }
 
 }  // namespace
-
-bool SaveCurrentDatabase(Application& app) {
-  Database& database = CurrentDatabase(app);
-  const bool was_dirty = isDirty(database);
-  WaitCursor waiting(app);
-  if (app.current_record < database.records.count()) {
-    database.schema.current_record_index =
-        static_cast<std::uint16_t>(app.current_record + kSchemaRecords);
-  } else if (app.current_record != kNewRecord) {
-    database.schema.current_record_index = 0;
-  }
-  if (SaveEnciphered(app, [&] { return saveDatabase(database, app.engine) == 1; })) return true;
-  if (was_dirty) setDirty(database);
-  return false;
-}
 
 bool CloseDatabase(Application& app, AskBeforeSaving ask, const EncryptionPasswordPrompt& prompt) {
   if (IsDatabaseOpen(app) && !saveBeforeClosing(app, ask, prompt)) return false;

@@ -6,6 +6,7 @@
 
 #include "services/application.h"
 #include "services/encryption.h"
+#include "services/save_database.h"
 
 namespace tabelion {
 
@@ -22,14 +23,10 @@ using AccessPasswordPrompt = std::function<bool(const std::string& expected)>;
 int OpenDatabaseFile(Application& app, const std::string& path,
                      const AccessPasswordPrompt& ask_password);
 
-// Stores the current record number in the database and writes the file. False when the file could
-// not be written: the database then still counts as changed. Shows nothing.
-bool SaveCurrentDatabase(Application& app);
-
 // Closes the current database and releases its file. Unsaved changes are saved, without a question
 // when `ask` is off or the user prefers so; when saving fails the user decides whether to close
-// all the same. A database that is kept enciphered is enciphered before it is saved. False when the
-// database stays open.
+// all the same, as the user does when the file was changed by another program. A database that is
+// kept enciphered is enciphered before it is saved. False when the database stays open.
 enum class AskBeforeSaving { kNo, kYes };
 bool CloseDatabase(Application& app, AskBeforeSaving ask,
                    const EncryptionPasswordPrompt& prompt = {});

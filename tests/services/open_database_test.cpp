@@ -89,7 +89,7 @@ TEST(OpenDatabase, FailedSaveLosesNothing) {
   CurrentDatabase(app).records.remove(0);
   setDirty(CurrentDatabase(app));
   world.files.fail_replace_at = 100;
-  EXPECT_FALSE(SaveCurrentDatabase(app));
+  EXPECT_EQ(SaveDatabase(app, SaveOccasion::kUser), SaveResult::kFailed);
   EXPECT_TRUE(isDirty(CurrentDatabase(app)));
 
   const std::u16string failed = u"ERROR:File could not be saved\nClose without saving the changes?";

@@ -21,8 +21,12 @@ class FakeClock : public Clock {
     const std::int64_t second = local % kDay;
     const CalendarDate date =
         dateOfDayCount(static_cast<std::uint32_t>(local / kDay + kDaysTo1970));
-    return {date.year, date.month, date.day, static_cast<int>(second / 3600),
-            static_cast<int>(second / 60 % 60), static_cast<int>(second % 60)};
+    return {date.year,
+            date.month,
+            date.day,
+            static_cast<int>(second / 3600),
+            static_cast<int>(second / 60 % 60),
+            static_cast<int>(second % 60)};
   }
 };
 

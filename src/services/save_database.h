@@ -1,0 +1,38 @@
+// Saving the current database, also when another program has changed its file meanwhile.
+#pragma once
+
+#include "services/application.h"
+
+namespace tabelion {
+
+inline constexpr char kLockHolder[] = "tabelion";
+
+// Whether the file is no longer the one that was read or saved last. One that is gone has not
+// changed: it is written again.
+bool FileWasChanged(Application& app);
+
+enum class SaveTarget { kItsFile, kFileBeside, kNowhere };
+// Where to save: asks the user when the file was changed. When nobody can be asked, both are kept.
+SaveTarget ChooseSaveTarget(Application& app);
+
+// Stores the current record number in the database and writes it. kFileBeside gives the database a
+// new name, with a number, for its file and its header, and goes on under it. False when it could
+// not be written: the database then still counts as changed. Shows nothing.
+bool WriteDatabase(Application& app, SaveTarget target);
+
+enum class SaveOccasion {
+  kUser,   // who waits for it and can be asked
+  kTimer,  // in the middle of whatever the user is doing
+};
+enum class SaveResult { kSaved, kFailed, kPutOff };
+// kPutOff: cancelled by the user, or due to the timer while the file was changed. The timer neither
+// interrupts whoever is typing nor makes a second file behind their back; the changes stay in
+// memory, and the next save or the close asks.
+SaveResult SaveDatabase(Application& app, SaveOccasion occasion);
+
+// The save of the timer. False when the file could not be written.
+inline bool SaveCurrentDatabase(Application& app) {
+  return SaveDatabase(app, SaveOccasion::kTimer) != SaveResult::kFailed;
+}
+
+}  // namespace tabelion
