@@ -1,13 +1,14 @@
 #include <QApplication>
 #include <QIcon>
 #include <QTemporaryDir>
+#include <QTimer>
 #include <cstdlib>
 #include <iostream>
 
 #include "app/options.h"
 #include "app/program.h"
 #include "app/tour.h"
-#include "platform/std/sole_instance.h"
+#include "platform/qt/qt_instance.h"
 
 namespace {
 
@@ -16,11 +17,30 @@ bool isSet(const char* variable) {
   return value != nullptr && *value != '\0';
 }
 
+constexpr const char* kActivationVariables[] = {"XDG_ACTIVATION_TOKEN", "DESKTOP_STARTUP_ID"};
+
+// What the desktop gave us to come to the front with, or to hand on to the copy that runs.
+std::string activationToken() {
+  for (const char* variable : kActivationVariables) {
+    if (isSet(variable)) return std::getenv(variable);
+  }
+  return {};
+}
+
+// It counts once, so what we start ourselves may not have it. The toolkit takes it from the
+// environment when it shows the window, which it has done by the first event.
+void forgetActivationToken() {
+  QTimer::singleShot(0, qApp, [] {
+    for (const char* variable : kActivationVariables) qunsetenv(variable);
+  });
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-  const tabelion::ParsedOptions parsed = tabelion::parseOptions(argc, argv);
+  tabelion::ParsedOptions parsed = tabelion::parseOptions(argc, argv);
   if (parsed.exit_code) return *parsed.exit_code;
+  parsed.options.activation_token = activationToken();
   const bool tour = !parsed.options.tour_folder.empty();
   const QTemporaryDir runtime;  // the toolkit wants one, and a machine without a session has none
   if (tour) {
@@ -33,13 +53,16 @@ int main(int argc, char** argv) {
   }
   QApplication app(argc, argv);
   QApplication::setApplicationName(QStringLiteral("tabelion"));
-  QApplication::setDesktopFileName(QStringLiteral("tabelion"));
-  QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("org.tabelion.Tabelion")));
+  QApplication::setDesktopFileName(QString::fromLatin1(tabelion::kApplicationId));
+  QApplication::setWindowIcon(QIcon::fromTheme(QApplication::desktopFileName()));
   QApplication::setStyle(QStringLiteral("fusion"));
   QApplication::setQuitOnLastWindowClosed(false);
   if (tour) return tabelion::runTour(parsed.options);
   tabelion::QtDialogs dialogs({parsed.options.screen, parsed.options.zoom});
-  tabelion::SoleInstance instance;
-  return tabelion::runProgram(parsed.options, tabelion::placesOf(parsed.options), dialogs,
-                              instance);
+  tabelion::QtInstance instance;
+  forgetActivationToken();
+  const int exit_code =
+      tabelion::runProgram(parsed.options, tabelion::placesOf(parsed.options), dialogs, instance);
+  if (!instance.problem().empty()) std::cerr << "tabelion: " << instance.problem() << ".\n";
+  return exit_code;
 }

@@ -2,7 +2,9 @@
 
 #include <CLI/CLI.hpp>
 #include <charconv>
+#include <filesystem>
 #include <iostream>
+#include <system_error>
 
 namespace tabelion {
 
@@ -30,6 +32,16 @@ std::string parseScreen(const std::string& text, Size& screen) {
   }
   screen = size;
   return {};
+}
+
+// Seen from the folder that we were started in; the copy that opens it may be in another. What the
+// folders' links lead to, as the system names the folder of the caller; the file may be a link.
+std::string absolutePath(const std::filesystem::path& path) {
+  if (path.empty()) return {};
+  std::error_code error;
+  const auto absolute = std::filesystem::absolute(path, error);
+  const auto folder = std::filesystem::canonical(absolute.parent_path(), error);
+  return error ? absolute.string() : (folder / absolute.filename()).string();
 }
 
 std::string joined(const std::vector<std::string>& words) {
@@ -70,10 +82,17 @@ ParsedOptions parseOptions(int argc, const char* const* argv) {
       ->type_name("NAME");
   app.add_option("--samples", options.samples_folder, "Folder of the sample databases")
       ->type_name("DIR");
+  // A desktop that starts us without a file leaves the word out.
+  app.add_option_function<std::string>(
+         "--open", [&options](const std::string& path) { options.open_file = absolutePath(path); },
+         "Open this database, in the copy of the program that runs already if there is one")
+      ->type_name("FILE")
+      ->expected(0, 1);
   app.add_option("--tour", options.tour_folder,
                  "Walk through the program on the samples, leave pictures in DIR, say what was\n"
                  "checked; needs no display and keeps away from the user's files")
-      ->type_name("DIR");
+      ->type_name("DIR")
+      ->excludes("--open");
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

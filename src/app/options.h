@@ -14,10 +14,11 @@ struct ProgramOptions {
   std::string documents_folder;
   std::string card_folder;
   std::string code_page;
-  std::string samples_folder;  // empty: beside the program
-  std::string tour_folder;     // where the tour leaves its pictures; empty: no tour
-  std::string open_file;       // a database to open; an absolute path
-  std::string command_line;    // the words that are no options
+  std::string samples_folder;    // empty: beside the program
+  std::string tour_folder;       // where the tour leaves its pictures; empty: no tour
+  std::string open_file;         // a database to open; an absolute path
+  std::string command_line;      // the words that are no options
+  std::string activation_token;  // from the environment: see main()
 };
 
 struct ParsedOptions {

@@ -27,7 +27,8 @@ int runProgram(const ProgramOptions& options, const ProgramPlaces& places, QtDia
   Platform platform{files, clock, locale, settings, dialogs, instance, places.samples_folder};
   return RunTabelion(platform, {.command_line = options.command_line,
                                 .code_page = options.code_page,
-                                .open_file = options.open_file});
+                                .open_file = options.open_file,
+                                .activation_token = options.activation_token});
 }
 
 }  // namespace tabelion

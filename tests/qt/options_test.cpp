@@ -1,5 +1,6 @@
 // The command line of the program.
 #include <QTest>
+#include <filesystem>
 
 #include "app/options.h"
 
@@ -32,6 +33,11 @@ void OptionsTest::optionsAndOtherWordsAreTold() {
   QCOMPARE(parsed.options.documents_folder, std::string("/d"));
   QCOMPARE(parsed.options.code_page, std::string("CP1251"));
   QCOMPARE(parsed.options.command_line, std::string("AppRunToHandleNotification 17"));
+  QCOMPARE(parsed.options.open_file, std::string());
+  const std::string here = std::filesystem::canonical(".").string();
+  QCOMPARE(parse({"--open", "./my a.PDB"}).options.open_file, here + "/my a.PDB");
+  QCOMPARE(parse({"--open", "--zoom", "2"}).options.open_file, std::string());
+  QCOMPARE(parse({"--open=/nowhere/a.PDB"}).options.open_file, std::string("/nowhere/a.PDB"));
   QCOMPARE(parse({"--version"}).exit_code, std::optional<int>(0));
   QCOMPARE(parse({"--help"}).exit_code, std::optional<int>(0));
 }
@@ -40,6 +46,7 @@ void OptionsTest::wrongOnesAreRefused() {
   for (const char* screen : {"240", "240x", "x320", "240x320x", "-240x320", "1x1", "9999x320"}) {
     QCOMPARE(parse({"--screen", screen}).exit_code, std::optional<int>(kExitUsage));
   }
+  QCOMPARE(parse({"--open", "a.PDB", "--tour", "d"}).exit_code, std::optional<int>(kExitUsage));
   for (const char* zoom : {"0", "-1", "much", "1000"}) {
     QCOMPARE(parse({"--zoom", zoom}).exit_code, std::optional<int>(kExitUsage));
   }
