@@ -138,7 +138,8 @@ bool haveSameBytes(Files& files, const std::string& a, const std::string& b) {
   if (!info_a.ok() || !info_b.ok() || info_a->size != info_b->size) return false;
   const auto bytes_a = files.read(a);
   const auto bytes_b = files.read(b);
-  return bytes_a.ok() && bytes_b.ok() && std::ranges::equal(bytes_a->span(), bytes_b->span());
+  if (!bytes_a.ok() || !bytes_b.ok() || bytes_a->size != bytes_b->size) return false;
+  return std::equal(bytes_a->span().begin(), bytes_a->span().end(), bytes_b->span().begin());
 }
 
 std::optional<std::uint32_t> modificationDate(Files& files, const std::string& path, bool form) {

@@ -37,7 +37,7 @@ TEST_F(SettingsTest, ValuesComeBackAsTheyWere) {
     JsonSettings settings = make();
     EXPECT_FALSE(settings.readText(kUser, key, "AutoSaveSeconds"));
     ASSERT_TRUE(settings.writeText(key, "AutoSaveSeconds", "60").ok());
-    ASSERT_TRUE(settings.writeText(key, "Odd", not_utf8).ok());
+    ASSERT_TRUE(settings.writeTexts(key, {{"Odd", not_utf8}, {"Even", "2"}}).ok());
     ASSERT_TRUE(settings.writeText(key, "Alarms", "a value named as a key").ok());
     ASSERT_TRUE(settings.writeBinary(key + "\\Alarms\\17", "binary", bytes).ok());
     ASSERT_TRUE(settings.writeText(key + "\\Alarms\\2", "RecNum", "").ok());
@@ -46,6 +46,7 @@ TEST_F(SettingsTest, ValuesComeBackAsTheyWere) {
   JsonSettings settings = make();
   EXPECT_EQ(settings.readText(kUser, key, "AutoSaveSeconds"), "60");
   EXPECT_EQ(settings.readText(kUser, key, "Odd"), not_utf8);
+  EXPECT_EQ(settings.readText(kUser, key, "Even"), "2");
   EXPECT_EQ(settings.readText(kUser, key + "\\Alarms\\2", "RecNum"), "");
   EXPECT_EQ(settings.readBinary(key + "\\Alarms\\17", "binary"), bytes);
   EXPECT_THAT(settings.subKeys(key), ElementsAre("Alarms"));

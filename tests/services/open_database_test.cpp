@@ -19,7 +19,11 @@ TEST(OpenDatabase, FilesOfOthersAreRefused) {
   world.phone.says(u"ERROR: File selected is not a Tabelion Database!", u"Update");
   world.phone.play(
       [&] { EXPECT_EQ(OpenDatabaseFile(app, "/tmp/letter.pdb", neverAsked), kNotADatabase); });
+  world.phone.says(u"ERROR: File selected is not a Tabelion Database!", u"Update");
+  world.phone.play(
+      [&] { EXPECT_EQ(OpenDatabaseFile(app, "/nowhere.pdb", neverAsked), kNotADatabase); });
   EXPECT_FALSE(IsDatabaseOpen(app));
+  EXPECT_EQ(world.setting("LastFile0"), "(none)");
 }
 
 TEST(OpenDatabase, LegacyFilesAskUntilNo) {
