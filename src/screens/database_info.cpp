@@ -16,8 +16,8 @@ namespace {
 
 constexpr int kMargin = 4;
 constexpr int kLineHeight = 17;
-constexpr int kCharacterWidth = 8;  // of a wide one, so that a wrapped text is never cut
-constexpr int kGap = 4;
+constexpr int kCharacterWidth = 8;
+constexpr int kGap = 3;
 constexpr ControlId kLabels[] = {kInfoAuthor,  kInfoName,    kInfoSize,
                                  kInfoRecords, kInfoCreated, kInfoModified};
 
@@ -53,14 +53,16 @@ class DatabaseInfoScreen : public Screen {
     }
     onResize(dialog);
   }
-  // A label is as high as its text may need.
+  // A label is as high as its text may need; a name may be of wide letters alone, or have one word
+  // that leaves half a line empty.
   void onResize(Dialog& dialog) override {
     const int width = dialog.screenSize().width - 2 * kMargin;
     const int characters = std::max(1, width / kCharacterWidth);
     int y = kGap;
     for (const ControlId id : kLabels) {
       Control& label = dialog.control(id);
-      const int lines = 1 + (static_cast<int>(label.text().size()) - 1) / characters;
+      int lines = 1 + (static_cast<int>(label.text().size()) - 1) / characters;
+      if (lines > 1 && (id == kInfoAuthor || id == kInfoName)) ++lines;
       label.setPlace({kMargin, y, width, lines * kLineHeight});
       y += lines * kLineHeight + kGap;
     }

@@ -70,6 +70,9 @@ TEST(Folders, ListDatabasesOfBothVolumesByCategory) {
 
   EXPECT_EQ(FindDatabaseFile(app, "Caf\xC3\xA9"), "/card/Tabelion/Cafe.pdb");
   EXPECT_EQ(FindDatabaseFile(app, "books"), std::nullopt);
+
+  world.files.documents.clear();  // without the main folder nothing is looked at
+  EXPECT_TRUE(ListDatabases(app, kAllCategories).files.empty());
 }
 
 TEST(Folders, SampleThatCannotBeCopiedStopsTheInstallation) {
