@@ -29,7 +29,8 @@ std::string localPath(const QString& uri) {
   const QUrl url(uri);
   const bool here = url.host().isEmpty() || url.host() == QStringLiteral("localhost");
   if (url.scheme() != QStringLiteral("file") || !here) return {};
-  return QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toLatin1()).toStdString();
+  const QByteArray path = QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toLatin1());
+  return path.startsWith('/') && !path.contains('\0') ? path.toStdString() : std::string();
 }
 
 class ApplicationAdaptor : public QDBusAbstractAdaptor {

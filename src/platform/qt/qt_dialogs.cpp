@@ -109,13 +109,15 @@ bool QtDialogs::dismissBoxes() {
   return any;
 }
 
-// The desktop takes the token from the environment of whoever asks, and only once.
+// The desktop takes the token from the environment of whoever asks, and only once; not every one
+// does, and what we start later may not have it.
 void QtDialogs::bringToFront(const std::string& token) {
   if (!token.empty()) qputenv("XDG_ACTIVATION_TOKEN", QByteArray::fromStdString(token));
   frame_->setWindowState(frame_->windowState() & ~Qt::WindowMinimized);
   frame_->show();
   frame_->raise();
   frame_->activateWindow();
+  if (!token.empty()) qunsetenv("XDG_ACTIVATION_TOKEN");
 }
 
 std::unique_ptr<Progress> QtDialogs::progress(const std::u16string& what) {
