@@ -102,8 +102,11 @@ class Script {
   MessageScreen* question() const { return probe_.message(); }
 
   int run(const DialogTemplate& dialog, DialogHandler& handler) {
+    return run([&] { return dialogs_.runModal(dialog, handler); });
+  }
+  int run(const std::function<int()>& program) {
     arm();
-    const int result = dialogs_.runModal(dialog, handler);
+    const int result = program();
     if (!steps_.empty()) QTest::qFail("the dialog ended before its script", __FILE__, __LINE__);
     return result;
   }
