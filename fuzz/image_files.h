@@ -13,6 +13,7 @@ class FixedClock : public Clock {
  public:
   CalendarTime utc() override { return {.year = 2020}; }
   CalendarTime local() override { return {.year = 2020}; }
+  CalendarTime localTimeOf(std::int64_t) override { return {.year = 2020}; }
 };
 
 class ImageFiles : public Files {
