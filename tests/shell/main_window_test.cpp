@@ -1,6 +1,7 @@
 #include "shell/main_window.h"
 
 #include "screens/edit_record.h"
+#include "screens/preferences_screen.h"
 #include "screens/record_list.h"
 #include "screens/screen_numbers.h"
 #include "services/modal.h"
@@ -144,10 +145,24 @@ TEST_F(Chooser, AutoSaveWritesAnOpenDatabaseAndNothingElse) {
   chooser().choose({u"Menu", u"Exit"});
   run();
 
+  // The timer follows what is chosen in a database.
   world.set("AutoSaveSeconds", "0");
-  chooser()
-      .look([](FakeDialog& dialog) { EXPECT_TRUE(dialog.timers.empty()); })
-      .choose({u"Menu", u"Exit"});
+  const auto preferences = [&](const std::u16string& seconds, int period_ms) {
+    world.phone.at(kRecordListScreen).choose({u"Menu", u"Preferences"});
+    world.phone.at(kPreferencesScreen)
+        .tick(kSaveByTimeBox)
+        .look([=](FakeDialog& dialog) { dialog.fake(kSaveSeconds).setText(seconds); })
+        .choose({u"Done"});
+    world.phone.at(kRecordListScreen).look([=](FakeDialog& dialog) {
+      const auto& timers = dialog.phone.open(kChooserScreen).timers;
+      EXPECT_EQ(timers.contains(kAutoSaveTimer) ? timers.at(kAutoSaveTimer) : 0, period_ms);
+    });
+  };
+  chooser().look([](FakeDialog& dialog) { EXPECT_TRUE(dialog.timers.empty()); }).press(Key::kEnter);
+  preferences(u"20", 20000);
+  preferences(u"", 0);
+  world.phone.at(kRecordListScreen).choose({u"Menu", u"Close"});
+  chooser().choose({u"Menu", u"Exit"});
   run();
 }
 
