@@ -54,8 +54,11 @@ class Tour {
   void saveAndReopen();
   void showOtherLetters();
   void openSafe();
+  void lookAtPreferences();
+  void manageFiles();
 
-  void selectDatabase(const StoredDatabase& database);
+  void selectDatabase(const StoredDatabase& database);  // and open it
+  void markDatabase(const StoredDatabase& database);
   void typePassword(const QString& password);
   void moveToControl(std::function<bool()> wanted);
   Seen sampleList() const;
@@ -82,6 +85,8 @@ bool Tour::plan() {
   saveAndReopen();
   showOtherLetters();
   openSafe();
+  lookAtPreferences();
+  manageFiles();
   driver_.choose(kChooserScreen, "Exit");
   return true;
 }
@@ -127,6 +132,11 @@ Seen Tour::sampleList() const {
 }
 
 void Tour::selectDatabase(const StoredDatabase& database) {
+  markDatabase(database);
+  driver_.press(kChooserScreen, Qt::Key_Return);
+}
+
+void Tour::markDatabase(const StoredDatabase& database) {
   driver_.press(kChooserScreen, Qt::Key_Home);
   driver_.act(kChooserScreen, [this, name = qt(database.name)] {
     const ListView* list = probe_.list();
@@ -134,7 +144,6 @@ void Tour::selectDatabase(const StoredDatabase& database) {
       probe_.press(Qt::Key_Down);
     }
   });
-  driver_.press(kChooserScreen, Qt::Key_Return);
 }
 
 Seen Tour::recordList(const StoredDatabase& database) const {
@@ -327,6 +336,55 @@ void Tour::openSafe() {
               [this] { return safeOnDisk(); });
 }
 
+void Tour::lookAtPreferences() {
+  selectDatabase(*second_);
+  driver_.choose(kRecordListScreen, "Preferences");
+  driver_.see(kPreferencesScreen, "Chose Preferences", "preferences", [this] {
+    const QStringList texts = probe_.texts();
+    return Seen{texts.contains("Auto Save Database When Closed"),
+                fmt::format("a form with {} texts", texts.size())};
+  });
+  driver_.press(kPreferencesScreen, Qt::Key_F2);
+  driver_.press(kRecordListScreen, Qt::Key_Escape);
+}
+
+// Info, a copy on the card and what becomes of it, About.
+void Tour::manageFiles() {
+  const auto rowsAre = [this](std::size_t wanted, const std::string& what) {
+    return [this, wanted, what] {
+      const auto rows = static_cast<std::size_t>(probe_.list()->rowCount());
+      return Seen{rows == wanted, fmt::format("{}; {} rows", what, rows)};
+    };
+  };
+  markDatabase(*second_);
+  driver_.choose(kChooserScreen, "Info");
+  driver_.see(kDatabaseInfoScreen, "Chose Info", "info", [this] {
+    const QString name = "Database Name :" + qt(second_->name);
+    const QString count = "No.of Records : " + QString::number(second_->record_count);
+    const QStringList texts = probe_.texts();
+    return Seen{texts.contains(name) && texts.contains(count),
+                "it says \"" + texts.join("\", \"").toStdString() + "\""};
+  });
+  driver_.press(kDatabaseInfoScreen, Qt::Key_F1);
+  driver_.choose(kChooserScreen, "Copy to Card");
+  driver_.see(kChooserScreen, "Chose Copy to Card", "copied",
+              rowsAre(samples_.size() + 1, "a copy is listed"));
+  driver_.press(kChooserScreen, Qt::Key_Down);
+  driver_.choose(kChooserScreen, "Delete");
+  driver_.see(kAnyQuestion, "Chose Delete", "delete", [this] {
+    return Seen{probe_.messageText() == qt(second_->name),
+                "it asks \"" + probe_.messageText().toStdString() + "\""};
+  });
+  driver_.press(kAnyQuestion, Qt::Key_F1);
+  driver_.see(kChooserScreen, "Answered Yes", "deleted",
+              rowsAre(samples_.size(), "the copy is gone"));
+  driver_.choose(kChooserScreen, "About");
+  driver_.see(kAboutScreen, "Chose About", "about", [this] {
+    return Seen{probe_.texts().filter(TABELION_VERSION).size() > 0, "version " TABELION_VERSION};
+  });
+  driver_.press(kAboutScreen, Qt::Key_F1);
+}
+
 }  // namespace
 
 int runTour(const ProgramOptions& options) {
@@ -338,7 +396,7 @@ int runTour(const ProgramOptions& options) {
   }
   ProgramPlaces places = placesOf(options);
   const std::string home = own.path().toStdString();
-  places.files = {home + "/documents", home + "/no-card"};
+  places.files = {home + "/documents", home + "/card"};
   places.settings.config_folder = home + "/config";
   places.settings.machine_folders = {home + "/machine"};
   QtDialogs dialogs({options.screen, options.zoom > 0 ? options.zoom : kTourZoom});

@@ -103,13 +103,9 @@ void CollectReceivedFiles(Application& app) {
 }
 
 std::optional<Volume> OtherVolume(Application& app, const DatabaseFile& file) {
-  const auto main = GetDatabaseFolder(app);
-  const auto card = GetCardDatabaseFolder(app);
-  if (!main || !card) return std::nullopt;
-  const std::string folder = FolderOf(file.path);
-  if (folder == *main) return Volume::kCard;
-  if (folder == *card) return Volume::kMain;
-  return std::nullopt;
+  if (file.volume == Volume::kCard) return Volume::kMain;
+  if (!GetCardDatabaseFolder(app)) return std::nullopt;
+  return Volume::kCard;
 }
 
 std::optional<CalendarTime> GetFileDate(Application& app, const std::string& path, FileDate which) {

@@ -26,7 +26,7 @@ enum class CopyChoice { kOverwrite, kSync, kIgnore };
 using CopyQuestion = std::function<CopyChoice(const std::string& path, bool form_file)>;
 
 // The volume that a database can be copied or moved to: the one where it is not. None without a
-// card, and for a file outside both database folders.
+// card.
 std::optional<Volume> OtherVolume(Application& app, const DatabaseFile& file);
 
 // Puts the database, and the form layout stored with it, into the other volume's database folder.

@@ -46,8 +46,10 @@ std::vector<std::string> databaseFileNames(Files& files, const std::string& fold
 DatabaseFile describe(const Application& app, const std::string& path,
                       const DatabaseSummary& summary) {
   const TextEncoding encoding = EncodingOf(app, summary.schema);
-  DatabaseFile file{path, encoding.toUtf16(areaText(summary.header.name)),
-                    encoding.toUtf16(areaText(summary.schema.category))};
+  DatabaseFile file;
+  file.path = path;
+  file.name = encoding.toUtf16(areaText(summary.header.name));
+  file.category = encoding.toUtf16(areaText(summary.schema.category));
   if (file.category.empty()) file.category = kUnfiled;
   return file;
 }
@@ -63,14 +65,19 @@ bool nameLess(const DatabaseFile& a, const DatabaseFile& b) {
   return std::pair(folded(a.name), a.name) < std::pair(folded(b.name), b.name);
 }
 
+struct DatabaseFolder {
+  std::string path;
+  Volume volume = Volume::kMain;
+};
+
 // Both folders, the main one first; the card's only where there is a card. None without the main
 // one.
-std::vector<std::string> databaseFolders(Application& app) {
-  std::vector<std::string> folders;
+std::vector<DatabaseFolder> databaseFolders(Application& app) {
+  std::vector<DatabaseFolder> folders;
   auto main = GetDatabaseFolder(app);
   if (!main) return folders;
-  folders.push_back(*main);
-  if (auto card = GetCardDatabaseFolder(app)) folders.push_back(*card);
+  folders.push_back({*main, Volume::kMain});
+  if (auto card = GetCardDatabaseFolder(app)) folders.push_back({*card, Volume::kCard});
   return folders;
 }
 
@@ -104,7 +111,7 @@ bool ReadDatabaseSummary(Application& app, const std::string& path, DatabaseSumm
 
 DatabaseList ListDatabases(Application& app, const std::u16string& category) {
   DatabaseList list;
-  for (const std::string& folder : databaseFolders(app)) {
+  for (const auto& [folder, volume] : databaseFolders(app)) {
     const auto names = databaseFileNames(app.platform.files, folder);
     if (names.empty()) list.found_files = false;
     for (const std::string& name : names) {
@@ -112,6 +119,7 @@ DatabaseList ListDatabases(Application& app, const std::u16string& category) {
       auto summary = std::make_unique<DatabaseSummary>();
       if (!ReadDatabaseSummary(app, path, *summary)) continue;
       DatabaseFile file = describe(app, path, *summary);
+      file.volume = volume;
       if (std::find(list.categories.begin(), list.categories.end(), file.category) ==
           list.categories.end()) {
         list.categories.push_back(file.category);
@@ -123,21 +131,6 @@ DatabaseList ListDatabases(Application& app, const std::u16string& category) {
   }
   std::stable_sort(list.files.begin(), list.files.end(), nameLess);
   return list;
-}
-
-std::optional<std::string> FindDatabaseFile(Application& app, const std::string& name) {
-  for (const std::string& folder : databaseFolders(app)) {
-    for (const std::string& file : databaseFileNames(app.platform.files, folder)) {
-      const std::string path = folder + "/" + file;
-      FileHeader header;
-      if (readHeader(app.platform.files, path, header, app.engine.last_probed_header) ==
-              kProbeAccepted &&
-          areaText(header.name) == name) {
-        return path;
-      }
-    }
-  }
-  return std::nullopt;
 }
 
 std::optional<std::string> MakeNewDatabaseName(Application& app) {

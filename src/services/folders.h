@@ -20,6 +20,7 @@ struct DatabaseFile {
   std::string path;
   std::u16string name;      // from the file's header
   std::u16string category;  // kUnfiled when the database names none
+  Volume volume = Volume::kMain;
 };
 
 // What the chooser shows.
@@ -31,9 +32,6 @@ struct DatabaseList {
 
 // Looks through both folders. Reads of each file no more than its schema.
 DatabaseList ListDatabases(Application& app, const std::u16string& category);
-
-// The file whose header carries this name (8-bit), of the main folder first. Names compare exactly.
-std::optional<std::string> FindDatabaseFile(Application& app, const std::string& name);
 
 // Header and database record of a file, without its records; false when it is not a database file
 // of this system or its schema cannot be read.

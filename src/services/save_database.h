@@ -30,9 +30,4 @@ enum class SaveResult { kSaved, kFailed, kPutOff };
 // memory, and the next save or the close asks.
 SaveResult SaveDatabase(Application& app, SaveOccasion occasion);
 
-// The save of the timer. False when the file could not be written.
-inline bool SaveCurrentDatabase(Application& app) {
-  return SaveDatabase(app, SaveOccasion::kTimer) != SaveResult::kFailed;
-}
-
 }  // namespace tabelion

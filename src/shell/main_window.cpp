@@ -3,8 +3,11 @@
 #include <algorithm>
 #include <utility>
 
-#include "screens/record_list.h"
+#include "screens/about.h"
+#include "screens/copy_question.h"
+#include "screens/database_info.h"
 #include "screens/screen_numbers.h"
+#include "services/file_management.h"
 #include "services/message.h"
 #include "services/modal.h"
 #include "services/open_database.h"
@@ -16,12 +19,20 @@ namespace {
 
 constexpr int kStartMessage = 1025;
 constexpr CommandId kOpenCommand = kActionCommand;
+constexpr CommandId kAboutCommand = 40005;
 constexpr CommandId kExitCommand = 40006;
+constexpr CommandId kInfoCommand = 40007;
 constexpr CommandId kRefreshCommand = 40027;
+constexpr CommandId kBeamCommand = 40061;
+constexpr CommandId kCopyCommand = 40071;
+constexpr CommandId kMoveCommand = 40072;
+constexpr CommandId kReceiveCommand = 40131;
 constexpr int kColumnMargin = 10;
 constexpr Color kSelectedRow{64, 188, 255};
 constexpr Color kPlainRow{255, 255, 255};
 constexpr Color kInk{0, 0, 0};
+constexpr Color kMuted{64, 64, 64};
+constexpr int kCardMarkWidth = 34;  // "Card" beside the names of databases that lie there
 
 }  // namespace
 
@@ -32,10 +43,20 @@ DialogTemplate MainWindowTemplate() {
   dialog.controls = {
       {.id = kDatabaseList, .kind = ControlKind::kList, .accessible_name = u"Databases"}};
   dialog.menu_bar.resource = 104;
-  dialog.menu_bar.right = {.text = u"Menu",
-                           .children = {{.command = kOpenCommand, .text = u"Open"},
-                                        {.command = kRefreshCommand, .text = u"Refresh"},
-                                        {.command = kExitCommand, .text = u"Exit"}}};
+  dialog.menu_bar.right = {
+      .text = u"Menu",
+      .children = {
+          {.command = kOpenCommand, .text = u"Open"},
+          {.command = kInfoCommand, .text = u"Info"},
+          {.text = u"Beam",
+           .children = {{.command = kBeamCommand, .text = u"Infrared", .enabled = false},
+                        {.command = kReceiveCommand, .text = u"Receive Data", .enabled = false}}},
+          {.command = kDeleteCommand, .text = u"Delete"},
+          {.command = kCopyCommand, .text = u"Copy to Card"},
+          {.command = kMoveCommand, .text = u"Move to Card"},
+          {.command = kRefreshCommand, .text = u"Refresh"},
+          {.command = kAboutCommand, .text = u"About"},
+          {.command = kExitCommand, .text = u"Exit"}}};
   return dialog;
 }
 
@@ -54,10 +75,13 @@ void MainWindow::Layout(Dialog& dialog) {
 
 void MainWindow::onMessage(Dialog& dialog, int message) {
   if (message == kStartMessage) Start(dialog);
+  if (message == kAfterDialogMessage) AfterDialog(dialog);
 }
 
 // What needs the window on the screen already: the list, its questions, the preferences.
 void MainWindow::Start(Dialog& dialog) {
+  app_.platform.instance.listen(
+      [this, &dialog](const StartRequest& request) { OnRequest(dialog, request); });
   LoadPreferences(app_.platform, app_.preferences);
   if (!start_.code_page.empty()) app_.preferences.code_page = start_.code_page;
   PrepareFormats(app_);
@@ -72,13 +96,12 @@ void MainWindow::Start(Dialog& dialog) {
   };
   app_.restart_auto_save();
   app_.record_screen_active = false;
-  app_.platform.instance.listen(
-      [this, &dialog](const StartRequest& request) { OnRequest(dialog, request); });
-  CarryOut(dialog, start_.request);
+  if (!session_ends_) CarryOut(dialog, start_.request);
 }
 
 // False when a folder holds no database file at all.
 bool MainWindow::RefreshDatabaseList(Dialog& dialog) {
+  CollectReceivedFiles(app_);
   {
     WaitCursor waiting(app_);
     list_ = ListDatabases(app_, app_.category);
@@ -109,6 +132,7 @@ bool MainWindow::OfferSamples() {
   Settings& settings = app_.platform.settings;
   if (ReadNumberSetting(settings, Setting::kSampleDatabases).value_or(0) != 0) return false;
   const bool install = Ask(app_, u"Install Sample Database? (Y/N)", u"QUESTION");
+  if (app_.closing != Closing::kNo) return false;  // dismissed, not answered
   WriteNumberSetting(settings, Setting::kSampleDatabases, install ? 0 : 1);
   return install && InstallSampleDatabases(app_) > 0;
 }
@@ -126,10 +150,45 @@ void MainWindow::ShowMenuBar(Dialog& dialog) {
   dialog.setMenuBar(bar);
 }
 
+// What there is to be done with the selected database, and where it can be copied to.
+void MainWindow::onMenuOpening(Dialog& dialog, MenuEntry& soft_key) {
+  const DatabaseFile* const file = Selected(dialog);
+  const auto other = file != nullptr ? OtherVolume(app_, *file) : std::nullopt;
+  const std::u16string to = other == Volume::kMain ? u" to Main Folder" : u" to Card";
+  for (MenuEntry& entry : soft_key.children) {
+    switch (entry.command) {
+      case kOpenCommand:
+      case kInfoCommand:
+      case kDeleteCommand:
+        entry.enabled = file != nullptr;
+        break;
+      case kCopyCommand:
+      case kMoveCommand:
+        entry.text = (entry.command == kCopyCommand ? u"Copy" : u"Move") + to;
+        entry.enabled = other.has_value();
+        break;
+      default:
+        break;
+    }
+  }
+}
+
 void MainWindow::onCommand(Dialog& dialog, CommandId command) {
   switch (command) {
     case kOpenCommand:
-      return OpenSelected(dialog);
+      if (const DatabaseFile* file = Selected(dialog)) OpenDatabase(dialog, file->path);
+      return;
+    case kInfoCommand:
+      if (const DatabaseFile* file = Selected(dialog)) ShowDatabaseInfo(app_, file->path);
+      return AfterDialog(dialog);
+    case kDeleteCommand:
+      return DeleteSelectedDatabase(dialog);
+    case kCopyCommand:
+    case kMoveCommand:
+      return TransferSelected(dialog, command == kMoveCommand);
+    case kAboutCommand:
+      ShowAbout(app_);
+      return AfterDialog(dialog);
     case kRefreshCommand:
       RefreshDatabaseList(dialog);
       return;
@@ -149,13 +208,30 @@ void MainWindow::ChooseCategory(Dialog& dialog, CommandId command) {
 }
 
 void MainWindow::onNotice(Dialog& dialog, ControlId control, Notice notice) {
-  if (control == kDatabaseList && notice == Notice::kActivated) OpenSelected(dialog);
+  if (control == kDatabaseList && notice == Notice::kActivated) onCommand(dialog, kOpenCommand);
 }
 
-void MainWindow::OpenSelected(Dialog& dialog) {
+const DatabaseFile* MainWindow::Selected(Dialog& dialog) const {
   const int row = dialog.list(kDatabaseList).selectedRow();
-  if (row < 0 || static_cast<std::size_t>(row) >= list_.files.size()) return;
-  OpenDatabase(dialog, list_.files[static_cast<std::size_t>(row)].path);
+  if (row < 0 || static_cast<std::size_t>(row) >= list_.files.size()) return nullptr;
+  return &list_.files[static_cast<std::size_t>(row)];
+}
+
+void MainWindow::DeleteSelectedDatabase(Dialog& dialog) {
+  const DatabaseFile* const file = Selected(dialog);
+  if (file != nullptr && DeleteDatabase(app_, *file)) RefreshDatabaseList(dialog);
+}
+
+// To the other of the two volumes.
+void MainWindow::TransferSelected(Dialog& dialog, bool move) {
+  const DatabaseFile* const file = Selected(dialog);
+  const auto other = file != nullptr ? OtherVolume(app_, *file) : std::nullopt;
+  if (!other) return;
+  const auto transfer = move ? MoveDatabase : CopyDatabase;
+  if (transfer(app_, *file, *other, CopyQuestionDialog(app_)) && !session_ends_) {
+    RefreshDatabaseList(dialog);
+  }
+  AfterDialog(dialog);
 }
 
 void MainWindow::onTimer(Dialog&, int timer) {
@@ -168,7 +244,7 @@ void MainWindow::AutoSave() {
     return;
   }
   saving_ = true;  // the timer goes on while the message below is up
-  if (!SaveCurrentDatabase(app_)) {
+  if (SaveDatabase(app_, SaveOccasion::kTimer) == SaveResult::kFailed) {
     ShowMessage(app_, u"ERROR:File could not be saved", u"Update", MessageIcon::kError);
   }
   saving_ = false;
@@ -176,17 +252,24 @@ void MainWindow::AutoSave() {
 
 void MainWindow::onPaintRow(Dialog& dialog, ControlId control, int row, ListPainter& painter,
                             const Rect& area) {
-  const bool selected = dialog.list(control).selectedRow() == row;
-  painter.fill(area, selected ? kSelectedRow : kPlainRow);
+  if (row < 0 || static_cast<std::size_t>(row) >= list_.files.size()) return;
+  const Color paper = dialog.list(control).selectedRow() == row ? kSelectedRow : kPlainRow;
+  painter.fill(area, paper);
   Rect cell = area;
   cell.x += 2;
   cell.width -= 4;
-  painter.text(cell, rowText(dialog, control, row), kInk, TextWeight::kSemiBold);
+  const DatabaseFile& file = list_.files[static_cast<std::size_t>(row)];
+  painter.text(cell, file.name, kInk, TextWeight::kSemiBold);
+  if (file.volume != Volume::kCard) return;
+  cell.x += std::max(0, cell.width - kCardMarkWidth);
+  painter.fill({cell.x, cell.y, kCardMarkWidth, cell.height}, paper);
+  painter.text(cell, u"Card", kMuted, TextWeight::kNormal);
 }
 
 std::u16string MainWindow::rowText(Dialog&, ControlId, int row) {
   if (row < 0 || static_cast<std::size_t>(row) >= list_.files.size()) return {};
-  return list_.files[static_cast<std::size_t>(row)].name;
+  const DatabaseFile& file = list_.files[static_cast<std::size_t>(row)];
+  return file.volume == Volume::kCard ? file.name + u", Card" : file.name;
 }
 
 }  // namespace tabelion

@@ -12,6 +12,7 @@
 namespace tabelion {
 
 inline constexpr ControlId kDatabaseList = 103;
+inline constexpr int kAfterDialogMessage = 1026;
 
 DialogTemplate MainWindowTemplate();
 
@@ -30,6 +31,7 @@ class MainWindow : public DialogHandler {
 
   void onInit(Dialog& dialog) override;
   void onMessage(Dialog& dialog, int message) override;
+  void onMenuOpening(Dialog& dialog, MenuEntry& soft_key) override;
   void onCommand(Dialog& dialog, CommandId command) override;
   void onNotice(Dialog& dialog, ControlId control, Notice notice) override;
   void onTimer(Dialog& dialog, int timer) override;
@@ -46,7 +48,9 @@ class MainWindow : public DialogHandler {
   bool OfferSamples();
   void ShowMenuBar(Dialog& dialog);
   void ChooseCategory(Dialog& dialog, CommandId command);
-  void OpenSelected(Dialog& dialog);
+  const DatabaseFile* Selected(Dialog& dialog) const;  // null for none
+  void DeleteSelectedDatabase(Dialog& dialog);
+  void TransferSelected(Dialog& dialog, bool move);
   void AutoSave();
 
   // What comes from outside: another start, the desktop, the end of the session.

@@ -61,8 +61,10 @@ void MainWindow::HandleCommandLine(Dialog& dialog, const std::string& command_li
 void MainWindow::HandleOpenFile(Dialog& dialog, const std::string& path) {
   if (IsOpen(path)) return;
   if (app_.open_dialogs.empty()) {
-    app_.platform.dialogs.dismissBoxes();
-    return OpenDatabase(dialog, path);
+    open_next_ = path;
+    app_.closing = Closing::kForAnother;  // what asks just now has not been answered No
+    if (app_.platform.dialogs.dismissBoxes()) return dialog.post(kAfterDialogMessage);
+    return AfterDialog(dialog);
   }
   if (IsDatabaseOpen(app_) &&
       !Ask(app_,

@@ -1,6 +1,7 @@
 #include "shell/run.h"
 
 #include "screens/ask_password.h"
+#include "screens/changed_file.h"
 #include "services/application.h"
 #include "services/open_database.h"
 #include "shell/main_window.h"
@@ -15,6 +16,7 @@ int RunTabelion(Platform& platform, const StartOptions& options, const AlarmStep
   }
   if (platform.instance.start(request) != Instance::Outcome::kFirst) return 0;
   Application app(platform);
+  app.ask_changed_file = [&app](const std::string& path) { return AskChangedFile(app, path); };
   MainWindow window(app, {.code_page = options.code_page, .request = request, .alarm = alarm});
   // Not through the function that runs every other dialog: the main window never closes by itself.
   platform.dialogs.runModal(MainWindowTemplate(), window);

@@ -118,8 +118,6 @@ TEST_F(FileManagement, ReceivedPackageGoesUnlessAWantedCopyFailed) {
 }
 
 TEST_F(FileManagement, CopyAsksOnlyAboutAnotherContent) {
-  EXPECT_EQ(OtherVolume(app, file()), Volume::kCard);
-  EXPECT_EQ(OtherVolume(app, {on_card, u"Notes", kUnfiled}), Volume::kMain);
   const auto ours = world.files.bytes(path);
   const auto copy = [&](CopyChoice choice) {
     bool copied = false;

@@ -1,4 +1,5 @@
 #include "services/folders.h"
+#include "services/file_management.h"
 
 #include "support/phone_world.h"
 
@@ -68,8 +69,10 @@ TEST(Folders, ListDatabasesOfBothVolumesByCategory) {
   EXPECT_EQ(names(ListDatabases(app, u"Home")), (std::vector<std::u16string>{u"music"}));
   EXPECT_EQ(names(ListDatabases(app, kUnfiled)), (std::vector<std::u16string>{u"Books", u"Café"}));
 
-  EXPECT_EQ(FindDatabaseFile(app, "Caf\xC3\xA9"), "/card/Tabelion/Cafe.pdb");
-  EXPECT_EQ(FindDatabaseFile(app, "books"), std::nullopt);
+  EXPECT_EQ(all.files[0].volume, Volume::kMain);
+  EXPECT_EQ(all.files[1].volume, Volume::kCard);
+  EXPECT_EQ(OtherVolume(app, all.files[0]), Volume::kCard);
+  EXPECT_EQ(OtherVolume(app, all.files[1]), Volume::kMain);
 
   world.files.documents.clear();  // without the main folder nothing is looked at
   EXPECT_TRUE(ListDatabases(app, kAllCategories).files.empty());

@@ -1,0 +1,218 @@
+#!/usr/bin/env bash
+# A walk through every entry of the chooser's menu in the real window, by keys alone, as a person
+# with a keyboard does it; what it does is seen in the files. Along the way the program is killed
+# at the worst moments, and every database must be whole after that.
+#
+#   walk.sh TABELION TABELION-CLI SAMPLES PICTURES
+#
+# Leaves a picture of every step in PICTURES. Needs Xvfb, xdotool and import.
+set -euo pipefail
+tabelion=$1 cli=$2 samples=$3 pictures=$4
+
+work=$(mktemp -d)
+documents=$work/documents card=$work/card
+databases=$documents/Tabelion
+mkdir -p "$documents" "$card" "$work/run" "$pictures"
+chmod 700 "$work/run"
+rm -f "$pictures"/*.png
+export XDG_RUNTIME_DIR=$work/run XDG_CONFIG_HOME=$work/config HOME=$work LC_ALL=C
+export QT_QPA_PLATFORM=xcb
+unset DBUS_SESSION_BUS_ADDRESS WAYLAND_DISPLAY
+
+program=0 server=0 step=0
+finish() {
+  kill -9 "$program" "$server" 2>/dev/null || true
+  wait 2>/dev/null || true
+  rm -rf "$work"
+}
+trap finish EXIT
+
+fail() {
+  picture failed
+  echo "FAILED: $*" >&2
+  exit 1
+}
+
+# Xvfb looks for a free display itself and says which.
+Xvfb -displayfd 3 -screen 0 800x600x24 -nolisten tcp 3>"$work/display" 2>"$work/xvfb.log" &
+server=$!
+
+# until_true SECONDS COMMAND…: polls; false when it never came true.
+until_true() {
+  local last=$((SECONDS + $1))
+  shift
+  until "$@"; do
+    ((SECONDS <= last)) || return 1
+    sleep 0.05
+  done
+}
+until_true 20 test -s "$work/display" || fail "the X server does not start: $(cat "$work/xvfb.log")"
+DISPLAY=:$(cat "$work/display")
+export DISPLAY
+
+look() { import -window root "$work/now.png" 2>/dev/null && sha256sum <"$work/now.png"; }
+
+# The screen has come to rest: two looks in a row see the same.
+settled() {
+  local before=$seen
+  seen=$(look)
+  [[ $seen == "$before" ]]
+}
+settle() {
+  seen=''
+  until_true 30 settled || fail "the screen does not come to rest"
+}
+picture() {
+  step=$((step + 1))
+  import -window root -crop 260x340+0+0 "$pictures/$(printf '%02d' $step)-$1.png" 2>/dev/null || true
+}
+
+has_window() { xdotool search --onlyvisible --pid "$program" . >/dev/null 2>&1; }
+start() {
+  "$tabelion" --zoom 1 --documents "$documents" --card "$card" --samples "$samples" "$@" \
+    >"$work/program.log" 2>&1 &
+  program=$!
+  until_true 30 has_window || fail "no window: $(cat "$work/program.log")"
+  xdotool windowfocus "$(xdotool search --onlyvisible --pid "$program" . 2>/dev/null | tail -1)"
+  settle
+}
+keys() { xdotool key --clearmodifiers "$@"; }
+# shows NAME KEY…: the keys change what the screen shows; a picture of that is kept.
+shows() {
+  local name=$1 before
+  shift
+  before=$(look)
+  changed() { [[ $(look) != "$before" ]]; }
+  keys "$@"
+  until_true 20 changed || fail "$name: nothing happens on screen"
+  settle
+  picture "$name"
+}
+# makes NAME TEST… -- KEY…: after the keys, the test comes true.
+makes() {
+  local name=$1 condition=()
+  shift
+  while [[ $1 != -- ]]; do
+    condition+=("$1")
+    shift
+  done
+  shift
+  keys "$@"
+  until_true 20 "${condition[@]}" || fail "$name: not so: ${condition[*]}"
+  settle
+  picture "$name"
+}
+gone() { ! test -e "$1"; }
+same() { cmp -s "$1" "$2"; }
+contains() { grep -qs "$2" "$1"; }
+lock_of() { echo "$(dirname "$1")/.$(basename "$1").lock"; }
+ended() { ! kill -0 "$program" 2>/dev/null; }
+held() { grep -qs "process $program on" "$(lock_of "$1")"; }
+count_is() { [[ $(find "$1" -maxdepth 1 -name '*.PDB' | wc -l) == "$2" ]]; }
+
+all_whole() {
+  local file
+  while IFS= read -r -d '' file; do
+    "$cli" check "$file" >"$work/check.log" 2>&1 || fail "$file: $(cat "$work/check.log")"
+  done < <(find "$documents" "$card" -iname '*.pdb' -print0)
+}
+# crash KEY…: kills the program in the middle of what the keys began.
+crash() {
+  local count
+  keys "$@"
+  kill -9 "$program"
+  wait "$program" 2>/dev/null || true
+  all_whole
+  count=$(find "$databases" -maxdepth 1 -iname '*.pdb' | wc -l)
+  echo "killed after $*: $count databases, all whole"
+}
+
+# First start, in an empty folder: the samples are offered. Killed while they are copied, the
+# program offers them again, or shows those that arrived.
+start
+picture "first start asks"
+crash F1
+rm -rf "$databases"
+start
+makes "samples installed" count_is "$databases" "$(find "$samples" -name '*.PDB' | wc -l)" -- F1
+
+# The categories on the left soft key: one of them, then all again.
+shows "categories" F1
+shows "one category" 2
+shows "categories again" F1
+shows "all" 1
+
+# Open, and Preferences within: the first database of the list, by the menu and by the action key.
+first=$databases/Books.PDB
+shows "menu" F2
+makes "opened" held "$first" -- 1
+shows "preferences" F2 1
+shows "preferences given up" F2
+crash Down Return Down
+
+# A record changed and left; killed while the file is saved, and saved.
+start
+shows "list" Return
+shows "record" Return
+keys Z q 7
+shows "list changed" F1
+crash F2 2
+start
+shows "list after the crash" Return
+shows "record again" Return
+keys Z q 8
+shows "list changed again" F1
+makes "saved" contains "$first" Zq8 -- F2 2
+shows "said so" Return
+makes "closed" gone "$(lock_of "$first")" -- Escape
+
+# Info.
+shows "info" F2 2
+shows "info left" F1
+
+# Beam waits for its day: nothing in its menu can be chosen.
+shows "beam" F2 3
+shows "beam left" F2
+
+# Copy to the card; once more, with the question what to do; then back, and away again.
+copy=$card/Tabelion/Books.PDB
+crash F2 5
+rm -f "$copy"
+start
+makes "copied" same "$first" "$copy" -- F2 5
+"$cli" set "$copy" 1 Title=Other >/dev/null
+shows "copy question" F2 5
+shows "copy ignored" Escape
+makes "copy deleted" gone "$copy" -- Down F2 4 F1
+makes "moved" gone "$first" -- Home F2 6
+makes "moved back" gone "$copy" -- Home F2 6
+test -e "$first" || fail "the moved database is nowhere"
+crash F2 6
+if test -e "$copy"; then mv "$copy" "$first"; fi
+
+# A package that was received: Refresh asks.
+cp "$first" "$documents/Shelf.TBP"
+start
+shows "received" F1
+test -e "$databases/Shelf.pdb" || fail "the received database did not arrive"
+cp "$first" "$documents/Shelf.TBP"
+shows "received again" F2 7
+shows "replace question" F1
+makes "not replaced" gone "$documents/Shelf.TBP" -- F2
+
+# Delete: No, then Yes.
+shows "delete question" F2 4
+shows "not deleted" F2
+crash F2 4 F1
+
+# About, Refresh, Exit.
+start
+shows "about" F2 8
+shows "about left" F1
+keys F2 7
+settle
+picture "refreshed"
+makes "left" ended -- F2 9
+wait "$program" || fail "the program ended with $?"
+all_whole
+echo "$step pictures in $pictures; every database is whole"
