@@ -85,7 +85,6 @@ bool Tour::plan() {
   saveAndReopen();
   showOtherLetters();
   openSafe();
-  lookAtPreferences();
   manageFiles();
   driver_.choose(kChooserScreen, "Exit");
   return true;
@@ -286,6 +285,7 @@ void Tour::showOtherLetters() {
     seen.what += "; among the letters \"" + QString(*letter).toStdString() + "\"";
     return seen;
   });
+  lookAtPreferences();
   driver_.press(kRecordListScreen, Qt::Key_Escape);
 }
 
@@ -337,7 +337,6 @@ void Tour::openSafe() {
 }
 
 void Tour::lookAtPreferences() {
-  selectDatabase(*second_);
   driver_.choose(kRecordListScreen, "Preferences");
   driver_.see(kPreferencesScreen, "Chose Preferences", "preferences", [this] {
     const QStringList texts = probe_.texts();
@@ -345,7 +344,6 @@ void Tour::lookAtPreferences() {
                 fmt::format("a form with {} texts", texts.size())};
   });
   driver_.press(kPreferencesScreen, Qt::Key_F2);
-  driver_.press(kRecordListScreen, Qt::Key_Escape);
 }
 
 // Info, a copy on the card and what becomes of it, About.
