@@ -246,5 +246,51 @@ TEST_F(Chooser, EndOfTheSessionStoresWhatIsHalfTyped) {
   run();
 }
 
+TEST_F(Chooser, QuestionThatGivesWayToAFileIsNotANo) {
+  const std::string pears = world.add("Pears", {{"Sort"}}, {{"Kieffer"}});
+  world.files.put("/documents/Gift.TBP", world.files.bytes(pears));
+  world.phone.while_message = [&] { world.instance.send({RequestKind::kOpenFile, pears, {}}); };
+  auto list = world.phone.at(kRecordListScreen);
+  list.look([&](FakeDialog& screen) {
+        EXPECT_EQ(screen.fake(kNameLabel).text(), u"Pears");
+        world.phone.while_message = [] {};
+      })
+      .press(Key::kBack);
+  chooser().press(Key::kBack);
+  run();
+  EXPECT_TRUE(world.files.exists("/documents/Gift.TBP"));
+}
+
+TEST_F(Chooser, MenuFollowsTheSelectedDatabase) {
+  const std::string path = world.add("Pears", {{"Sort"}}, {{"Kieffer"}});
+  world.files.card = "/card";
+  const auto offers = [](const std::vector<std::u16string>& entries) {
+    return [entries](FakeDialog& dialog) {
+      std::vector<std::u16string> menu = dialog.menuTexts({u"Menu"});
+      EXPECT_EQ(std::vector<std::u16string>(menu.begin() + 3, menu.begin() + 6), entries);
+    };
+  };
+  chooser()
+      .look(offers({u"Delete", u"Copy to Card", u"Move to Card"}))
+      .choose({u"Menu", u"Copy to Card"})
+      .press(Key::kDown)
+      .look(shows({u"Pears", u"Pears, Card"}))
+      .look(offers({u"Delete", u"Copy to Main Folder", u"Move to Main Folder"}))
+      .choose({u"Menu", u"Delete"});
+  world.phone.asks(u"Pears", u"Delete?", MessageAnswer::kYes);
+  chooser()
+      .look(shows({u"Pears"}))
+      .look([&](FakeDialog&) { world.files.card.clear(); })
+      .look(offers({u"Delete", u"-Copy to Card", u"-Move to Card"}))
+      .choose({u"Menu", u"Delete"});
+  world.phone.asks(u"Pears", u"Delete?", MessageAnswer::kYes);
+  world.phone.asks(offer, u"QUESTION", MessageAnswer::kNo);
+  chooser()
+      .look(offers({u"-Delete", u"-Copy to Card", u"-Move to Card"}))
+      .choose({u"Menu", u"Exit"});
+  run();
+  EXPECT_FALSE(world.files.exists(path));
+}
+
 }  // namespace
 }  // namespace tabelion
