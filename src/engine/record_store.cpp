@@ -6,13 +6,14 @@
 
 namespace tabelion {
 
-Record Record::copied(ByteView bytes) {
+Record Record::copied(ByteView front, ByteView rest) {
   Record record;
-  if (bytes.empty()) return record;
-  auto* own = new std::uint8_t[bytes.size()];
-  std::memcpy(own, bytes.data(), bytes.size());
+  const std::size_t size = front.size() + rest.size();
+  if (size == 0) return record;
+  auto* own = new std::uint8_t[size];
+  std::copy(rest.begin(), rest.end(), std::copy(front.begin(), front.end(), own));
   record.bytes_ = own;
-  record.length_ = static_cast<std::uint16_t>(bytes.size());
+  record.length_ = static_cast<std::uint16_t>(size);
   record.owned_ = true;
   return record;
 }
@@ -31,11 +32,12 @@ std::uint32_t RecordStore::insert(std::uint32_t position, ByteView bytes,
   return position;
 }
 
-bool RecordStore::replace(std::uint32_t position, ByteView bytes) {
-  if (bytes.size() > kMaxRecordSize) return false;
+bool RecordStore::replaceFront(std::uint32_t position, std::size_t old_size, ByteView bytes) {
   Record& old = records_[position];
-  if (old.overwrite(bytes)) return true;
-  Record record = Record::copied(bytes);
+  const ByteView rest = old.bytes().subspan(old_size);
+  if (bytes.size() + rest.size() > kMaxRecordSize) return false;
+  if (bytes.size() == old_size && old.overwrite(bytes)) return true;
+  Record record = Record::copied(bytes, rest);
   record.unique_id = old.unique_id;
   record.attributes = old.attributes;
   record.offset = old.offset;

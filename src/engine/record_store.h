@@ -28,8 +28,8 @@ class Record {
     record.length_ = static_cast<std::uint16_t>(bytes.size());
     return record;
   }
-  // A record with bytes of its own.
-  static Record copied(ByteView bytes);
+  // A record with bytes of its own: those of `front`, then those of `rest`.
+  static Record copied(ByteView front, ByteView rest = {});
 
   Record(Record&& other) noexcept { swap(other); }
   Record& operator=(Record&& other) noexcept {
@@ -44,10 +44,10 @@ class Record {
   }
 
   ByteView bytes() const { return {bytes_, length_}; }
-  // Takes over as many bytes as there are, where the record has bytes of its own; false: it has
-  // none, or it has another length, and nothing was done.
+  // Takes over the bytes in place of its first ones, where the record has bytes of its own and that
+  // many; false: nothing was done.
   bool overwrite(ByteView bytes) {
-    if (!owned_ || bytes.size() != length_) return false;
+    if (!owned_ || bytes.size() > length_) return false;
     std::memmove(const_cast<std::uint8_t*>(bytes_), bytes.data(), bytes.size());
     return true;
   }
@@ -113,7 +113,11 @@ class RecordStore {
   // record is longer than 65535 bytes; nothing has changed then.
   std::uint32_t insert(std::uint32_t position, ByteView bytes, const UniqueId& unique_id);
   // Keeps attributes and unique ID. False when too long.
-  [[nodiscard]] bool replace(std::uint32_t position, ByteView bytes);
+  [[nodiscard]] bool replace(std::uint32_t position, ByteView bytes) {
+    return replaceFront(position, records_[position].length(), bytes);
+  }
+  // The same for the first `old_size` bytes of the record; those behind them stay.
+  [[nodiscard]] bool replaceFront(std::uint32_t position, std::size_t old_size, ByteView bytes);
   // Takes the record out and puts it back so that it stands at `to`.
   void move(std::uint32_t from, std::uint32_t to);
   void remove(std::uint32_t position);

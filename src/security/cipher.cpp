@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "engine/bytes.h"
+
 namespace tabelion {
 namespace {
 
@@ -56,22 +58,83 @@ Byte sum(Byte a, Byte b) {
   return static_cast<Byte>(a + b);
 }
 
-// Both directions: `cipherOf` says which of a byte's forms, before and after, is the cipher text,
-// which goes on into the register.
-template <typename CipherOf>
-void runFeedback(std::span<Byte> bytes, const ExpandedKey& key, const CipherOf& cipherOf) {
-  CipherBlock feedback;
-  std::copy_n(key.bytes().begin(), feedback.size(), feedback.begin());
-  for (std::size_t at = 0; at < bytes.size(); at += feedback.size()) {
-    const std::size_t count = std::min(feedback.size(), bytes.size() - at);
-    EncipherBlock(feedback, key);
-    for (std::size_t i = 0; i < count; ++i) {
-      const Byte before = bytes[at + i];
-      bytes[at + i] ^= feedback[i];
-      feedback[i] = cipherOf(before, bytes[at + i]);
-    }
+// A block as one number, its first byte lowest: it never leaves the registers between two blocks.
+using Word = std::uint64_t;
+
+Word loadWord(std::span<const Byte, kCipherBlockSize> bytes) {
+  return loadLe32(&bytes[0]) | Word{loadLe32(&bytes[4])} << 32;
+}
+void storeWord(std::span<Byte, kCipherBlockSize> bytes, Word word) {
+  storeLe32(&bytes[0], static_cast<std::uint32_t>(word));
+  storeLe32(&bytes[4], static_cast<std::uint32_t>(word >> 32));
+}
+
+Byte byteOf(Word word, int index) {
+  return static_cast<Byte>(word >> 8 * index);
+}
+
+// The block operation.
+Word enciphered(Word block, const ExpandedKey& key) {
+  Byte a = byteOf(block, 0), b = byteOf(block, 1), c = byteOf(block, 2), d = byteOf(block, 3);
+  Byte e = byteOf(block, 4), f = byteOf(block, 5), g = byteOf(block, 6), h = byteOf(block, 7);
+  const Byte* k = key.bytes().data() + 1;
+  for (int round = 0; round < kCipherRounds; ++round, k += 2 * kCipherBlockSize) {
+    a = sum(exponent(a ^ k[0]), k[8]);
+    b = logarithm(sum(b, k[1])) ^ k[9];
+    c = logarithm(sum(c, k[2])) ^ k[10];
+    d = sum(exponent(d ^ k[3]), k[11]);
+    e = sum(exponent(e ^ k[4]), k[12]);
+    f = logarithm(sum(f, k[5])) ^ k[13];
+    g = logarithm(sum(g, k[6])) ^ k[14];
+    h = sum(exponent(h ^ k[7]), k[15]);
+    mix(a, b), mix(c, d), mix(e, f), mix(g, h);
+    mix(a, c), mix(e, g), mix(b, d), mix(f, h);
+    mix(a, e), mix(b, f), mix(c, g), mix(d, h);
+    const Byte old_b = b;
+    b = e, e = c, c = old_b;
+    const Byte old_d = d;
+    d = f, f = g, g = old_d;
   }
-  WipeBytes(feedback);
+  a ^= k[0], b = sum(b, k[1]), c = sum(c, k[2]), d ^= k[3];
+  e ^= k[4], f = sum(f, k[5]), g = sum(g, k[6]), h ^= k[7];
+  // In pairs, which do not wait for each other.
+  const Word ab = a | b << 8, cd = c | d << 8, ef = e | f << 8, gh = g | h << 8;
+  return (ab | cd << 16) | (ef | gh << 16) << 32;
+}
+
+// The sum modulo 256 of eight bytes: of every second one in four lanes, then of the lanes, which
+// the product has in its highest 16 bits.
+Byte sumOfBytes(Word word) {
+  constexpr Word kEverySecond = 0x00FF00FF00FF00FF;
+  constexpr Word kAddLanes = 0x0001000100010001;
+  return static_cast<Byte>(((word & kEverySecond) + (word >> 8 & kEverySecond)) * kAddLanes >> 48);
+}
+
+enum class Direction { kEncipher, kDecipher };
+
+// The sum of the clear bytes is taken on the way: most texts are so short that a second loop over
+// them would be felt. The register ends as cipher text, so there is nothing to wipe.
+template <Direction kDirection>
+Byte runFeedback(std::span<Byte> bytes, const ExpandedKey& key) {
+  constexpr bool kEnciphers = kDirection == Direction::kEncipher;
+  Word feedback = loadWord(key.bytes().first<kCipherBlockSize>());
+  Byte total = 0;
+  for (; bytes.size() >= kCipherBlockSize; bytes = bytes.subspan(kCipherBlockSize)) {
+    const auto block = bytes.first<kCipherBlockSize>();
+    const Word before = loadWord(block);
+    const Word after = before ^ enciphered(feedback, key);
+    storeWord(block, after);
+    total = sum(total, sumOfBytes(kEnciphers ? before : after));
+    feedback = kEnciphers ? after : before;
+  }
+  if (bytes.empty()) return total;
+  feedback = enciphered(feedback, key);
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    const Byte before = bytes[i];
+    bytes[i] ^= byteOf(feedback, static_cast<int>(i));
+    total = sum(total, kEnciphers ? before : bytes[i]);
+  }
+  return total;
 }
 
 }  // namespace
@@ -115,41 +178,15 @@ void MakeKey(std::string_view password, ExpandedKey& key) {
 }
 
 void EncipherBlock(CipherBlock& block, const ExpandedKey& key) {
-  auto [a, b, c, d, e, f, g, h] = block;
-  const Byte* k = key.bytes().data() + 1;
-  for (int round = 0; round < kCipherRounds; ++round, k += 2 * kCipherBlockSize) {
-    a = sum(exponent(a ^ k[0]), k[8]);
-    b = logarithm(sum(b, k[1])) ^ k[9];
-    c = logarithm(sum(c, k[2])) ^ k[10];
-    d = sum(exponent(d ^ k[3]), k[11]);
-    e = sum(exponent(e ^ k[4]), k[12]);
-    f = logarithm(sum(f, k[5])) ^ k[13];
-    g = logarithm(sum(g, k[6])) ^ k[14];
-    h = sum(exponent(h ^ k[7]), k[15]);
-    mix(a, b), mix(c, d), mix(e, f), mix(g, h);
-    mix(a, c), mix(e, g), mix(b, d), mix(f, h);
-    mix(a, e), mix(b, f), mix(c, g), mix(d, h);
-    const Byte old_b = b;
-    b = e, e = c, c = old_b;
-    const Byte old_d = d;
-    d = f, f = g, g = old_d;
-  }
-  block = {static_cast<Byte>(a ^ k[0]), sum(b, k[1]), sum(c, k[2]), static_cast<Byte>(d ^ k[3]),
-           static_cast<Byte>(e ^ k[4]), sum(f, k[5]), sum(g, k[6]), static_cast<Byte>(h ^ k[7])};
+  storeWord(block, enciphered(loadWord(block), key));
 }
 
-void EncipherBuffer(std::span<std::uint8_t> bytes, const ExpandedKey& key) {
-  runFeedback(bytes, key, [](Byte, Byte after) { return after; });
+std::uint8_t EncipherBuffer(std::span<std::uint8_t> bytes, const ExpandedKey& key) {
+  return runFeedback<Direction::kEncipher>(bytes, key);
 }
 
-void DecipherBuffer(std::span<std::uint8_t> bytes, const ExpandedKey& key) {
-  runFeedback(bytes, key, [](Byte before, Byte) { return before; });
-}
-
-std::uint8_t ByteSum(std::span<const std::uint8_t> bytes) {
-  Byte total = 0;
-  for (const Byte byte : bytes) total = sum(total, byte);
-  return total;
+std::uint8_t DecipherBuffer(std::span<std::uint8_t> bytes, const ExpandedKey& key) {
+  return runFeedback<Direction::kDecipher>(bytes, key);
 }
 
 }  // namespace tabelion

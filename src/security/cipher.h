@@ -49,11 +49,9 @@ void MakeKey(std::string_view password, ExpandedKey& key);
 void EncipherBlock(CipherBlock& block, const ExpandedKey& key);
 
 // In place. Every buffer starts afresh: the feedback register is the first 8 bytes of the expanded
-// key. No bytes, no change.
-void EncipherBuffer(std::span<std::uint8_t> bytes, const ExpandedKey& key);
-void DecipherBuffer(std::span<std::uint8_t> bytes, const ExpandedKey& key);
-
-// The checksum of clear bytes by which a right password is told: their sum modulo 256.
-std::uint8_t ByteSum(std::span<const std::uint8_t> bytes);
+// key. No bytes, no change. Both give the sum modulo 256 of the bytes in clear, by which a right
+// password is told.
+std::uint8_t EncipherBuffer(std::span<std::uint8_t> bytes, const ExpandedKey& key);
+std::uint8_t DecipherBuffer(std::span<std::uint8_t> bytes, const ExpandedKey& key);
 
 }  // namespace tabelion

@@ -6,11 +6,13 @@ namespace tabelion {
 namespace {
 
 // Calls `work` with the position of every record whose flagged fields are enciphered, or in clear.
+// `reach` says how many bytes of a record are worth fetching ahead.
 template <typename Work>
-void forRecordsThatAre(bool enciphered, const Database& database, const Work& work) {
+void forRecordsThatAre(bool enciphered, const Database& database, const std::size_t& reach,
+                       const Work& work) {
   const RecordStore& records = database.records;
   for (std::uint32_t i = 0; i < records.count(); ++i) {
-    records.fetchAhead(i, kMaxRecordSize);
+    records.fetchAhead(i, reach);
     if (isRecordEncrypted(records[i].bytes()) == enciphered) work(i);
   }
 }
@@ -35,10 +37,9 @@ bool fitsEnciphered(const Database& database, ByteView record, const ExpandedKey
 void SetPasswordCheck(DatabaseRecord& schema, std::string_view password,
                       const RandomSource& random) {
   for (std::uint8_t& byte : schema.password_check) byte = static_cast<std::uint8_t>(random());
-  schema.password_check_sum = ByteSum(schema.password_check);
   ExpandedKey key;
   MakeKey(password, key);
-  EncipherBuffer(schema.password_check, key);
+  schema.password_check_sum = EncipherBuffer(schema.password_check, key);
   schema.password_check_present = 1;
 }
 
@@ -47,8 +48,7 @@ bool PasswordMatchesCheck(const DatabaseRecord& schema, std::string_view passwor
   ExpandedKey key;
   MakeKey(password, key);
   auto check = schema.password_check;
-  DecipherBuffer(check, key);
-  return ByteSum(check) == schema.password_check_sum;
+  return DecipherBuffer(check, key) == schema.password_check_sum;
 }
 
 void MarkDeciphered(DatabaseRecord& schema) {
@@ -60,19 +60,20 @@ DecryptSummary DecryptRecords(Database& database, const ExpandedKey& key, bool f
   DecryptSummary summary;
   const bool by_hand = database.schema.encryption_mode == kEncryptRecordsByHand;
   if (by_hand && !forced) return summary;
-  Bytes clear;
-  forRecordsThatAre(true, database, [&](std::uint32_t position) {
+  const FlaggedFields flagged(database.schema);
+  RecordFront clear;
+  forRecordsThatAre(true, database, clear.old_size, [&](std::uint32_t position) {
     const ByteView record = database.records[position].bytes();
-    if (DecryptRecord(database.schema, record, key, clear) == kRecordDecrypted) {
-      if (by_hand) clear[1 + kStampFlagOffset] |= kClearByDatabase;
-      // Never too long: DecryptRecord gives nothing that a record cannot hold.
-      (void)database.records.replace(position, clear);
+    if (DecryptRecordFront(flagged, record, key, clear) == kRecordDecrypted) {
+      if (by_hand) clear.bytes[1 + kStampFlagOffset] |= kClearByDatabase;
+      // Never too long: deciphering gives nothing that a record cannot hold.
+      (void)database.records.replaceFront(position, clear.old_size, clear.bytes);
       ++summary.deciphered;
     } else {
       ++summary.failed;
     }
   });
-  WipeBytes(clear);
+  WipeBytes(clear.bytes);
   return summary;
 }
 
@@ -91,13 +92,15 @@ EncryptSummary EncryptRecords(Database& database, Engine& engine, const Expanded
       return summary;
     }
   }
-  Bytes enciphered;
+  const FlaggedFields flagged(database.schema);
+  RecordFront enciphered;
   const StampSource stamp = [&] { return NewStamp(database, engine); };
-  forRecordsThatAre(false, database, [&](std::uint32_t position) {
+  forRecordsThatAre(false, database, enciphered.old_size, [&](std::uint32_t position) {
     const ByteView record = database.records[position].bytes();
     if (wanted && !wanted(record)) return;
-    (void)EncryptRecordFields(database.schema, record, key, stamp, enciphered);
-    (void)database.records.replace(position, enciphered);  // both fit, as was seen above
+    // Both fit, as was seen above.
+    (void)EncryptRecordFront(flagged, record, key, stamp, enciphered);
+    (void)database.records.replaceFront(position, enciphered.old_size, enciphered.bytes);
     ++summary.enciphered;
   });
   if (database.schema.encryption_mode == kEncryptWholeDatabase) {
@@ -109,7 +112,7 @@ EncryptSummary EncryptRecords(Database& database, Engine& engine, const Expanded
 
 std::vector<OverlongRecordValue> OverlongValues(const Database& database) {
   std::vector<OverlongRecordValue> found;
-  forRecordsThatAre(false, database, [&](std::uint32_t position) {
+  forRecordsThatAre(false, database, kMaxRecordSize, [&](std::uint32_t position) {
     for (const OverlongValue& value :
          OverlongValues(database.schema, database.records[position].bytes())) {
       found.push_back({position, value});

@@ -1,6 +1,7 @@
 #include "security/record_encryption.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace tabelion {
 namespace {
@@ -54,7 +55,10 @@ bool staysAsItIs(Form form, ByteView value) {
 }
 
 std::size_t textLength(ByteView text) {
-  return static_cast<std::size_t>(std::find(text.begin(), text.end(), 0) - text.begin());
+  if (text.empty()) return 0;
+  const void* end = std::memchr(text.data(), 0, text.size());
+  return end ? static_cast<std::size_t>(static_cast<const std::uint8_t*>(end) - text.data())
+             : text.size();
 }
 
 // Appends the enciphered form of a value and adds its clear bytes to the checksum.
@@ -69,12 +73,10 @@ void putEnciphered(Bytes& into, Form form, ByteView value, const ExpandedKey& ke
   std::size_t count = value.size();
   if (form == Form::kWhole) {
     into.insert(into.end(), value.begin(), value.end());
-    sum = static_cast<std::uint8_t>(sum + ByteSum(value));
   } else if (form == Form::kNote) {
     into.insert(into.end(), value.begin(), value.end());
     into.resize(begin + std::max(value.size(), kNoteSize));
-    sum =
-        static_cast<std::uint8_t>(sum + ByteSum(ByteView(into).subspan(begin, kCheckedNoteBytes)));
+    sum = static_cast<std::uint8_t>(sum + value[0]);
     first += 1;
     count = kCheckedNoteBytes - 1;
   } else {
@@ -87,9 +89,9 @@ void putEnciphered(Bytes& into, Form form, ByteView value, const ExpandedKey& ke
     first = into.size();
     count = text.size();
     into.insert(into.end(), text.begin(), text.end());
-    sum = static_cast<std::uint8_t>(sum + ByteSum(text));
   }
-  EncipherBuffer(std::span(into).subspan(first, count), key);
+  const std::uint8_t added = EncipherBuffer(std::span(into).subspan(first, count), key);
+  sum = static_cast<std::uint8_t>(sum + added);
 }
 
 // The text behind its length, still enciphered. A length of one byte that agrees with the number
@@ -128,48 +130,60 @@ void putDeciphered(Bytes& into, int type, ByteView value, const ExpandedKey& key
   }
   if (form == Form::kWhole || form == Form::kNote) {
     into.insert(into.end(), value.begin(), value.end());
-    const auto written = std::span(into).subspan(begin);
-    if (form == Form::kWhole) {
-      DecipherBuffer(written, key);
-      sum = static_cast<std::uint8_t>(sum + ByteSum(written));
-    } else {
-      const auto checked = written.first(std::min(written.size(), kCheckedNoteBytes));
-      DecipherBuffer(checked.subspan(1), key);
-      sum = static_cast<std::uint8_t>(sum + ByteSum(checked));
+    auto enciphered = std::span(into).subspan(begin);
+    if (form == Form::kNote) {
+      sum = static_cast<std::uint8_t>(sum + value[0]);
+      enciphered = enciphered.first(std::min(enciphered.size(), kCheckedNoteBytes)).subspan(1);
     }
+    sum = static_cast<std::uint8_t>(sum + DecipherBuffer(enciphered, key));
     return;
   }
   const std::size_t head = clearHead(form);
   const ByteView text = textBehindLength(form, value);
   into.insert(into.end(), value.begin(), value.begin() + head);
   into.insert(into.end(), text.begin(), text.end());
-  const auto clear = std::span(into).subspan(begin + head);
-  DecipherBuffer(clear, key);
-  sum = static_cast<std::uint8_t>(sum + ByteSum(clear));
+  const auto enciphered = std::span(into).subspan(begin + head);
+  sum = static_cast<std::uint8_t>(sum + DecipherBuffer(enciphered, key));
   closeText(into, type, text.size());
 }
 
-// Copies a packed record with another form of its flagged values, which `put` appends.
+// Copies the front of a packed record, at least its prefix, with another form of its flagged
+// values, which `put` appends.
 template <typename Put>
-void copyWithFlaggedValues(const DatabaseRecord& schema, ByteView record, Bytes& into,
+void copyWithFlaggedValues(const FlaggedFields& flagged, ByteView record, RecordFront& into,
                            const Put& put) {
-  into.clear();
+  Bytes& bytes = into.bytes;
+  bytes.clear();
   std::size_t copied = 0;
+  const auto copyUpTo = [&](std::size_t end) {
+    bytes.insert(bytes.end(), record.begin() + copied, record.begin() + end);
+    copied = end;
+  };
   SlotWalker walker(record);
-  for (std::size_t slot = 0;; ++slot) {
+  copyUpTo(std::min(walker.position(), record.size()));
+  for (int slot = 0; slot < flagged.slots(); ++slot) {
     const std::size_t length_at = walker.position();
     const auto value = walker.next();
     if (!value) break;
-    const FieldDefinition& field = schema.fields[slot];
+    const FieldDefinition& field = flagged.schema().fields[static_cast<std::size_t>(slot)];
     if (field.encrypt_flag == 0) continue;
-    into.insert(into.end(), record.begin() + copied, record.begin() + length_at);
+    copyUpTo(length_at);
     copied = walker.position();
-    const std::size_t new_length_at = into.size();
-    into.resize(new_length_at + 2);
-    put(into, field.type, *value);
-    storeLe16(&into[new_length_at], static_cast<std::uint32_t>(into.size() - new_length_at - 2));
+    const std::size_t new_length_at = bytes.size();
+    bytes.resize(new_length_at + 2);
+    put(bytes, field.type, *value);
+    storeLe16(&bytes[new_length_at], static_cast<std::uint32_t>(bytes.size() - new_length_at - 2));
   }
-  into.insert(into.end(), record.begin() + copied, record.end());
+  into.old_size = copied;
+}
+
+bool isTooLong(const RecordFront& front, ByteView record) {
+  return front.bytes.size() + record.size() - front.old_size > kMaxRecordSize;
+}
+
+void appendRest(RecordFront& front, ByteView record) {
+  const ByteView rest = record.subspan(front.old_size);
+  front.bytes.insert(front.bytes.end(), rest.begin(), rest.end());
 }
 
 bool hasStamp(ByteView record) {
@@ -187,39 +201,63 @@ void stampRecord(Bytes& record, const HeadBlock& stamp) {
 }  // namespace
 
 bool HasFlaggedFields(const DatabaseRecord& schema) {
-  return std::any_of(schema.fields.begin(), schema.fields.end(),
-                     [](const FieldDefinition& field) { return field.encrypt_flag != 0; });
+  return FlaggedFields(schema).slots() > 0;
+}
+
+FlaggedFields::FlaggedFields(const DatabaseRecord& schema) : schema_(schema) {
+  for (int slot = 0; slot < kFieldSlots; ++slot) {
+    if (schema.fields[static_cast<std::size_t>(slot)].encrypt_flag != 0) slots_ = slot + 1;
+  }
+}
+
+bool EncryptRecordFront(const FlaggedFields& flagged, ByteView record, const ExpandedKey& key,
+                        const StampSource& new_stamp, RecordFront& into) {
+  std::uint8_t sum = 0;
+  copyWithFlaggedValues(flagged, record, into, [&](Bytes& to, int type, ByteView value) {
+    putEnciphered(to, formOf(type), value, key, sum);
+  });
+  if (!hasStamp(record)) stampRecord(into.bytes, new_stamp());
+  if (isTooLong(into, record)) return false;
+  std::uint8_t& flags = into.bytes[1 + kStampFlagOffset];
+  flags &= static_cast<std::uint8_t>(~kClearByDatabase);
+  flags |= kRecordEncrypted;
+  into.bytes[1 + kStampChecksumOffset] = sum;
+  return true;
+}
+
+int DecryptRecordFront(const FlaggedFields& flagged, ByteView record, const ExpandedKey& key,
+                       RecordFront& into) {
+  into.bytes.clear();
+  if (!hasStamp(record)) return kHeaderUnreadable;
+  std::uint8_t sum = 0;
+  copyWithFlaggedValues(flagged, record, into, [&](Bytes& to, int type, ByteView value) {
+    putDeciphered(to, type, value, key, sum);
+  });
+  if (sum != record[1 + kStampChecksumOffset] || isTooLong(into, record)) {
+    WipeBytes(into.bytes);
+    into.bytes.clear();
+    return kWrongPassword;
+  }
+  into.bytes[1 + kStampFlagOffset] &= static_cast<std::uint8_t>(~kRecordEncrypted);
+  return kRecordDecrypted;
 }
 
 bool EncryptRecordFields(const DatabaseRecord& schema, ByteView record, const ExpandedKey& key,
                          const StampSource& new_stamp, Bytes& into) {
-  std::uint8_t sum = 0;
-  copyWithFlaggedValues(schema, record, into, [&](Bytes& to, int type, ByteView value) {
-    putEnciphered(to, formOf(type), value, key, sum);
-  });
-  if (!hasStamp(into)) stampRecord(into, new_stamp());
-  if (into.size() > kMaxRecordSize) return false;
-  into[1 + kStampFlagOffset] &= static_cast<std::uint8_t>(~kClearByDatabase);
-  into[1 + kStampFlagOffset] |= kRecordEncrypted;
-  into[1 + kStampChecksumOffset] = sum;
-  return true;
+  RecordFront front;
+  const bool fits = EncryptRecordFront(FlaggedFields(schema), record, key, new_stamp, front);
+  if (fits) appendRest(front, record);
+  into.swap(front.bytes);
+  return fits;
 }
 
 int DecryptRecord(const DatabaseRecord& schema, ByteView record, const ExpandedKey& key,
                   Bytes& into) {
-  into.clear();
-  if (!hasStamp(record)) return kHeaderUnreadable;
-  std::uint8_t sum = 0;
-  copyWithFlaggedValues(schema, record, into, [&](Bytes& to, int type, ByteView value) {
-    putDeciphered(to, type, value, key, sum);
-  });
-  if (sum != record[1 + kStampChecksumOffset] || into.size() > kMaxRecordSize) {
-    WipeBytes(into);
-    into.clear();
-    return kWrongPassword;
-  }
-  into[1 + kStampFlagOffset] &= static_cast<std::uint8_t>(~kRecordEncrypted);
-  return kRecordDecrypted;
+  RecordFront front;
+  const int result = DecryptRecordFront(FlaggedFields(schema), record, key, front);
+  if (result == kRecordDecrypted) appendRest(front, record);
+  into.swap(front.bytes);
+  return result;
 }
 
 std::vector<OverlongValue> OverlongValues(const DatabaseRecord& schema, ByteView record) {

@@ -51,6 +51,30 @@ inline constexpr int kHeaderUnreadable = -1;  // the record has no stamp
 [[nodiscard]] int DecryptRecord(const DatabaseRecord& schema, ByteView record,
                                 const ExpandedKey& key, Bytes& into);
 
+// The same for runs over many records: only the front of a record is written, up to its last
+// flagged value, which in a long record is much less to move than the whole.
+class FlaggedFields {
+ public:
+  // The schema outlives it, and keeps its flags.
+  explicit FlaggedFields(const DatabaseRecord& schema);
+  const DatabaseRecord& schema() const { return schema_; }
+  int slots() const { return slots_; }  // up to the last flagged one
+
+ private:
+  const DatabaseRecord& schema_;
+  int slots_ = 0;
+};
+// `bytes` stand in place of the first `old_size` bytes of the record; those behind them stay.
+struct RecordFront {
+  Bytes bytes;
+  std::size_t old_size = 0;
+};
+[[nodiscard]] bool EncryptRecordFront(const FlaggedFields& flagged, ByteView record,
+                                      const ExpandedKey& key, const StampSource& new_stamp,
+                                      RecordFront& into);
+[[nodiscard]] int DecryptRecordFront(const FlaggedFields& flagged, ByteView record,
+                                     const ExpandedKey& key, RecordFront& into);
+
 // A value that its enciphered form holds with a length that says too little: a text longer than 255
 // bytes behind a length of one byte. This system finds the whole text again by the length of the
 // value as a whole; others that share the file take the record for one with a wrong password.

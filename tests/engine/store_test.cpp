@@ -59,6 +59,10 @@ TEST_F(Store, RecordsKeepTheirIdentityWhenMovedReplacedAndRemoved) {
   EXPECT_EQ(order(), "012345");
   EXPECT_EQ(store[2].length(), 3u);
   EXPECT_FALSE(store.replace(2, Bytes(65536, 0)));
+  EXPECT_FALSE(store.replaceFront(2, 1, Bytes(65534, 0))) << "with the two bytes behind";
+  ASSERT_TRUE(store.replaceFront(2, 1, Bytes{1, 2}));
+  ASSERT_TRUE(store.replaceFront(2, 2, Bytes{3, 4}));
+  EXPECT_TRUE(std::ranges::equal(store[2].bytes(), Bytes{3, 4, 0xFF, 0xFF}));
   EXPECT_EQ(store.insert(1, Bytes{0, 0xFF, 0xFF}, {9, 0, 0}), 1u);
   EXPECT_EQ(order(), "0912345");
   store.remove(0);

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <string>
 
+#include "engine/record_store.h"
 #include "engine/schema_places.h"
 
 namespace tabelion {
@@ -103,6 +104,16 @@ int decipher(const DatabaseRecord& schema, Bytes& record, const std::string& pas
 RC_GTEST_PROP(RecordEncryption, StoredRecordsComeBackByteForByte, (const std::string& password)) {
   const Case made = makeCase(true);
   Bytes record = enciphered(made, password);
+  // Stored by its front, with the rest where it was.
+  RecordStore store;
+  store.insert(0, made.record, {});
+  ExpandedKey key;
+  MakeKey(password, key);
+  RecordFront front;
+  RC_ASSERT(EncryptRecordFront(FlaggedFields(made.schema), made.record, key, testStamp, front));
+  RC_ASSERT(store.replaceFront(0, front.old_size, front.bytes));
+  RC_ASSERT(std::ranges::equal(store[0].bytes(), record));
+
   RC_ASSERT(decipher(made.schema, record, password) == kRecordDecrypted);
   // The checksum of the last enciphering stays where it was.
   record[1 + kStampChecksumOffset] = made.record[1 + kStampChecksumOffset];
