@@ -208,7 +208,8 @@ TEST_F(DesktopTest, FileManagerStartsItAndOpensAFile) {
   EXPECT_TRUE(opens(pid));
   expectHandsOver();
   ::kill(pid, SIGTERM);
-  EXPECT_TRUE(eventually([&] { return !std::filesystem::exists(folder / ".My Films.PDB.lock"); }));
+  EXPECT_TRUE(eventually([&] { return ::kill(pid, 0) != 0; }));
+  EXPECT_FALSE(std::filesystem::exists(folder / ".My Films.PDB.lock"));
 }
 
 }  // namespace
