@@ -17,12 +17,10 @@ namespace tabelion {
 class StringSink : public TextSink {
  public:
   bool write(std::string_view bytes) override {
-    if (!is_open) return false;
     text += bytes;
     return true;
   }
   std::string text;
-  bool is_open = true;
 };
 
 class CliRun : public ::testing::Test {
@@ -31,7 +29,6 @@ class CliRun : public ::testing::Test {
   int run(const std::vector<std::string>& arguments) {
     out = {};
     err = {};
-    out.is_open = out_is_open;
     Streams streams{out, err,
                     [this]() -> Result<FileImage> {
                       files.put("/stdin", input);
@@ -61,7 +58,6 @@ class CliRun : public ::testing::Test {
   std::function<bool(std::string_view)> confirm;  // the terminal's answer, if there is one
   StringSink out;
   StringSink err;
-  bool out_is_open = true;
 };
 
 }  // namespace tabelion

@@ -32,6 +32,13 @@ inline StoredFormula::Token previousOf(int slot) {
   return {kFieldToken, static_cast<std::uint8_t>(-slot - 1)};
 }
 
+// A stored integer.
+inline std::string integer(int value) {
+  std::string bytes(4, '\0');
+  storeLe32(reinterpret_cast<std::uint8_t*>(bytes.data()), static_cast<std::uint32_t>(value));
+  return bytes;
+}
+
 // Fields are added in slot order, records take the bytes of their values in the same order.
 struct FormulaDatabase {
   std::unique_ptr<Database> owned = std::make_unique<Database>();

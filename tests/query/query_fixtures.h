@@ -29,6 +29,13 @@ inline Bytes bytesOf(std::string_view text) {
   return Bytes(text.begin(), text.end());
 }
 
+// Four bytes, as integers and dates are stored.
+inline Bytes number(std::int64_t value) {
+  Bytes bytes(4);
+  storeLe32(bytes.data(), static_cast<std::uint32_t>(value));
+  return bytes;
+}
+
 // A database of one field in slot 0 and one record that holds its value.
 struct OneField {
   Database database;

@@ -10,12 +10,6 @@ namespace {
 
 using namespace std::string_literals;
 
-std::string integer(int value) {
-  std::string bytes(4, '\0');
-  storeLe32(reinterpret_cast<std::uint8_t*>(bytes.data()), static_cast<std::uint32_t>(value));
-  return bytes;
-}
-
 struct Books {
   QuerySettings settings{.formats = isoSettings(), .now = {}, .lookup = nullptr};
   FormulaDatabase world;

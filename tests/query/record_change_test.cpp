@@ -11,12 +11,6 @@
 namespace tabelion {
 namespace {
 
-std::string number(int value) {
-  std::string bytes(4, '\0');
-  storeLe32(reinterpret_cast<std::uint8_t*>(bytes.data()), static_cast<std::uint32_t>(value));
-  return bytes;
-}
-
 // Sorted by day; each balance is the one before plus the amount.
 struct Ledger {
   MemoryFiles files;
@@ -36,8 +30,8 @@ struct Ledger {
   std::uint32_t store(std::uint32_t position, int on_day, int amount_then) {
     UnpackedRecord record = newRecord(database.schema);
     if (position != kNoPosition) record = unpackRecord(database.records[position].bytes());
-    const std::string day_bytes = number(on_day);
-    const std::string amount_bytes = number(amount_then);
+    const std::string day_bytes = integer(on_day);
+    const std::string amount_bytes = integer(amount_then);
     record.slots[0] = Bytes(day_bytes.begin(), day_bytes.end());
     record.slots[1] = Bytes(amount_bytes.begin(), amount_bytes.end());
     return storeRecord(database, engine, position, record, settings);
@@ -69,7 +63,7 @@ TEST(RecordChange, EveryChangeKeepsTheOrderAndTheRunningTotals) {
 
 TEST(RecordChange, AStaleOrderIsMendedAndTheCurrentRecordFollowed) {
   Ledger ledger;
-  for (const int day : {5, 3, 9}) ledger.world.addRecord({number(day), number(day), ""});
+  for (const int day : {5, 3, 9}) ledger.world.addRecord({integer(day), integer(day), ""});
   std::uint32_t current = 2;
   refreshRecordIndex(ledger.database, ledger.settings, nullptr, &current);
   EXPECT_EQ(ledger.column(ledger.balance), (Texts{"", "", ""})) << "nothing says that it is stale";

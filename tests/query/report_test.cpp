@@ -15,11 +15,6 @@ using ::testing::ElementsAre;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
 
-Bytes le32(std::int64_t value) {
-  Bytes bytes(4);
-  storeLe32(bytes.data(), static_cast<std::uint32_t>(value));
-  return bytes;
-}
 Bytes timeBytes(int hour, int minute, int second = 0) {
   return {static_cast<std::uint8_t>(second), static_cast<std::uint8_t>(minute),
           static_cast<std::uint8_t>(hour), 0};
@@ -72,25 +67,25 @@ TEST_F(Report, ListsTheFieldsThatCanBeReported) {
 }
 
 TEST_F(Report, IntegersAndTheirTotals) {
-  fill(kInteger, {le32(1), le32(2), le32(2)});
+  fill(kInteger, {number(1), number(2), number(2)});
   EXPECT_EQ(report(),
             "Report for F\r\n"
             "Number of Entries:\r\n\t3\r\nMinimum Value:\r\n\t1\r\nMaximum Value:\r\n\t2\r\n"
             "Sum:\r\n\t\t5\r\nMinimum Total:\r\n\t1\r\nMaximum Total:\r\n\t5\r\n"
             "Average:\r\n\t\t2");
-  fill(kInteger, {le32(-5), le32(10), {}});
+  fill(kInteger, {number(-5), number(10), {}});
   EXPECT_THAT(report(), HasSubstr("Number of Entries:\r\n\t3\r\n")) << "no value counts as 0";
   EXPECT_THAT(report(), HasSubstr("Minimum Total:\r\n\t-5\r\nMaximum Total:\r\n\t5\r\n"));
-  fill(kInteger, {le32(-1), le32(-2), le32(-2)});
+  fill(kInteger, {number(-1), number(-2), number(-2)});
   EXPECT_THAT(report(), EndsWith("Average:\r\n\t\t-1")) << "towards zero";
-  fill(kInteger, std::vector<Bytes>(3, le32(INT32_MAX)));
+  fill(kInteger, std::vector<Bytes>(3, number(INT32_MAX)));
   EXPECT_THAT(report(), HasSubstr("Sum:\r\n\t\t6442450941\r\n")) << "64 bits";
   fill(kCalculated, {bytesOf("12"), bytesOf("-4"), bytesOf("Error!")}, 1);
   EXPECT_THAT(report(), HasSubstr("Minimum Value:\r\n\t-4\r\nMaximum Value:\r\n\t12\r\n"));
 }
 
 TEST_F(Report, ExtremesStartWhereTheyAlwaysDid) {
-  fill(kInteger, {le32(3000000)});
+  fill(kInteger, {number(3000000)});
   EXPECT_THAT(report(),
               HasSubstr("Minimum Value:\r\n\t2000000\r\nMaximum Value:\r\n\t3000000\r\n"));
   EXPECT_THAT(report(), HasSubstr("Minimum Total:\r\n\t2000000\r\n"));
@@ -99,7 +94,7 @@ TEST_F(Report, ExtremesStartWhereTheyAlwaysDid) {
   fill(kDate, {{0, 0, 0, 0}});
   EXPECT_THAT(report(), EndsWith("Minimum Value:\r\n\t11/22/2040\r\nMaximum Value:\r\n\tNO DATE\r\n"
                                  "Days Spanned:\r\n\t-50000"));
-  fill(kDate, {le32(51000)});
+  fill(kDate, {number(51000)});
   EXPECT_THAT(report(), HasSubstr("Minimum Value:\r\n\t11/22/2040\r\n")) << "later dates";
   EXPECT_THAT(report(), EndsWith("Days Spanned:\r\n\t1000"));
 }
@@ -167,13 +162,13 @@ TEST_F(Report, TimesAndTheirTotal) {
 }
 
 TEST_F(Report, EncipheredAndFilteredRecordsAndAbsentFields) {
-  fill(kInteger, {le32(7), le32(9)});
+  fill(kInteger, {number(7), number(9)});
   database.schema.fields[1].encrypt_flag = 1;
   UnpackedRecord enciphered;
   enciphered.prefix.assign(23, 0);
   enciphered.prefix[0] = kStampedPrefix;
   enciphered.prefix[1 + kStampFlagOffset] = kRecordEncrypted;
-  enciphered.slots[1] = le32(1000);
+  enciphered.slots[1] = number(1000);
   add(enciphered);
   add(UnpackedRecord{});
   ReportFigures figures = reportFigures(database, 1, settings);
@@ -203,7 +198,7 @@ TEST_F(Report, DatesAndTimesAreReadAsTheyAreShown) {
     for (int choice = 0; choice < 7; ++choice) {
       settings.formats = makeFormatSettings({choice, choice, false}, locale);
       for (const std::uint32_t day : days) {
-        fill(kDate, {le32(day), le32(day)});
+        fill(kDate, {number(day), number(day)});
         const CalendarDate read = dateOfText(dateText(day, settings.formats), settings.formats);
         const std::uint32_t expected = daysSince1904(read.month, read.day, read.year);
         EXPECT_EQ(reportFigures(database, 1, settings).whole.sum, std::int64_t{expected} * 2)
