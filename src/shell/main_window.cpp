@@ -102,6 +102,18 @@ void MainWindow::Start(Dialog& dialog) {
 // False when a folder holds no database file at all.
 bool MainWindow::RefreshDatabaseList(Dialog& dialog) {
   CollectReceivedFiles(app_);
+  ShowDatabases(dialog);
+  if (!list_.found_files && list_.files.empty() && OfferSamples()) {
+    return RefreshDatabaseList(dialog);
+  }
+  return list_.found_files;
+}
+
+// What lies in the folders now. The selected database stays selected; when it is gone, its row.
+void MainWindow::ShowDatabases(Dialog& dialog) {
+  ListControl& list = dialog.list(kDatabaseList);
+  const int row = list.selectedRow();
+  const auto selected = Selected(dialog);
   {
     WaitCursor waiting(app_);
     list_ = ListDatabases(app_, app_.category);
@@ -111,18 +123,16 @@ bool MainWindow::RefreshDatabaseList(Dialog& dialog) {
     if (category != kAllCategories && category != kUnfiled) categories_.push_back(category);
   }
   categories_.push_back(kUnfiled);
-  ListControl& list = dialog.list(kDatabaseList);
-  const int selected = list.selectedRow();
   const int count = static_cast<int>(list_.files.size());
+  const auto found = std::find_if(
+      list_.files.begin(), list_.files.end(),
+      [&](const DatabaseFile& file) { return selected && file.path == selected->path; });
   list.setRowCount(count);
-  list.selectRow(std::clamp(selected, std::min(0, count - 1), count - 1));
+  list.selectRow(found != list_.files.end() ? static_cast<int>(found - list_.files.begin())
+                                            : std::clamp(row, std::min(0, count - 1), count - 1));
   list.repaint();
   if (list_.found_files) left_key_text_ = app_.category;
   ShowMenuBar(dialog);
-  if (!list_.found_files && list_.files.empty() && OfferSamples()) {
-    return RefreshDatabaseList(dialog);
-  }
-  return list_.found_files;
 }
 
 // True when samples were installed.
@@ -152,15 +162,15 @@ void MainWindow::ShowMenuBar(Dialog& dialog) {
 
 // What there is to be done with the selected database, and where it can be copied to.
 void MainWindow::onMenuOpening(Dialog& dialog, MenuEntry& soft_key) {
-  const DatabaseFile* const file = Selected(dialog);
-  const auto other = file != nullptr ? OtherVolume(app_, *file) : std::nullopt;
+  const auto file = Selected(dialog);
+  const auto other = file ? OtherVolume(app_, *file) : std::nullopt;
   const std::u16string to = other == Volume::kMain ? u" to Main Folder" : u" to Card";
   for (MenuEntry& entry : soft_key.children) {
     switch (entry.command) {
       case kOpenCommand:
       case kInfoCommand:
       case kDeleteCommand:
-        entry.enabled = file != nullptr;
+        entry.enabled = file.has_value();
         break;
       case kCopyCommand:
       case kMoveCommand:
@@ -176,10 +186,10 @@ void MainWindow::onMenuOpening(Dialog& dialog, MenuEntry& soft_key) {
 void MainWindow::onCommand(Dialog& dialog, CommandId command) {
   switch (command) {
     case kOpenCommand:
-      if (const DatabaseFile* file = Selected(dialog)) OpenDatabase(dialog, file->path);
+      if (const auto file = Selected(dialog)) OpenDatabase(dialog, file->path);
       return;
     case kInfoCommand:
-      if (const DatabaseFile* file = Selected(dialog)) ShowDatabaseInfo(app_, file->path);
+      if (const auto file = Selected(dialog)) ShowDatabaseInfo(app_, file->path);
       return AfterDialog(dialog);
     case kDeleteCommand:
       return DeleteSelectedDatabase(dialog);
@@ -211,21 +221,21 @@ void MainWindow::onNotice(Dialog& dialog, ControlId control, Notice notice) {
   if (control == kDatabaseList && notice == Notice::kActivated) onCommand(dialog, kOpenCommand);
 }
 
-const DatabaseFile* MainWindow::Selected(Dialog& dialog) const {
+std::optional<DatabaseFile> MainWindow::Selected(Dialog& dialog) const {
   const int row = dialog.list(kDatabaseList).selectedRow();
-  if (row < 0 || static_cast<std::size_t>(row) >= list_.files.size()) return nullptr;
-  return &list_.files[static_cast<std::size_t>(row)];
+  if (row < 0 || static_cast<std::size_t>(row) >= list_.files.size()) return std::nullopt;
+  return list_.files[static_cast<std::size_t>(row)];
 }
 
 void MainWindow::DeleteSelectedDatabase(Dialog& dialog) {
-  const DatabaseFile* const file = Selected(dialog);
-  if (file != nullptr && DeleteDatabase(app_, *file)) RefreshDatabaseList(dialog);
+  const auto file = Selected(dialog);
+  if (file && DeleteDatabase(app_, *file)) RefreshDatabaseList(dialog);
 }
 
 // To the other of the two volumes.
 void MainWindow::TransferSelected(Dialog& dialog, bool move) {
-  const DatabaseFile* const file = Selected(dialog);
-  const auto other = file != nullptr ? OtherVolume(app_, *file) : std::nullopt;
+  const auto file = Selected(dialog);
+  const auto other = file ? OtherVolume(app_, *file) : std::nullopt;
   if (!other) return;
   const auto transfer = move ? MoveDatabase : CopyDatabase;
   if (transfer(app_, *file, *other, CopyQuestionDialog(app_)) && !session_ends_) {

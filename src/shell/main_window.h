@@ -45,10 +45,11 @@ class MainWindow : public DialogHandler {
   void Layout(Dialog& dialog);
   void Start(Dialog& dialog);
   bool RefreshDatabaseList(Dialog& dialog);
+  void ShowDatabases(Dialog& dialog);
   bool OfferSamples();
   void ShowMenuBar(Dialog& dialog);
   void ChooseCategory(Dialog& dialog, CommandId command);
-  const DatabaseFile* Selected(Dialog& dialog) const;  // null for none
+  std::optional<DatabaseFile> Selected(Dialog& dialog) const;
   void DeleteSelectedDatabase(Dialog& dialog);
   void TransferSelected(Dialog& dialog, bool move);
   void AutoSave();

@@ -88,6 +88,8 @@ void MainWindow::OpenDatabase(Dialog& dialog, const std::string& path,
   app_.record_screen_active = true;
   ShowRecordList(app_, nullptr, path, record);
   app_.record_screen_active = false;
+  // It may have got another name, or left a second file beside the one that somebody else changed.
+  if (!session_ends_) ShowDatabases(dialog);
   AfterDialog(dialog);
 }
 

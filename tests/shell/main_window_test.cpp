@@ -1,5 +1,6 @@
 #include "shell/main_window.h"
 
+#include "screens/changed_file.h"
 #include "screens/edit_record.h"
 #include "screens/preferences_screen.h"
 #include "screens/record_list.h"
@@ -259,6 +260,23 @@ TEST_F(Chooser, QuestionThatGivesWayToAFileIsNotANo) {
   chooser().press(Key::kBack);
   run();
   EXPECT_TRUE(world.files.exists("/documents/Gift.TBP"));
+}
+
+TEST_F(Chooser, ListsTheSecondFileThatASaveLeaves) {
+  const std::string path = world.add("Pears", {{"Sort"}}, {{"Kieffer"}});
+  const auto theirs = world.files.bytes(path);
+  chooser().press(Key::kEnter);
+  world.phone.at(kRecordListScreen).press(Key::kEnter);
+  world.phone.at(kEditRecordScreen).write(FormValue(0), u"Williams").press(Key::kEnter);
+  world.phone.at(kRecordListScreen)
+      .look([&](FakeDialog&) { world.files.put(path, theirs); })
+      .press(Key::kBack);
+  world.phone.asks(u"Save changes to this database?", u"QUESTION", MessageAnswer::kYes);
+  world.phone.at(kChangedFileScreen).activate(kKeepBothButton);
+  chooser().look(shows({u"Pears", u"Pears 2"})).press(Key::kBack);
+  run();
+  EXPECT_EQ(world.files.bytes(path), theirs);
+  EXPECT_EQ(world.cell("/documents/Tabelion/Pears 2.PDB", 0, 0), "Williams");
 }
 
 TEST_F(Chooser, MenuFollowsTheSelectedDatabase) {
