@@ -1,7 +1,6 @@
 #include "shell/main_window.h"
 
 #include <algorithm>
-#include <utility>
 
 #include "screens/about.h"
 #include "screens/copy_question.h"
@@ -10,8 +9,7 @@
 #include "services/file_management.h"
 #include "services/message.h"
 #include "services/modal.h"
-#include "services/open_database.h"
-#include "services/screen_text.h"
+#include "services/save_database.h"
 #include "services/setting_table.h"
 
 namespace tabelion {

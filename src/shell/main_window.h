@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "services/application.h"
@@ -12,7 +13,7 @@
 namespace tabelion {
 
 inline constexpr ControlId kDatabaseList = 103;
-inline constexpr int kAfterDialogMessage = 1026;
+inline constexpr int kAfterDialogMessage = 1026;  // posted by what had to wait for a box to go
 
 DialogTemplate MainWindowTemplate();
 
