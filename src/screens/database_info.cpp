@@ -95,9 +95,9 @@ class DatabaseInfoScreen : public Screen {
     time.hour = static_cast<std::uint8_t>(date->hour);
     time.minute = static_cast<std::uint8_t>(date->minute);
     time.second = static_cast<std::uint8_t>(date->second);
-    dialog.control(id).setText(name +
-                               FromUtf8(fmt::format("{}/{}/{}\t {}", date->month, date->day,
-                                                    date->year, timeText(time, app_.formats))));
+    dialog.control(id).setText(
+        name + FromUtf8(fmt::format("{}/{}/{}\t {}", date->month, date->day, date->year,
+                                    timeText(time, app_.level().formats))));
   }
 
   Application& app_;

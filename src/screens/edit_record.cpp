@@ -65,16 +65,16 @@ void EditRecordScreen::onInit(Dialog& dialog) {
 }
 
 bool EditRecordScreen::MayChange() const {
-  return app_.new_record ||
+  return app_.level().new_record ||
          CheckSecurity(CurrentDatabase(app_).schema, Operation::kChange) == kAccessGranted;
 }
 
 void EditRecordScreen::LoadEditRecord(Dialog& dialog, std::uint32_t record) {
   const Database& database = CurrentDatabase(app_);
-  app_.current_record = record;
-  app_.new_record = record == kNewRecord;
+  app_.level().current_record = record;
+  app_.level().new_record = record == kNewRecord;
   copy_.reset();
-  if (app_.new_record) {
+  if (app_.level().new_record) {
     copy_ = newRecord(database.schema);
   } else if (record < database.records.count()) {
     const ByteView stored = database.records[record].bytes();
@@ -117,7 +117,7 @@ void EditRecordScreen::onCommand(Dialog& dialog, CommandId command) {
 
 // Going back from a new record on which nothing was entered stores none.
 void EditRecordScreen::Leave(Dialog& dialog, bool keep_untouched_new) {
-  const bool untouched_new = app_.new_record && !form_.Changed(dialog);
+  const bool untouched_new = app_.level().new_record && !form_.Changed(dialog);
   if ((untouched_new && !keep_untouched_new) || SaveEditRecord(dialog)) dialog.end(kDialogClosed);
 }
 
@@ -153,12 +153,12 @@ bool EditRecordScreen::SaveEditRecord(Dialog& dialog) {
   if (!copy_) return true;
   const bool changed = form_.Changed(dialog);
   // Looking at a record is no reason to store it.
-  if (!app_.new_record && !changed) return true;
-  if (!app_.new_record &&
+  if (!app_.level().new_record && !changed) return true;
+  if (!app_.level().new_record &&
       SecurityCode(CurrentDatabase(app_).schema, Operation::kChange) == kCodeRestricted) {
     return true;
   }
-  if (!app_.new_record && CheckSecurity(app_, Operation::kChange, true) == kAccessRefused) {
+  if (!app_.level().new_record && CheckSecurity(app_, Operation::kChange, true) == kAccessRefused) {
     return true;
   }
   UnpackedRecord before = *copy_;
@@ -172,20 +172,20 @@ bool EditRecordScreen::SaveEditRecord(Dialog& dialog) {
 }
 
 bool EditRecordScreen::StoreCopy(Dialog& dialog) {
-  if (app_.new_record && !HasRoomForRecord(app_)) return false;
+  if (app_.level().new_record && !HasRoomForRecord(app_)) return false;
   Database& database = CurrentDatabase(app_);
-  const std::uint32_t position =
-      storeRecord(database, app_.engine, app_.new_record ? kNoPosition : app_.current_record,
-                  *copy_, QuerySettingsOf(app_, database), [this](std::uint32_t, int) {
-                    ShowMessage(app_, u"Formula is invalid or corrupt, please verify", u"Error",
-                                MessageIcon::kExclamation);
-                  });
+  const std::uint32_t position = storeRecord(
+      database, app_.engine, app_.level().new_record ? kNoPosition : app_.level().current_record,
+      *copy_, QuerySettingsOf(app_, database), [this](std::uint32_t, int) {
+        ShowMessage(app_, u"Formula is invalid or corrupt, please verify", u"Error",
+                    MessageIcon::kExclamation);
+      });
   if (position == kNoPosition) {
     ShowMessage(app_, u"ERROR: Saving record!", u"ERROR", MessageIcon::kWarning);
     return false;
   }
-  app_.current_record = position;
-  app_.new_record = false;
+  app_.level().current_record = position;
+  app_.level().new_record = false;
   if (database.schema.encryption_mode == kEncryptRecordsOnSave) EncipherStored(dialog);
   app_.engine.steps.refresh(database);
   return true;
@@ -205,22 +205,22 @@ void EditRecordScreen::DecipherForEditing(Dialog& dialog, Bytes& record) {
 
 void EditRecordScreen::EncipherStored(Dialog& dialog) {
   Database& database = CurrentDatabase(app_);
-  const ByteView stored = database.records[app_.current_record].bytes();
+  const ByteView stored = database.records[app_.level().current_record].bytes();
   Bytes record(stored.begin(), stored.end());
   if (isRecordEncrypted(record) ||
       !PromptEncryptRecord(app_, record, AskEncryptionPassword(app_, &dialog, true))) {
     return;
   }
-  if (database.records.replace(app_.current_record, record)) setDirty(database);
+  if (database.records.replace(app_.level().current_record, record)) setDirty(database);
 }
 
 void EditRecordScreen::ToggleEncryption(Dialog& dialog) {
   if (CheckSecurity(app_, Operation::kChange, true) != kAccessGranted || !SaveEditRecord(dialog) ||
-      app_.new_record) {
+      app_.level().new_record) {
     return;
   }
   Database& database = CurrentDatabase(app_);
-  const ByteView stored = database.records[app_.current_record].bytes();
+  const ByteView stored = database.records[app_.level().current_record].bytes();
   if (isRecordEncrypted(stored)) {
     Bytes record(stored.begin(), stored.end());
     const int result = PromptDecryptRecord(app_, record, AskEncryptionPassword(app_, &dialog));
@@ -229,41 +229,41 @@ void EditRecordScreen::ToggleEncryption(Dialog& dialog) {
                   MessageIcon::kError);
     }
     if (result != kRecordDecrypted) return;
-    if (database.records.replace(app_.current_record, record)) setDirty(database);
+    if (database.records.replace(app_.level().current_record, record)) setDirty(database);
   } else {
     EncipherStored(dialog);
   }
   app_.engine.steps.refresh(database);
-  LoadEditRecord(dialog, app_.current_record);
+  LoadEditRecord(dialog, app_.level().current_record);
 }
 
 void EditRecordScreen::DeleteEditRecord(Dialog& dialog) {
-  if (app_.new_record) return dialog.end(kDialogClosed);
+  if (app_.level().new_record) return dialog.end(kDialogClosed);
   if (!Ask(app_, u"Are you sure you want to delete this record?", u"Confirm Delete") ||
       CheckSecurity(app_, Operation::kDelete, true) == kAccessRefused) {
     return;
   }
   Database& database = CurrentDatabase(app_);
-  deleteRecords(database, {app_.current_record}, QuerySettingsOf(app_, database));
-  if (app_.current_record > 0) --app_.current_record;
+  deleteRecords(database, {app_.level().current_record}, QuerySettingsOf(app_, database));
+  if (app_.level().current_record > 0) --app_.level().current_record;
   app_.engine.steps.refresh(database);
   dialog.end(kDialogClosed);
 }
 
 void EditRecordScreen::MoveTo(Dialog& dialog, Move move) {
   if (CheckSecurity(app_, Operation::kChange, true) == kAccessRefused) return;
-  const bool untouched_new = app_.new_record && !form_.Changed(dialog);
+  const bool untouched_new = app_.level().new_record && !form_.Changed(dialog);
   if (!untouched_new && !SaveEditRecord(dialog)) return;
   const auto& index = CurrentDatabase(app_).record_index;
   if (index.empty()) return;
   // A record that the list does not show, a new one for instance, lies behind the last.
-  const auto here = std::find(index.begin(), index.end(), app_.current_record);
+  const auto here = std::find(index.begin(), index.end(), app_.level().current_record);
   auto to = here;
   if (move == Move::kFirst) to = index.begin();
   if (move == Move::kLast) to = index.end() - 1;
   if (move == Move::kPrevious && here != index.begin()) to = here - 1;
   if (move == Move::kNext && here != index.end()) to = here + 1;
-  LoadEditRecord(dialog, to == index.end() ? app_.current_record : *to);
+  LoadEditRecord(dialog, to == index.end() ? app_.level().current_record : *to);
 }
 
 void EditRecordScreen::NewRecord(Dialog& dialog) {

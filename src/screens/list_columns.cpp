@@ -36,8 +36,8 @@ std::u16string ListCellText(Application& app, std::uint32_t record, int slot) {
   const Database& database = CurrentDatabase(app);
   // A lookup's text is the other database's, which the list does not open.
   if (database.schema.fields[static_cast<std::size_t>(slot)].type == kLookup) return {};
-  return ScreenText(app,
-                    fieldText(database, database.records[record].bytes(), slot, app.formats).text);
+  return ScreenText(
+      app, fieldText(database, database.records[record].bytes(), slot, app.level().formats).text);
 }
 
 void PaintListRow(Application& app, int row, const RowPainting& row_painting, ListPainter& painter,

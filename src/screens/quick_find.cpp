@@ -60,7 +60,7 @@ std::optional<int> QuickFind::search(Application& app) const {
   foldCase(*wanted);
   for (std::size_t row = 0; row < database.record_index.size(); ++row) {
     const ByteView record = database.records[database.record_index[row]].bytes();
-    std::string text = fieldText(database, record, slot, app.formats).text;
+    std::string text = fieldText(database, record, slot, app.level().formats).text;
     text.resize(std::min(text.size(), wanted->size()));
     foldCase(text);
     if (text == *wanted) return static_cast<int>(row);

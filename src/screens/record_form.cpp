@@ -61,8 +61,8 @@ RecordForm::Field RecordForm::MakeField(const FormRow& row, ByteView record, boo
   Field field;
   field.row = row;
   field.read_only = !editable || IsShownOnly(row.type) || isMasked(definition, record);
-  field.shown =
-      ScreenText(app_, editText(CurrentDatabase(app_), record, row.slot, app_.formats).text);
+  field.shown = ScreenText(
+      app_, editText(CurrentDatabase(app_), record, row.slot, app_.level().formats).text);
   field.kind =
       isMasked(definition, record) ? ControlKind::kEdit : FormControlKind(row.type, field.shown);
   if (field.kind == ControlKind::kButton) {
@@ -187,7 +187,7 @@ Result<Bytes> RecordForm::ValueOf(Dialog& dialog, const Field& field, ByteView p
   if (field.crlf) replaceAll(shown, u"\n", u"\r\n");
   const Result<std::string> text = StoredText(app_, shown);
   if (!text.ok()) return text.error();
-  return valueOfText(definition, items, *text, app_.formats, previous);
+  return valueOfText(definition, items, *text, app_.level().formats, previous);
 }
 
 bool RecordForm::Collect(Dialog& dialog, UnpackedRecord& record, Unaccepted unaccepted) {
@@ -217,7 +217,8 @@ void RecordForm::OnEdited(Dialog& dialog, ControlId value_control) {
   if (field == nullptr || field->row.type != kFloat || field->kind != ControlKind::kEdit) return;
   Control& control = dialog.control(value_control);
   const std::u16string now = control.text();
-  if (now.size() < field->text.size() || IsNumberText(now, app_.formats.choices.decimal_comma)) {
+  if (now.size() < field->text.size() ||
+      IsNumberText(now, app_.level().formats.choices.decimal_comma)) {
     field->text = now;
     return;
   }
@@ -246,8 +247,8 @@ std::u16string RecordForm::EditedText(const Field& field, const Bytes& value) co
   record.slots[static_cast<std::size_t>(field.row.slot)] = value;
   Bytes packed;
   if (!packRecord(record, packed)) return {};
-  return ScreenText(app_,
-                    editText(CurrentDatabase(app_), packed, field.row.slot, app_.formats).text);
+  return ScreenText(
+      app_, editText(CurrentDatabase(app_), packed, field.row.slot, app_.level().formats).text);
 }
 
 void RecordForm::OnActivated(Dialog& dialog, ControlId value_control) {

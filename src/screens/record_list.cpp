@@ -107,10 +107,11 @@ void RecordListScreen::OpenFile(Dialog& dialog) {
     return Close(dialog, kDialogClosed);
   }
   const int stored = database.schema.current_record_index;
-  app_.current_record = stored >= kSchemaRecords ? static_cast<std::uint32_t>(stored) -
-                                                       static_cast<std::uint32_t>(kSchemaRecords)
-                                                 : 0;
-  if (first_record_) app_.current_record = *first_record_;
+  app_.level().current_record =
+      stored >= kSchemaRecords
+          ? static_cast<std::uint32_t>(stored) - static_cast<std::uint32_t>(kSchemaRecords)
+          : 0;
+  if (first_record_) app_.level().current_record = *first_record_;
   FillRecordList(dialog);
 }
 
@@ -133,7 +134,7 @@ void RecordListScreen::FillRecordList(Dialog& dialog) {
 
 int RecordListScreen::RowOfCurrentRecord() const {
   const auto& index = CurrentDatabase(app_).record_index;
-  const auto found = std::find(index.begin(), index.end(), app_.current_record);
+  const auto found = std::find(index.begin(), index.end(), app_.level().current_record);
   return found == index.end() ? 0 : static_cast<int>(found - index.begin());
 }
 
@@ -167,7 +168,7 @@ void RecordListScreen::onNotice(Dialog& dialog, ControlId control, Notice notice
     find_.clear();
     const auto& index = CurrentDatabase(app_).record_index;
     const auto row = static_cast<std::size_t>(dialog.list(kRecordList).selectedRow());
-    if (row < index.size()) app_.current_record = index[row];
+    if (row < index.size()) app_.level().current_record = index[row];
   }
 }
 
@@ -191,10 +192,11 @@ void RecordListScreen::OpenListRecord(Dialog& dialog, bool as_new) {
   } else if (row > 0 && static_cast<std::size_t>(row) < index.size()) {
     record = index[static_cast<std::size_t>(row)];
   }
-  const std::uint32_t before = app_.current_record;
+  const std::uint32_t before = app_.level().current_record;
   ShowEditRecord(app_, dialog, record);
-  if (app_.current_record == kNewRecord) app_.current_record = before;  // it was not stored
-  app_.new_record = false;
+  if (app_.level().current_record == kNewRecord)
+    app_.level().current_record = before;  // it was not stored
+  app_.level().new_record = false;
   FillRecordList(dialog);
 }
 
@@ -262,7 +264,8 @@ bool RecordListScreen::QuickFindKey(Dialog& dialog, const KeyPress& key) {
     return false;
   }
   if (row) {
-    app_.current_record = CurrentDatabase(app_).record_index[static_cast<std::size_t>(*row)];
+    app_.level().current_record =
+        CurrentDatabase(app_).record_index[static_cast<std::size_t>(*row)];
     SelectListRow(dialog, *row);
   }
   return true;

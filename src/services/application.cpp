@@ -20,30 +20,31 @@ Application::Application(Platform& on)
     : platform(on), engine{.files = on.files, .clock = on.clock, .random = systemRandom()} {
   engine.message = [this](const std::string& text) { ShowEngineMessage(*this, text); };
   engine.steps.refresh = [this](Database& database) {
-    refreshRecordIndex(database, QuerySettingsOf(*this, database), nullptr, &current_record);
+    refreshRecordIndex(database, QuerySettingsOf(*this, database), nullptr,
+                       &level().current_record);
     return 1;
   };
   engine.steps.sort_and_rebuild = [this](Database& database) {
     sortAndRecompute(database, QuerySettingsOf(*this, database));
   };
   engine.steps.restore_current_record = [this](Database&, std::uint32_t number) {
-    current_record = number;
+    level().current_record = number;
   };
-  ResetCurrentSlot(*this);
+  LeaveLevel(*this);
 }
 
 Database& CurrentDatabase(Application& app) {
-  return *app.stack.current().database;
+  return *app.level().database;
 }
 
 bool IsDatabaseOpen(const Application& app) {
-  return app.stack.current().open;
+  return app.level().open;
 }
 
 void PrepareFormats(Application& app) {
   const Database& database = CurrentDatabase(app);
-  app.encoding = EncodingOf(app, database.schema);
-  app.formats = QuerySettingsOf(app, database).formats;
+  app.level().encoding = EncodingOf(app, database.schema);
+  app.level().formats = QuerySettingsOf(app, database).formats;
 }
 
 QuerySettings QuerySettingsOf(const Application& app, const Database& database) {
@@ -55,14 +56,11 @@ QuerySettings QuerySettingsOf(const Application& app, const Database& database) 
   return settings;
 }
 
-void ResetCurrentSlot(Application& app) {
-  StackSlot& slot = app.stack.current();
-  slot.open = false;
-  slot.lock.reset();
-  slot.file_version = 0;
-  slot.remembered.clear();
-  slot.database = std::make_unique<Database>();
-  initDatabase(*slot.database, app.engine);
+void LeaveLevel(Application& app) {
+  Level& level = app.level();
+  level = Level{};
+  level.database = std::make_unique<Database>();
+  initDatabase(*level.database, app.engine);
   PrepareFormats(app);
 }
 

@@ -29,23 +29,29 @@ inline constexpr int kDialogDone = 1;
 inline constexpr int kDialogClosed = 2;
 inline constexpr int kDialogAutoClosed = 10;
 
-// A database that screens work on. The lock is held from before the file is read until it is
-// closed, so no other program changes the file meanwhile.
-struct StackSlot {
+// A database and all that belongs to looking at it: nothing about a database is the program's.
+// Leaving a level is one function, LeaveLevel.
+struct Level {
   std::unique_ptr<Database> database;
+  // Held from before the file is read until it is closed, so no other program changes it meanwhile.
   std::unique_ptr<FileLock> lock;
   bool open = false;
   std::uint64_t file_version = 0;  // FileInfo::version of the file that was read or saved last
   Password remembered;             // deciphered it; kept while the preference for it is on
+  // From what the database carries, the preferences and the locale.
+  FormatSettings formats;
+  TextEncoding encoding = TextEncoding::utf8();
+  std::uint32_t current_record = 0;  // data record number, or kNewRecord
+  bool new_record = false;
 };
 
-// Slot 0 holds the database that the user opened, deeper ones those opened through a link.
+// Level 0 holds the database that the user opened, deeper ones those opened through a link.
 struct DatabaseStack {
-  std::array<StackSlot, kStackDepth> slots;
+  std::array<Level, kStackDepth> levels;
   int current_depth = 0;
 
-  StackSlot& current() { return slots[static_cast<std::size_t>(current_depth)]; }
-  const StackSlot& current() const { return slots[static_cast<std::size_t>(current_depth)]; }
+  Level& current() { return levels[static_cast<std::size_t>(current_depth)]; }
+  const Level& current() const { return levels[static_cast<std::size_t>(current_depth)]; }
 };
 
 class Screen;
@@ -68,23 +74,22 @@ enum class Closing {
 enum class ChangedFileChoice { kOverwrite, kKeepBoth, kCancel };
 
 struct Application {
-  // Slot 0 holds an empty database afterwards. `platform` must outlive this object.
+  // Level 0 holds an empty database afterwards. `platform` must outlive this object.
   explicit Application(Platform& platform);
   Application(const Application&) = delete;
   Application& operator=(const Application&) = delete;
+
+  // The one that screens work on.
+  Level& level() { return stack.current(); }
+  const Level& level() const { return stack.current(); }
 
   Platform& platform;
   Engine engine;
   DatabaseStack stack;
   Preferences preferences;
-  // Of the current database, from what it carries, the preferences and the locale.
-  FormatSettings formats;
-  TextEncoding encoding = TextEncoding::utf8();
   std::u16string category = kAllCategories;  // that the chooser shows
-  std::uint32_t current_record = 0;          // data record number, or kNewRecord
-  bool new_record = false;
-  bool record_screen_active = false;     // a screen above the chooser is open
-  std::vector<OpenDialog> open_dialogs;  // above the chooser, the top one last
+  bool record_screen_active = false;         // a screen above the chooser is open
+  std::vector<OpenDialog> open_dialogs;      // above the chooser, the top one last
   Closing closing = Closing::kNo;
   // How a save asks about a file that another program has changed; shows the question in a dialog.
   // Without it, and when nobody can be asked, both are kept.
@@ -97,14 +102,15 @@ struct Application {
 Database& CurrentDatabase(Application& app);
 bool IsDatabaseOpen(const Application& app);
 
-// Prepares `formats` and `encoding` anew; run when the preferences or the current database changed.
+// Prepares the level's formats and encoding anew; run when the preferences or its database changed.
 void PrepareFormats(Application& app);
 
 // What a query over this database takes from the preferences, the locale and the clock.
 QuerySettings QuerySettingsOf(const Application& app, const Database& database);
 
-// A fresh, empty database in the current slot, whose lock is released.
-void ResetCurrentSlot(Application& app);
+// Leaves the current level as the start of the program makes it: with a fresh, empty database, its
+// file released, nothing remembered.
+void LeaveLevel(Application& app);
 
 // Shows the hour-glass while it lives.
 class WaitCursor {

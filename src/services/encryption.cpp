@@ -88,7 +88,7 @@ int DecryptWholeDatabase(Application& app, const EncryptionPasswordPrompt& promp
       summary = DecryptRecords(database, key);
     }
     if (summary.failed == 0) {
-      if (app.preferences.auto_encrypt) app.stack.current().remembered = password;
+      if (app.preferences.auto_encrypt) app.level().remembered = password;
       MarkDeciphered(database.schema);
       return 1;
     }
@@ -101,7 +101,7 @@ bool EncryptWholeDatabase(Application& app, const EncryptionPasswordPrompt& prom
   if (!isKeptEnciphered(database) || !hasRecords(database, false)) return true;
   const bool alone = !prompt || app.closing == Closing::kSessionEnds;
   if (!alone && !acceptsOverlongValues(app, OverlongValues(database))) return false;
-  Password& remembered = app.stack.current().remembered;
+  Password& remembered = app.level().remembered;
   const Password taken = remembered;
   remembered.clear();
   if (app.preferences.auto_encrypt && isRemembered(taken) && encipherWith(app, taken)) return true;
@@ -132,7 +132,7 @@ bool PromptEncryptRecord(Application& app, Bytes& record, const EncryptionPasswo
   if (!HasFlaggedFields(database.schema)) return false;
   std::vector<OverlongRecordValue> overlong;
   for (const OverlongValue& value : OverlongValues(database.schema, record)) {
-    overlong.push_back({app.current_record, value});
+    overlong.push_back({app.level().current_record, value});
   }
   if (!acceptsOverlongValues(app, overlong)) return false;
   for (;;) {
@@ -151,7 +151,7 @@ bool PromptEncryptRecord(Application& app, Bytes& record, const EncryptionPasswo
     if (!EncryptRecordFields(
             database.schema, record, key, [&] { return NewStamp(database, app.engine); },
             enciphered)) {
-      sayTooLong(app, app.current_record);
+      sayTooLong(app, app.level().current_record);
       return false;
     }
     record.swap(enciphered);
@@ -163,7 +163,7 @@ bool PromptEncryptRecord(Application& app, Bytes& record, const EncryptionPasswo
 
 bool SaveEnciphered(Application& app, const std::function<bool()>& save) {
   Database& database = CurrentDatabase(app);
-  const Password& remembered = app.stack.current().remembered;
+  const Password& remembered = app.level().remembered;
   if (!app.preferences.auto_encrypt || !isRemembered(remembered) || !isKeptEnciphered(database) ||
       !hasRecords(database, false) || !encipherWith(app, remembered)) {
     return save();

@@ -46,10 +46,10 @@ bool mayOpen(Application& app, const DatabaseRecord& schema, const AccessPasswor
 
 bool readIntoSlot(Application& app, const std::string& path) {
   WaitCursor waiting(app);
-  StackSlot& slot = app.stack.current();
-  slot.database->path = path;
-  app.current_record = 0;
-  if (openDatabase(*slot.database, app.engine) != 1) return false;
+  Level& level = app.level();
+  level.database->path = path;
+  level.current_record = 0;
+  if (openDatabase(*level.database, app.engine) != 1) return false;
   PrepareFormats(app);
   return true;
 }
@@ -59,28 +59,29 @@ bool readIntoSlot(Application& app, const std::string& path) {
 int OpenDatabaseFile(Application& app, const std::string& path,
                      const AccessPasswordPrompt& ask_password) {
   if (const int probed = probe(app, path); probed != kOpened) return probed;
-  StackSlot& slot = app.stack.current();
+  Level& level = app.level();
   auto lock = app.platform.files.lock(path, kLockHolder);
   if (!lock.ok()) {
     ShowError(app, lock.error(), u"Open Database");
     return kOpenRefused;
   }
-  slot.lock = std::move(*lock);
+  level.lock = std::move(*lock);
   // Before anything is read, so that a change meanwhile is noticed too.
-  if (const auto info = app.platform.files.info(path); info.ok()) slot.file_version = info->version;
+  if (const auto info = app.platform.files.info(path); info.ok())
+    level.file_version = info->version;
   // The rights come first: nothing of a database that may not be opened reaches the screen. A
   // schema that cannot be read is left to the open itself, which says what is wrong.
   auto summary = std::make_unique<DatabaseSummary>();
   const bool readable = ReadDatabaseSummary(app, path, *summary);
   if (readable && !mayOpen(app, summary->schema, ask_password)) {
-    ResetCurrentSlot(app);
+    LeaveLevel(app);
     return kOpenRefused;
   }
   if (!readIntoSlot(app, path)) {
-    ResetCurrentSlot(app);
+    LeaveLevel(app);
     return kOpenRefused;
   }
-  slot.open = true;
+  level.open = true;
   RememberRecentFile(app, path);
   return kOpened;
 }
@@ -118,9 +119,7 @@ bool saveBeforeClosing(Application& app, AskBeforeSaving ask,
 bool CloseDatabase(Application& app, AskBeforeSaving ask, const EncryptionPasswordPrompt& prompt) {
   if (IsDatabaseOpen(app) && !saveBeforeClosing(app, ask, prompt)) return false;
   closeDatabase(CurrentDatabase(app));
-  ResetCurrentSlot(app);
-  app.current_record = 0;
-  app.new_record = false;
+  LeaveLevel(app);
   return true;
 }
 
@@ -128,7 +127,7 @@ void CloseAllDatabases(Application& app, const EncryptionPasswordPrompt& prompt)
   while (IsDatabaseOpen(app)) {
     if (!CloseDatabase(app, AskBeforeSaving::kNo, prompt)) {
       if (app.closing != Closing::kSessionEnds) continue;  // another attempt
-      ResetCurrentSlot(app);                               // there is no time left for one
+      LeaveLevel(app);                                     // there is no time left for one
     }
     if (app.stack.current_depth > 0) --app.stack.current_depth;
   }

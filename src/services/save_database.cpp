@@ -15,15 +15,15 @@ bool write(Application& app) {
   Database& database = CurrentDatabase(app);
   const bool was_dirty = isDirty(database);
   WaitCursor waiting(app);
-  if (app.current_record < database.records.count()) {
+  if (app.level().current_record < database.records.count()) {
     database.schema.current_record_index =
-        static_cast<std::uint16_t>(app.current_record + kSchemaRecords);
-  } else if (app.current_record != kNewRecord) {
+        static_cast<std::uint16_t>(app.level().current_record + kSchemaRecords);
+  } else if (app.level().current_record != kNewRecord) {
     database.schema.current_record_index = 0;
   }
   if (SaveEnciphered(app, [&] { return saveDatabase(database, app.engine) == 1; })) {
     const auto info = app.platform.files.info(database.path);
-    app.stack.current().file_version = info.ok() ? info->version : 0;
+    app.level().file_version = info.ok() ? info->version : 0;
     return true;
   }
   if (was_dirty) setDirty(database);
@@ -46,13 +46,13 @@ bool writeBeside(Application& app) {
   const std::string name = areaText(old_name);
   database.path = path;
   setAreaText(database.header.name,
-              std::string(app.encoding.cut(name, kNameSize - 1 - ending.size())) + ending);
+              std::string(app.level().encoding.cut(name, kNameSize - 1 - ending.size())) + ending);
   if (!write(app)) {
     database.path = old_path;
     database.header.name = old_name;
     return false;
   }
-  app.stack.current().lock = std::move(*lock);
+  app.level().lock = std::move(*lock);
   return true;
 }
 
@@ -60,7 +60,7 @@ bool writeBeside(Application& app) {
 
 bool FileWasChanged(Application& app) {
   const auto info = app.platform.files.info(CurrentDatabase(app).path);
-  return info.ok() && info->version != app.stack.current().file_version;
+  return info.ok() && info->version != app.level().file_version;
 }
 
 SaveTarget ChooseSaveTarget(Application& app) {

@@ -11,10 +11,10 @@ TextEncoding EncodingOf(const Application& app, const DatabaseRecord& schema) {
 }
 
 Result<std::string> StoredText(const Application& app, std::u16string_view shown) {
-  Encoded stored = app.encoding.fromUtf16(shown);
+  Encoded stored = app.level().encoding.fromUtf16(shown);
   if (stored.ok()) return std::move(stored.bytes);
   return makeError(ErrorKind::kInvalid,
-                   "cannot be stored: " + describeFault(*stored.fault, app.encoding));
+                   "cannot be stored: " + describeFault(*stored.fault, app.level().encoding));
 }
 
 }  // namespace tabelion

@@ -14,13 +14,13 @@ TextEncoding EncodingOf(const Application& app, const DatabaseRecord& schema);
 
 // A text of the current database.
 inline std::u16string ScreenText(const Application& app, std::string_view stored) {
-  return app.encoding.toUtf16(stored);
+  return app.level().encoding.toUtf16(stored);
 }
 // The other way round; the error ends a sentence about the value.
 Result<std::string> StoredText(const Application& app, std::u16string_view shown);
 // Whether a character that is typed can be stored.
 inline bool CanStore(const Application& app, char32_t character) {
-  return app.encoding.canEncode(character);
+  return app.level().encoding.canEncode(character);
 }
 
 // Paths, settings and error values are UTF-8.

@@ -78,8 +78,8 @@ void MainWindow::HandleOpenFile(Dialog& dialog, const std::string& path) {
 }
 
 bool MainWindow::IsOpen(const std::string& path) const {
-  return std::any_of(app_.stack.slots.begin(), app_.stack.slots.end(), [&](const StackSlot& slot) {
-    return slot.open && slot.database->path == path;
+  return std::any_of(app_.stack.levels.begin(), app_.stack.levels.end(), [&](const Level& level) {
+    return level.open && level.database->path == path;
   });
 }
 

@@ -127,11 +127,11 @@ TEST(OpenDatabase, ClosingAsksOnlyWhenThereIsSomethingToSave) {
   app.preferences.auto_save_on_close = true;
   ASSERT_EQ(OpenDatabaseFile(app, path, neverAsked), kOpened);
   setDirty(CurrentDatabase(app));
-  app.current_record = 1;
+  app.level().current_record = 1;
   EXPECT_TRUE(CloseDatabase(app, AskBeforeSaving::kYes));
   EXPECT_EQ(world.read(path)->schema.current_record_index, 1 + kSchemaRecords);
   ASSERT_EQ(OpenDatabaseFile(app, path, neverAsked), kOpened);
-  EXPECT_EQ(app.current_record, 1u);
+  EXPECT_EQ(app.level().current_record, 1u);
 }
 
 TEST(OpenDatabase, DamagedFileIsExplainedAndLeavesTheSlotEmpty) {
