@@ -4,8 +4,8 @@
 
 #include "cli/command.h"
 #include "cli/context.h"
-#include "cli/field_choice.h"
 #include "engine/schema_places.h"
+#include "interchange/words/field_choice.h"
 #include "security/database_encryption.h"
 
 namespace tabelion {

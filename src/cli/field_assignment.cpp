@@ -6,8 +6,8 @@
 
 #include <fmt/format.h>
 
-#include "cli/field_choice.h"
 #include "interchange/cell_text.h"
+#include "interchange/words/field_choice.h"
 #include "query/field_text.h"
 #include "query/field_value.h"
 

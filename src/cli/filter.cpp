@@ -5,8 +5,8 @@
 
 #include "cli/command.h"
 #include "cli/context.h"
-#include "cli/filter_words.h"
 #include "cli/json_output.h"
+#include "interchange/words/filter_words.h"
 #include "query/record_index.h"
 
 namespace tabelion {

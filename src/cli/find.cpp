@@ -4,10 +4,10 @@
 
 #include "cli/command.h"
 #include "cli/context.h"
-#include "cli/field_choice.h"
 #include "cli/row_output.h"
 #include "cli/shown_records.h"
 #include "engine/schema_places.h"
+#include "interchange/words/field_choice.h"
 #include "query/find.h"
 #include "query/list_columns.h"
 

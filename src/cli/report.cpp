@@ -7,9 +7,9 @@
 
 #include "cli/command.h"
 #include "cli/context.h"
-#include "cli/field_choice.h"
 #include "cli/json_output.h"
 #include "engine/schema_places.h"
+#include "interchange/words/field_choice.h"
 #include "query/report.h"
 
 namespace tabelion {

@@ -2,9 +2,9 @@
 
 #include <fmt/format.h>
 
-#include "cli/filter_words.h"
-#include "cli/sort_choice.h"
-#include "cli/view_choice.h"
+#include "interchange/words/filter_words.h"
+#include "interchange/words/sort_choice.h"
+#include "interchange/words/view_choice.h"
 #include "query/record_index.h"
 #include "query/view.h"
 

@@ -2,8 +2,8 @@
 
 #include "cli/command.h"
 #include "cli/context.h"
-#include "cli/sort_choice.h"
 #include "engine/file_header.h"
+#include "interchange/words/sort_choice.h"
 #include "query/record_index.h"
 
 namespace tabelion {

@@ -3,8 +3,8 @@
 #include <fmt/format.h>
 
 #include "cli/command.h"
-#include "cli/view_choice.h"
 #include "cli/view_command.h"
+#include "interchange/words/view_choice.h"
 #include "query/view.h"
 
 namespace tabelion {

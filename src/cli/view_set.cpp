@@ -4,8 +4,8 @@
 
 #include <fmt/format.h>
 
-#include "cli/field_choice.h"
 #include "cli/view_command.h"
+#include "interchange/words/field_choice.h"
 #include "query/view.h"
 
 namespace tabelion {

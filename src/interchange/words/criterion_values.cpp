@@ -1,4 +1,4 @@
-#include "cli/filter_values.h"
+#include "interchange/words/criterion_values.h"
 
 #include <charconv>
 

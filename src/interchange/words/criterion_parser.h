@@ -1,9 +1,9 @@
 // The part of a condition behind the field: operator and value.
 #pragma once
 
-#include "cli/word_reader.h"
 #include "engine/database.h"
 #include "interchange/text_encoding.h"
+#include "interchange/words/word_reader.h"
 
 namespace tabelion {
 

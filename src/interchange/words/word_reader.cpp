@@ -1,4 +1,4 @@
-#include "cli/word_reader.h"
+#include "interchange/words/word_reader.h"
 
 #include <algorithm>
 

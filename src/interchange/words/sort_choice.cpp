@@ -1,8 +1,8 @@
-#include "cli/sort_choice.h"
+#include "interchange/words/sort_choice.h"
 
 #include <fmt/format.h>
 
-#include "cli/field_choice.h"
+#include "interchange/words/field_choice.h"
 
 namespace tabelion {
 namespace {

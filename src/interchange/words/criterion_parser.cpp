@@ -1,12 +1,12 @@
-#include "cli/filter_value_parser.h"
+#include "interchange/words/criterion_parser.h"
 
 #include <algorithm>
 
 #include <fmt/format.h>
 
-#include "cli/filter_values.h"
 #include "interchange/cell_text.h"
 #include "interchange/hex.h"
+#include "interchange/words/criterion_values.h"
 #include "query/date_range.h"
 #include "query/filter.h"
 #include "query/near_names.h"

@@ -1,8 +1,8 @@
-#include "cli/view_choice.h"
+#include "interchange/words/view_choice.h"
 
 #include <fmt/format.h>
 
-#include "cli/field_choice.h"
+#include "interchange/words/field_choice.h"
 #include "query/text_case.h"
 #include "query/view.h"
 

@@ -1,4 +1,4 @@
-#include "cli/field_choice.h"
+#include "interchange/words/field_choice.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "cli/filter_words.h"
+#include "interchange/words/filter_words.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -4,10 +4,10 @@
 
 #include <fmt/format.h>
 
-#include "cli/field_choice.h"
-#include "cli/filter_value_parser.h"
-#include "cli/filter_values.h"
-#include "cli/filter_words.h"
+#include "interchange/words/criterion_parser.h"
+#include "interchange/words/criterion_values.h"
+#include "interchange/words/field_choice.h"
+#include "interchange/words/filter_words.h"
 
 namespace tabelion {
 namespace {

@@ -1,12 +1,12 @@
-#include "cli/filter_words.h"
+#include "interchange/words/filter_words.h"
 
 #include <algorithm>
 
 #include <fmt/format.h>
 
-#include "cli/filter_values.h"
 #include "interchange/cell_text.h"
 #include "interchange/hex.h"
+#include "interchange/words/criterion_values.h"
 #include "query/date_range.h"
 #include "query/number_text.h"
 
