@@ -8,10 +8,12 @@
 #include "interchange/hex.h"
 #include "interchange/words/criterion_values.h"
 #include "query/date_range.h"
+#include "query/date_text.h"
 #include "query/filter.h"
 #include "query/near_names.h"
 #include "query/number_text.h"
 #include "query/text_case.h"
+#include "query/time_text.h"
 #include "query/typed_tokens.h"
 
 namespace tabelion {
@@ -105,6 +107,8 @@ class ValueParser {
     words_.fail(operator_at_, fmt::format("this field takes {}", what));
   }
 
+  bool isDate() const { return kind_ == CriterionKind::kDate || kind_ == CriterionKind::kDays; }
+
   // What is left, in quotes or without.
   std::string readAll() {
     if (auto quoted = words_.readQuoted()) return *quoted;
@@ -167,51 +171,63 @@ class ValueParser {
     criterion_.number1 = static_cast<std::uint32_t>(leadingInteger(byte));
     if (isDigits(byte, 3)) return;
     words_.seek(begin);
-    words_.expected(expectedValue(kind_));
+    words_.expected(expectedValue(kind_, formats_));
   }
 
   std::string readNumber() {
     words_.skipBlanks();
     const std::size_t begin = words_.at();
-    const std::string number(words_.readToken());
-    if (isDecimalNumber(number) && number.size() < criterion_.value1.size()) return number;
+    if (auto number = numberOfWords(words_.readToken(), formats_)) return *number;
     words_.seek(begin);
-    words_.expected(expectedValue(kind_));
+    words_.expected(expectedValue(kind_, formats_));
+    return "0";
+  }
+
+  std::string readBeyond(bool upwards) {
+    words_.skipBlanks();
+    const std::size_t begin = words_.at();
+    if (auto next = nextNumber(readNumber(), upwards)) return *next;
+    words_.fail(begin, "no value is beyond this one");
     return {};
   }
 
   void readNumbers(Comparison comparison) {
-    std::string low(kBelowAllNumbers);
-    std::string high(kAboveAllNumbers);
+    NumberRange range;
     switch (comparison) {
       case Comparison::kIs:
-        low = high = readNumber();
+        range.low = range.high = readNumber();
         break;
       case Comparison::kAtMost:
-        high = readNumber();
+        range.high = readNumber();
         break;
       case Comparison::kAtLeast:
-        low = readNumber();
+        range.low = readNumber();
+        break;
+      case Comparison::kBelow:
+        range.high = readBeyond(false);
+        break;
+      case Comparison::kAbove:
+        range.low = readBeyond(true);
         break;
       case Comparison::kBetween:
-        low = readNumber();
+        range.low = readNumber();
         if (!words_.readWords("and")) return words_.expected("\"and\"");
-        high = readNumber();
+        range.high = readNumber();
         break;
       default:
-        return refuse("\"between\", \"=\", \"<=\" or \">=\"");
+        return refuse("\"between\", \"=\", \"<=\", \">=\", \"<\" or \">\"");
     }
-    setAreaText(criterion_.value1, low);
-    setAreaText(criterion_.value2, high);
+    storeNumbers(range, criterion_);
   }
 
   std::int64_t readWhole() {
-    if (kind_ == CriterionKind::kTime && words_.readWords("no time")) return kNoTimeSeconds;
+    if (kind_ == CriterionKind::kTime && words_.readWords(kNoTimeText)) return kNoTimeSeconds;
+    if (isDate() && words_.readWords(kNoDateText)) return 0;
     words_.skipBlanks();
     const std::size_t begin = words_.at();
-    if (const auto value = wholeOfText(kind_, words_.readToken())) return *value;
+    if (const auto value = wholeOfText(kind_, words_.readToken(), formats_)) return *value;
     words_.seek(begin);
-    words_.expected(expectedValue(kind_));
+    words_.expected(expectedValue(kind_, formats_));
     return 0;
   }
 
@@ -257,9 +273,8 @@ class ValueParser {
 
   // "empty" and, for dates, the named ranges.
   bool readWithoutValue() {
-    const bool is_date = kind_ == CriterionKind::kDate || kind_ == CriterionKind::kDays;
     const bool is_time = kind_ == CriterionKind::kTime;
-    if ((is_date && (words_.readWords("empty") || words_.readWords("no date"))) ||
+    if ((isDate() && (words_.readWords("empty") || words_.readWords("no date"))) ||
         (is_time && (words_.readWords("empty") || words_.readWords("no time")))) {
       if (kind_ == CriterionKind::kDate) criterion_.number1 = kNoDateRange;
       if (is_time) criterion_.value1[2] = kNoTimeHour;
@@ -286,7 +301,7 @@ class ValueParser {
     const std::string_view number = words_.readToken();
     const std::string_view unit = name.substr(x + 3);
     if (!words_.readWords(unit) && !words_.readWords(unit.substr(0, unit.size() - 1))) return false;
-    const auto value = wholeOfText(CriterionKind::kInteger, number);
+    const auto value = wholeOfText(CriterionKind::kInteger, number, formats_);
     criterion_.number2 = static_cast<std::uint32_t>(value.value_or(0));
     return value.has_value();
   }
@@ -296,6 +311,7 @@ class ValueParser {
   const TextEncoding& encoding_;
   FilterBlock& criterion_;
   CriterionKind kind_;
+  FormatSettings formats_ = isoSettings();
   std::size_t operator_at_ = 0;
 };
 

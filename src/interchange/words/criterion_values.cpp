@@ -1,13 +1,17 @@
 #include "interchange/words/criterion_values.h"
 
+#include <algorithm>
 #include <charconv>
+#include <cmath>
 
 #include <fmt/format.h>
 
 #include "engine/calendar.h"
 #include "engine/schema_places.h"
+#include "interchange/cell_text.h"
 #include "query/date_text.h"
 #include "query/number_text.h"
+#include "query/text_case.h"
 #include "query/time_text.h"
 #include "query/typed_tokens.h"
 
@@ -22,14 +26,43 @@ std::int64_t secondsIn(const Area& area) {
   return area[0] + 60 * (area[1] + 60 * std::int64_t{area[2]});
 }
 
-void storeSeconds(std::int64_t seconds, Area& area) {
-  area = {static_cast<std::uint8_t>(seconds % 60), static_cast<std::uint8_t>(seconds / 60 % 60),
-          static_cast<std::uint8_t>(seconds / 3600)};
+TimeValue timeOfSeconds(std::int64_t seconds) {
+  return {static_cast<std::uint8_t>(seconds % 60), static_cast<std::uint8_t>(seconds / 60 % 60),
+          static_cast<std::uint8_t>(seconds / 3600), 0};
 }
 
-const FormatSettings& iso() {
-  static const FormatSettings settings = isoSettings();
-  return settings;
+void storeSeconds(std::int64_t seconds, Area& area) {
+  const TimeValue time = timeOfSeconds(seconds);
+  area = {time.second, time.minute, time.hour};
+}
+
+// Years of less than four digits are read where they stand last, as people abbreviate them there.
+bool hasWholeYear(std::string_view text, const FormatSettings& formats) {
+  const TypedDateForm form = typedDateForm(formats.choices.date_format);
+  return form.order != DateOrder::kYearMonthDay || text.find(form.separator) == 4;
+}
+
+std::optional<std::int64_t> daysOfText(std::string_view text, const FormatSettings& formats) {
+  if (compareAnyCase(text, kNoDateText) == 0) return 0;
+  if (text.empty() || !hasWholeYear(text, formats)) return std::nullopt;
+  const auto date = exactDateOfText(text, formats);
+  if (!date) return std::nullopt;
+  return daysSince1904(date->month, date->day, date->year);
+}
+
+std::optional<std::int64_t> secondsOfText(std::string_view text, const FormatSettings& formats) {
+  if (compareAnyCase(text, kNoTimeText) == 0) return kNoTimeSeconds;
+  if (!isDigits(text.substr(0, 1), 1) || !isExactTime(text, formats)) return std::nullopt;
+  const TypedTime time = timeOfText(text, formats);
+  return (time.hour * 60 + time.minute) * 60 + (time.second < 0 ? 0 : time.second);
+}
+
+// With a point, as conditions are read, whatever the text of the criterion has.
+std::string pointNumber(const Area& area) {
+  std::string text = areaText(area);
+  std::replace(text.begin(), text.end(), ',', '.');
+  if (isDecimalNumber(text)) return text;
+  return fmt::format("{}", numberOfText(text, false));
 }
 
 std::optional<std::int64_t> secondsOfDuration(std::string_view text) {
@@ -140,16 +173,17 @@ void storeRange(CriterionKind kind, const WholeRange& range, FilterBlock& criter
   }
 }
 
-std::string wholeText(CriterionKind kind, std::int64_t value) {
+std::string wholeText(CriterionKind kind, std::int64_t value, const FormatSettings& formats) {
+  std::string text;
   switch (kind) {
     case CriterionKind::kDate:
-    case CriterionKind::kDays: {
-      const CalendarDate date = dateOfDayCount(static_cast<std::uint32_t>(value));
-      return fmt::format("{:04}-{:02}-{:02}", date.year, date.month, date.day);
-    }
+    case CriterionKind::kDays:
+      appendDate(text, static_cast<std::uint32_t>(value), formats.edit_date);
+      return text;
     case CriterionKind::kTime:
       if (value >= kNoTimeSeconds) return std::string(kNoTimeText);
-      return fmt::format("{:02}:{:02}:{:02}", value / 3600, value / 60 % 60, value % 60);
+      appendTime(text, timeOfSeconds(value), formats.edit_time);
+      return text;
     case CriterionKind::kDuration:
       return durationText(value);
     default:
@@ -157,20 +191,14 @@ std::string wholeText(CriterionKind kind, std::int64_t value) {
   }
 }
 
-std::optional<std::int64_t> wholeOfText(CriterionKind kind, std::string_view text) {
+std::optional<std::int64_t> wholeOfText(CriterionKind kind, std::string_view text,
+                                        const FormatSettings& formats) {
   switch (kind) {
     case CriterionKind::kDate:
-    case CriterionKind::kDays: {
-      if (text.find('-') != 4) return std::nullopt;
-      const auto date = exactDateOfText(text, iso());
-      if (!date) return std::nullopt;
-      return daysSince1904(date->month, date->day, date->year);
-    }
-    case CriterionKind::kTime: {
-      if (!isDigits(text.substr(0, 1), 1) || !isExactTime(text, iso())) return std::nullopt;
-      const TypedTime time = timeOfText(text, iso());
-      return (time.hour * 60 + time.minute) * 60 + (time.second < 0 ? 0 : time.second);
-    }
+    case CriterionKind::kDays:
+      return daysOfText(text, formats);
+    case CriterionKind::kTime:
+      return secondsOfText(text, formats);
     case CriterionKind::kDuration: {
       const auto seconds = secondsOfDuration(text);
       return seconds && *seconds <= kLongestDuration ? seconds : std::nullopt;
@@ -188,14 +216,40 @@ std::optional<std::int64_t> wholeOfText(CriterionKind kind, std::string_view tex
   }
 }
 
-std::string_view expectedValue(CriterionKind kind) {
+NumberRange storedNumbers(const FilterBlock& criterion) {
+  return {pointNumber(criterion.value1), pointNumber(criterion.value2)};
+}
+
+void storeNumbers(const NumberRange& range, FilterBlock& criterion) {
+  setAreaText(criterion.value1, range.low);
+  setAreaText(criterion.value2, range.high);
+}
+
+std::optional<std::string> numberOfWords(std::string_view text, const FormatSettings& formats) {
+  std::string number(text);
+  if (formats.choices.decimal_comma) std::replace(number.begin(), number.end(), ',', '.');
+  if (!isDecimalNumber(number) || number.size() >= Area{}.size()) return std::nullopt;
+  return number;
+}
+
+std::optional<std::string> nextNumber(const std::string& number, bool upwards) {
+  const double most = upwards ? HUGE_VAL : -HUGE_VAL;
+  const double next = std::nextafter(numberOfText(number, false), most);
+  if (!std::isfinite(next)) return std::nullopt;
+  return fmt::format("{}", next == 0 ? 0.0 : next);  // never "-0"
+}
+
+std::string expectedValue(CriterionKind kind, const FormatSettings& formats) {
+  const std::uint32_t some_day = daysSince1904(5, 17, 2024);
+  constexpr std::int64_t kSomeTime = (17 * 60 + 5) * 60;
   switch (kind) {
     case CriterionKind::kDate:
-      return "a date such as 2024-05-17, or a range such as \"last 30 days\"";
+      return fmt::format("a date such as {}, or a range such as \"last 30 days\"",
+                         wholeText(kind, some_day, formats));
     case CriterionKind::kDays:
-      return "a date such as 2024-05-17";
+      return "a date such as " + wholeText(kind, some_day, formats);
     case CriterionKind::kTime:
-      return "a time such as 17:05";
+      return "a time such as " + wholeText(kind, kSomeTime, formats);
     case CriterionKind::kDuration:
       return "a duration such as 1:30:00";
     case CriterionKind::kInteger:
@@ -203,7 +257,7 @@ std::string_view expectedValue(CriterionKind kind) {
     case CriterionKind::kAutoNumber:
       return "a whole number from 0 to 4294967295";
     case CriterionKind::kNumber:
-      return "a number such as 12.50";
+      return formats.choices.decimal_comma ? "a number such as 12,50" : "a number such as 12.50";
     case CriterionKind::kCheckBox:
       return "\"checked\" or \"unchecked\"";
     default:

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "engine/database_record.h"
+#include "query/format_settings.h"
 
 namespace tabelion {
 
@@ -46,10 +47,27 @@ WholeRange storedRange(CriterionKind kind, const FilterBlock& criterion);
 void storeRange(CriterionKind kind, const WholeRange& range, FilterBlock& criterion);
 
 // A whole number as people write it in a field of this kind: 12, 2024-05-17, 17:05 or 17:05:09,
-// 100:00:00.
-std::string wholeText(CriterionKind kind, std::int64_t value);
-std::optional<std::int64_t> wholeOfText(CriterionKind kind, std::string_view text);
+// 100:00:00. Dates and times are in the form that these settings read (isoSettings() at the command
+// line, the user's on screens); no date and no time are "NO DATE" and "No Time". Only a text that
+// is a value just as it stands is read.
+std::string wholeText(CriterionKind kind, std::int64_t value, const FormatSettings& formats);
+std::optional<std::int64_t> wholeOfText(CriterionKind kind, std::string_view text,
+                                        const FormatSettings& formats);
+
+// Numbers between these texts, both ends included; with a point, and short enough for a criterion.
+struct NumberRange {
+  std::string low{kBelowAllNumbers};
+  std::string high{kAboveAllNumbers};
+};
+NumberRange storedNumbers(const FilterBlock& criterion);
+void storeNumbers(const NumberRange& range, FilterBlock& criterion);
+// A number with a point, or with a comma where these settings have one; none for any other text.
+std::optional<std::string> numberOfWords(std::string_view text, const FormatSettings& formats);
+// The number next to this one, upwards or downwards, with which "greater" and "less" become "at
+// least" and "at most"; none where there is no further one.
+std::optional<std::string> nextNumber(const std::string& number, bool upwards);
+
 // For messages: "a date such as 2024-05-17".
-std::string_view expectedValue(CriterionKind kind);
+std::string expectedValue(CriterionKind kind, const FormatSettings& formats);
 
 }  // namespace tabelion

@@ -5,6 +5,9 @@
 #include <fmt/format.h>
 
 #include "engine/schema_places.h"
+#include "interchange/words/criterion_values.h"
+#include "query/report.h"
+#include "query/sort_fields.h"
 #include "query/text_case.h"
 
 namespace tabelion {
@@ -50,7 +53,54 @@ Error unknownField(std::string_view name, const std::vector<NamedField>& fields)
   return makeError(ErrorKind::kInvalid, text);
 }
 
+bool isSearched(const FieldDefinition& field) {
+  switch (field.type) {
+    case kUnused:
+    case kNote:
+    case kLinkedField:
+    case kSeparator:
+    case kExternal:
+      return false;
+    default:
+      return isValidType(field.type);
+  }
+}
+
+bool hasUse(const Database& database, int slot, FieldUse use) {
+  const FieldDefinition& field = database.schema.fields[static_cast<std::size_t>(slot)];
+  switch (use) {
+    case FieldUse::kAnything:
+      return true;
+    case FieldUse::kFilter:
+      return criterionKind(field) != CriterionKind::kNothing;
+    case FieldUse::kSort:
+      return isSortable(database, slot);
+    case FieldUse::kReport:
+      break;
+    case FieldUse::kFind:
+      return isSearched(field);
+  }
+  return false;
+}
+
 }  // namespace
+
+std::vector<int> fieldsFor(const Database& database, FieldUse use) {
+  if (use == FieldUse::kReport) return reportFields(database.schema);
+  std::vector<int> slots;
+  for (int slot = 0; slot < kFieldSlots; ++slot) {
+    if (!isValidType(database.schema.fields[static_cast<std::size_t>(slot)].type)) continue;
+    if (hasUse(database, slot, use)) slots.push_back(slot);
+  }
+  return slots;
+}
+
+std::string fieldLabel(const Database& database, const TextEncoding& encoding, int slot) {
+  for (NamedField& field : namedFields(database.schema, encoding)) {
+    if (field.slot == slot) return std::move(field.name);
+  }
+  return {};
+}
 
 Result<int> chooseField(const Database& database, const TextEncoding& encoding,
                         std::string_view name) {

@@ -1,4 +1,4 @@
-// How commands name fields.
+// Which fields there are to choose from, and how people name them.
 #pragma once
 
 #include <string>
@@ -11,6 +11,20 @@
 #include "query/near_names.h"
 
 namespace tabelion {
+
+// What a field is chosen for.
+enum class FieldUse : unsigned char {
+  kAnything,  // every field of a valid type
+  kFilter,    // records can be filtered by it
+  kSort,      // its type sorts, it is not enciphered, and no other record has a part in it
+  kReport,    // there are figures of it
+  kFind,      // a search looks into it
+};
+// The slots of the fields that can be used so, in field order.
+std::vector<int> fieldsFor(const Database& database, FieldUse use);
+
+// The name of a field as chooseField takes it (UTF-8); empty for a slot that is not in use.
+std::string fieldLabel(const Database& database, const TextEncoding& encoding, int slot);
 
 // The slot of the field with this name (UTF-8): exactly, else in any case of its ASCII letters.
 // Fields that share a name are told apart as the columns of an export are, "NAME #SLOT". The error

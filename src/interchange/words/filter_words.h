@@ -3,7 +3,7 @@
 //   [and | or] [(] [not] FIELD OPERATOR VALUE [)]
 //
 //   text, link          contains TEXT · is empty
-//   integer, number     between A and B · = · <= · >= · (whole numbers) < · >
+//   integer, number     between A and B · = · <= · >= · < · >
 //   pop-up              is ITEM · is empty
 //   check box           is checked · is unchecked
 //   date                is RANGE, as "is last 30 days" · between · = · <= · >= · < · > · is empty

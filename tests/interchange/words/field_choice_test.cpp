@@ -60,5 +60,20 @@ TEST_F(FieldChoice, ListsAreSplitAtCommasThatAreNotInAName) {
   EXPECT_FALSE(chooseFields(database, encoding, "name,").ok());
 }
 
+TEST_F(FieldChoice, ListsHaveTheFieldsThatCanBeUsed) {
+  const auto change = [&](std::size_t at, int type) { database.schema.fields[at].type = type; };
+  change(1, kNote);
+  change(3, kFloat);
+  change(4, kLookup);
+  change(7, kSeparator);
+  database.schema.fields[8].encrypt_flag = 1;
+  EXPECT_THAT(fieldsFor(database, FieldUse::kAnything), ElementsAre(0, 1, 3, 4, 7, 8));
+  EXPECT_THAT(fieldsFor(database, FieldUse::kFilter), ElementsAre(0, 3, 8));
+  EXPECT_THAT(fieldsFor(database, FieldUse::kSort), ElementsAre(0, 3, 4));
+  EXPECT_THAT(fieldsFor(database, FieldUse::kReport), ElementsAre(3));
+  EXPECT_THAT(fieldsFor(database, FieldUse::kFind), ElementsAre(0, 3, 4, 8));
+  EXPECT_EQ(fieldLabel(database, encoding, 8), "Same #8");
+}
+
 }  // namespace
 }  // namespace tabelion

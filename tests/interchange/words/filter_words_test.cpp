@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "engine/schema_places.h"
+#include "interchange/words/criterion_words.h"
 
 namespace tabelion {
 namespace {
@@ -79,6 +80,9 @@ TEST_F(FilterWords, EveryCriterionCanBeSaidAndReadsBackTheSame) {
       {"Price <= 12.5", ""},
       {"Price >= -3", ""},
       {"Price is 4", "Price = 4"},
+      {"Price > 5", ""},
+      {"Price<0", "Price < 0"},
+      {"Price < 1e300", "Price < 1e+300"},
       {"Kind is salt AND pepper", "Kind is \"Salt and pepper\""},
       {"Kind is empty", "Kind is \"Empty\""},
       {"Kind is ?0900000000000000000000000000", ""},
@@ -96,6 +100,7 @@ TEST_F(FilterWords, EveryCriterionCanBeSaidAndReadsBackTheSame) {
       {"Bought = 2024-05-17", ""},
       {"Bought < 2024-05-17", "Bought <= 2024-05-16"},
       {"Bought >= 2024-05-17", ""},
+      {"Bought between no date and 2024-05-17", "Bought between NO DATE and 2024-05-17"},
       {"At between 08:00 and 17:30:59", "At between 08:00:00 and 17:30:59"},
       {"At >= 8:15", "At >= 08:15:00"},
       {"At < 12:00", "At <= 11:59:59"},
@@ -159,14 +164,16 @@ TEST_F(FilterWords, RefusalsNameThePlaceAndWhatIsExpected) {
        "character 8: a whole number from -2147483648 to 2147483647 is "
        "expected, not \"2147483648\""},
       {"Year < -2147483648", "character 8: no value is beyond this one"},
-      {"Price < 5", "character 7: this field takes \"between\", \"=\", \"<=\" or \">=\""},
+      {"Price contains 5",
+       "character 7: this field takes \"between\", \"=\", \"<=\", \">=\", \"<\" or \">\""},
+      {"Price > 1.7976931348623157e308", "character 9: no value is beyond this one"},
       {"Price >= 1,5", "character 10: a number such as 12.50 is expected, not \"1,5\""},
       {"Kind is See", "character 9: \"See\" is not an item of the list; there is \"Sea\""},
       {"Bought is last X days",
        "character 11: a date such as 2024-05-17, or a range such as "
        "\"last 30 days\" is expected, not \"last X days\""},
       {"Bought = 2023-02-29", "not \"2023-02-29\""},
-      {"At = 24:00", "character 6: a time such as 17:05 is expected, not \"24:00\""},
+      {"At = 24:00", "character 6: a time such as 17:05:00 is expected, not \"24:00\""},
       {"Lent for <= 1:00:00", "character 10: this field takes \"between\" or \"=\""},
       {"Note contains x", "character 1: records cannot be filtered by a field of type note"},
       {"and Year = 1", "character 1: there is no condition before this one"},
@@ -189,6 +196,51 @@ TEST_F(FilterWords, RefusalsNameThePlaceAndWhatIsExpected) {
   }
   const std::vector<std::string> seven(7, "Year = 1");
   EXPECT_THAT(readAll(seven).front(), EndsWith("character 1: a filter has at most 6 conditions"));
+}
+
+// How a dialog has a criterion: words and boxes in the user's own formats.
+TEST_F(FilterWords, BoxesHoldWhatWasTypedInTheUsersFormats) {
+  FormatChoices choices{1, 0, true};  // day/month/year, 12 hours, decimal comma
+  const FormatSettings formats = makeFormatSettings(choices, LocaleInfo{});
+  const struct {
+    std::uint16_t slot;
+    CriterionTexts typed;
+    std::string words;  // or the fault, with the box in which it is
+    CriterionTexts shown = {};
+  } cases[] = {
+      {0, {"Käse", ""}, "contains \"Käse\"", {"Käse", ""}},
+      {0, {"", ""}, "is empty"},
+      {0, {"Нина", ""}, "1: \"Н\" (U+041D) is not in CP1252"},
+      {1, {"-5", ""}, ">= -5", {"-5", ""}},
+      {1, {"7", "5"}, "2: nothing lies between 7 and 5"},
+      {1, {"", "5x"}, "2: \"5x\" is not a whole number from -2147483648 to 2147483647"},
+      {2, {"1,5", "2.25"}, "between 1,5 and 2,25", {"1,5", "2,25"}},
+      {2, {"zwei", ""}, "1: \"zwei\" is not a number such as 12,50"},
+      {5, {"31/12/1999", "1/2/05"}, "between 31/12/1999 and 1/2/2005", {"31/12/1999", "1/2/2005"}},
+      {5, {"", "12/31/1999"}, "2: \"12/31/1999\" is not a date such as 17/5/2024"},
+      {6, {"8:15AM", "5:05:09pm"}, "between 8:15:00AM and 5:05:09PM", {"8:15:00AM", "5:05:09PM"}},
+      {6, {"17:05", ""}, "1: \"17:05\" is not a time such as 5:05:00PM"},
+      {8, {"1:30:00", ""}, "between 1:30:00 and 254:59:59", {"1:30:00", ""}},
+  };
+  for (const auto& [slot, typed, words, shown] : cases) {
+    const CriterionKind kind = criterionKind(database.schema.fields[slot]);
+    FilterBlock criterion;
+    criterion.field = slot;
+    const FilterBlock before = criterion;
+    if (const auto fault = storeCriterionTexts(kind, encoding, typed, formats, criterion)) {
+      EXPECT_EQ((fault->in_second ? "2: " : "1: ") + fault->sentence, words);
+      EXPECT_EQ(criterion, before) << words;
+      continue;
+    }
+    EXPECT_EQ(criterionWords(database, encoding, criterion, formats), words);
+    EXPECT_EQ(criterionTexts(kind, encoding, criterion, formats), shown);
+  }
+  FilterBlock range;
+  range.field = 5;
+  range.number1 = 16;
+  range.number2 = 30;
+  EXPECT_EQ(criterionWords(database, encoding, range, formats), "is Last 30 days");
+  EXPECT_EQ(criterionTexts(CriterionKind::kDate, encoding, range, formats), CriterionTexts{});
 }
 
 }  // namespace
