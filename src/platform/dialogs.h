@@ -243,7 +243,8 @@ class Dialog {
 
 enum class MessageIcon { kNone, kInformation, kExclamation, kQuestion, kError, kWarning };
 enum class MessageButtons { kOk, kYesNo };
-enum class MessageAnswer { kOk, kYes, kNo };
+// kNobody: a question was dismissed, because nobody is there to answer it.
+enum class MessageAnswer { kOk, kYes, kNo, kNobody };
 
 struct MessageBox {
   std::u16string text;
@@ -269,8 +270,8 @@ class Dialogs {
   virtual CommandId popupMenu(Point at, const std::vector<MenuEntry>& entries) = 0;
   virtual void setWaitCursor(bool on) = 0;  // counts: every on wants its off
   virtual std::unique_ptr<Progress> progress(const std::u16string& what) = 0;
-  // Dismisses every message box and menu above the topmost dialog, for whoever is not there to
-  // answer: kOk, kNo, no entry. False when there was none.
+  // Dismisses every message box and menu above the topmost dialog: kOk, kNobody, no entry. False
+  // when there was none.
   virtual bool dismissBoxes() = 0;
   // Brings the window before all others. `token` is what the desktop gave for that; may be empty.
   virtual void bringToFront(const std::string& token) = 0;

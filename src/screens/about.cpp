@@ -78,7 +78,7 @@ class AboutScreen : public Screen {
 
 int ShowAbout(Application& app) {
   AboutScreen screen;
-  return RunModalDialog(app, nullptr, aboutTemplate(), screen);
+  return RunModalDialog(app, aboutTemplate(), screen);
 }
 
 }  // namespace tabelion

@@ -91,10 +91,9 @@ class PasswordScreen : public Screen {
 
 }  // namespace
 
-int AskPassword(Application& app, Dialog* owner, const PasswordQuestion& question,
-                Password* typed) {
+int AskPassword(Application& app, const PasswordQuestion& question, Password* typed) {
   PasswordScreen screen(app, question.waits);
-  const int result = RunModalDialog(app, owner, passwordTemplate(question.for_encryption), screen);
+  const int result = RunModalDialog(app, passwordTemplate(question.for_encryption), screen);
   if (result != kDialogDone) return kPasswordCancelled;
   if (typed != nullptr) *typed = screen.typed;
   if (question.compare && screen.typed.text() != question.expected) {
@@ -103,10 +102,9 @@ int AskPassword(Application& app, Dialog* owner, const PasswordQuestion& questio
   return kPasswordConfirmed;
 }
 
-EncryptionPasswordPrompt AskEncryptionPassword(Application& app, Dialog* owner, bool waits) {
-  return [&app, owner, waits](Password& typed) {
-    return AskPassword(app, owner, {.for_encryption = true, .waits = waits}, &typed) ==
-           kPasswordConfirmed;
+EncryptionPasswordPrompt AskEncryptionPassword(Application& app, bool waits) {
+  return [&app, waits](Password& typed) {
+    return AskPassword(app, {.for_encryption = true, .waits = waits}, &typed) == kPasswordConfirmed;
   };
 }
 

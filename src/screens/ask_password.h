@@ -27,10 +27,9 @@ struct PasswordQuestion {
 // kPasswordConfirmed or kPasswordCancelled; what was typed, 8-bit, goes into `typed`.
 // Compat: a wrong password is answered with a notice and counts as confirmed all the same
 // (AskPassword.WrongPasswordIsConfirmedAfterANotice).
-int AskPassword(Application& app, Dialog* owner, const PasswordQuestion& question,
-                Password* typed = nullptr);
+int AskPassword(Application& app, const PasswordQuestion& question, Password* typed = nullptr);
 
 // For the services that need the encryption password.
-EncryptionPasswordPrompt AskEncryptionPassword(Application& app, Dialog* owner, bool waits = false);
+EncryptionPasswordPrompt AskEncryptionPassword(Application& app, bool waits = false);
 
 }  // namespace tabelion

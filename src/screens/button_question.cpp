@@ -81,10 +81,8 @@ ControlId AskWithButtons(Application& app, ButtonQuestion& question) {
   }
   dialog.menu_bar.left = {.command = kActionCommand, .text = u"Select"};
   dialog.menu_bar.right = {.command = kBackCommand, .text = question.back.text};
-  // What opened the dialog below goes on counting when this one is done.
-  Dialog* const owner = app.open_dialogs.empty() ? nullptr : app.open_dialogs.back().dialog;
   ButtonQuestionScreen screen(question);
-  RunModalDialog(app, owner, dialog, screen);
+  RunModalDialog(app, dialog, screen);
   return screen.pressed;
 }
 

@@ -108,8 +108,7 @@ class DatabaseInfoScreen : public Screen {
 
 int ShowDatabaseInfo(Application& app, const std::string& path) {
   DatabaseInfoScreen screen(app, path);
-  Dialog* const owner = app.open_dialogs.empty() ? nullptr : app.open_dialogs.back().dialog;
-  RunModalDialog(app, owner, infoTemplate(), screen);
+  RunModalDialog(app, infoTemplate(), screen);
   return kDialogDone;
 }
 

@@ -55,9 +55,9 @@ bool HasRoomForRecord(Application& app) {
   return false;
 }
 
-int ShowEditRecord(Application& app, Dialog& owner, std::uint32_t record) {
+int ShowEditRecord(Application& app, std::uint32_t record) {
   EditRecordScreen screen(app, record);
-  return RunModalDialog(app, &owner, editRecordTemplate(CurrentDatabase(app).schema), screen);
+  return RunModalDialog(app, editRecordTemplate(CurrentDatabase(app).schema), screen);
 }
 
 void EditRecordScreen::onInit(Dialog& dialog) {
@@ -79,7 +79,7 @@ void EditRecordScreen::LoadEditRecord(Dialog& dialog, std::uint32_t record) {
   } else if (record < database.records.count()) {
     const ByteView stored = database.records[record].bytes();
     Bytes bytes(stored.begin(), stored.end());
-    DecipherForEditing(dialog, bytes);
+    DecipherForEditing(bytes);
     copy_ = unpackRecord(bytes);
   }
   Bytes packed;
@@ -166,12 +166,12 @@ bool EditRecordScreen::SaveEditRecord(Dialog& dialog) {
   if (!form_.Collect(dialog, *copy_, now_or_never ? Unaccepted::kIsLeftOut : Unaccepted::kStops)) {
     return false;
   }
-  if (StoreCopy(dialog)) return true;
+  if (StoreCopy()) return true;
   copy_ = std::move(before);  // so that another attempt starts from what is stored
   return false;
 }
 
-bool EditRecordScreen::StoreCopy(Dialog& dialog) {
+bool EditRecordScreen::StoreCopy() {
   if (app_.level().new_record && !HasRoomForRecord(app_)) return false;
   Database& database = CurrentDatabase(app_);
   const std::uint32_t position = storeRecord(
@@ -186,29 +186,28 @@ bool EditRecordScreen::StoreCopy(Dialog& dialog) {
   }
   app_.level().current_record = position;
   app_.level().new_record = false;
-  if (database.schema.encryption_mode == kEncryptRecordsOnSave) EncipherStored(dialog);
+  if (database.schema.encryption_mode == kEncryptRecordsOnSave) EncipherStored();
   app_.engine.steps.refresh(database);
   return true;
 }
 
 // In a database that enciphers what it saves, the copy is in clear once its password was given.
 // When the user gives none, the form shows the record as it is stored.
-void EditRecordScreen::DecipherForEditing(Dialog& dialog, Bytes& record) {
+void EditRecordScreen::DecipherForEditing(Bytes& record) {
   if (CurrentDatabase(app_).schema.encryption_mode != kEncryptRecordsOnSave) return;
   while (isRecordEncrypted(record) &&
-         PromptDecryptRecord(app_, record, AskEncryptionPassword(app_, &dialog)) ==
-             kWrongPassword) {
+         PromptDecryptRecord(app_, record, AskEncryptionPassword(app_)) == kWrongPassword) {
     ShowMessage(app_, u"ERROR: Password does not properly decrypt this data.  Please Try again.",
                 u"ACCESS DENIED", MessageIcon::kError);
   }
 }
 
-void EditRecordScreen::EncipherStored(Dialog& dialog) {
+void EditRecordScreen::EncipherStored() {
   Database& database = CurrentDatabase(app_);
   const ByteView stored = database.records[app_.level().current_record].bytes();
   Bytes record(stored.begin(), stored.end());
   if (isRecordEncrypted(record) ||
-      !PromptEncryptRecord(app_, record, AskEncryptionPassword(app_, &dialog, true))) {
+      !PromptEncryptRecord(app_, record, AskEncryptionPassword(app_, true))) {
     return;
   }
   if (database.records.replace(app_.level().current_record, record)) setDirty(database);
@@ -223,7 +222,7 @@ void EditRecordScreen::ToggleEncryption(Dialog& dialog) {
   const ByteView stored = database.records[app_.level().current_record].bytes();
   if (isRecordEncrypted(stored)) {
     Bytes record(stored.begin(), stored.end());
-    const int result = PromptDecryptRecord(app_, record, AskEncryptionPassword(app_, &dialog));
+    const int result = PromptDecryptRecord(app_, record, AskEncryptionPassword(app_));
     if (result == kWrongPassword) {
       ShowMessage(app_, u"Error: Supplied Password does not properly Decrypt Record!", u"Error",
                   MessageIcon::kError);
@@ -231,7 +230,7 @@ void EditRecordScreen::ToggleEncryption(Dialog& dialog) {
     if (result != kRecordDecrypted) return;
     if (database.records.replace(app_.level().current_record, record)) setDirty(database);
   } else {
-    EncipherStored(dialog);
+    EncipherStored();
   }
   app_.engine.steps.refresh(database);
   LoadEditRecord(dialog, app_.level().current_record);
@@ -239,7 +238,8 @@ void EditRecordScreen::ToggleEncryption(Dialog& dialog) {
 
 void EditRecordScreen::DeleteEditRecord(Dialog& dialog) {
   if (app_.level().new_record) return dialog.end(kDialogClosed);
-  if (!Ask(app_, u"Are you sure you want to delete this record?", u"Confirm Delete") ||
+  if (Ask(app_, u"Are you sure you want to delete this record?", u"Confirm Delete") !=
+          Answer::kYes ||
       CheckSecurity(app_, Operation::kDelete, true) == kAccessRefused) {
     return;
   }

@@ -33,14 +33,14 @@ class EditRecordScreen : public Screen {
   void LoadEditRecord(Dialog& dialog, std::uint32_t record);
   // False when the form must stay, because a value or the record was not accepted.
   bool SaveEditRecord(Dialog& dialog);
-  bool StoreCopy(Dialog& dialog);
+  bool StoreCopy();
   void DeleteEditRecord(Dialog& dialog);
   void MoveTo(Dialog& dialog, Move move);
   void NewRecord(Dialog& dialog);
   void Leave(Dialog& dialog, bool keep_untouched_new);
   void ChangeWidth(Dialog& dialog, int step);
-  void DecipherForEditing(Dialog& dialog, Bytes& record);
-  void EncipherStored(Dialog& dialog);
+  void DecipherForEditing(Bytes& record);
+  void EncipherStored();
   void ToggleEncryption(Dialog& dialog);
   bool MayChange() const;
 
@@ -55,6 +55,6 @@ bool HasRoomForRecord(Application& app);
 
 // Shows a record, or a new one for kNewRecord. kDialogClosed, or kDialogAutoClosed when the
 // database is to be closed.
-int ShowEditRecord(Application& app, Dialog& owner, std::uint32_t record);
+int ShowEditRecord(Application& app, std::uint32_t record);
 
 }  // namespace tabelion

@@ -40,7 +40,7 @@ class NoteScreen : public Screen {
 
 }  // namespace
 
-int EditNoteText(Application& app, Dialog& owner, NoteText& note) {
+int EditNoteText(Application& app, NoteText& note) {
   DialogTemplate dialog;
   dialog.resource = kNoteScreen;
   dialog.title = note.title;
@@ -53,7 +53,7 @@ int EditNoteText(Application& app, Dialog& owner, NoteText& note) {
   dialog.menu_bar.left = {.command = kDoneCommand, .text = u"Done"};
   dialog.menu_bar.right = {.command = kCancelCommand, .text = u"Cancel"};
   NoteScreen screen(app, note);
-  return RunModalDialog(app, &owner, dialog, screen);
+  return RunModalDialog(app, dialog, screen);
 }
 
 }  // namespace tabelion

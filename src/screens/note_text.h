@@ -18,6 +18,6 @@ struct NoteText {
 };
 
 // Shows the text; on kDialogDone and kDialogAutoClosed `note.text` is what it is now.
-int EditNoteText(Application& app, Dialog& owner, NoteText& note);
+int EditNoteText(Application& app, NoteText& note);
 
 }  // namespace tabelion

@@ -75,9 +75,9 @@ std::string digitsOf(const std::u16string& text) {
 
 }  // namespace
 
-int ShowPreferences(Application& app, Dialog* owner) {
+int ShowPreferences(Application& app) {
   PreferencesScreen screen(app);
-  return RunModalDialog(app, owner, preferencesTemplate(), screen);
+  return RunModalDialog(app, preferencesTemplate(), screen);
 }
 
 void PreferencesScreen::onInit(Dialog& dialog) {

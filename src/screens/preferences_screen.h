@@ -49,6 +49,6 @@ class PreferencesScreen : public Screen {
 // Compat: Done changes all values in memory but stores only the seconds of automatic saving and the
 // start of the week; the others are stored when everything closes by itself
 // (PreferencesDialog.DoneStoresInTwoSteps).
-int ShowPreferences(Application& app, Dialog* owner);
+int ShowPreferences(Application& app);
 
 }  // namespace tabelion

@@ -258,7 +258,7 @@ void RecordForm::OnActivated(Dialog& dialog, ControlId value_control) {
                 .text = field->text,
                 .max_length = field->max_length,
                 .read_only = field->read_only};
-  if (EditNoteText(app_, dialog, note) == kDialogClosed || field->read_only) return;
+  if (EditNoteText(app_, note) == kDialogClosed || field->read_only) return;
   field->text = note.text;
   dialog.control(value_control).setText(ButtonText(note.text));
 }

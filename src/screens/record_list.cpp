@@ -59,10 +59,9 @@ DialogTemplate RecordListTemplate() {
   return dialog;
 }
 
-int ShowRecordList(Application& app, Dialog* owner, const std::string& path,
-                   std::optional<std::uint32_t> record) {
+int ShowRecordList(Application& app, const std::string& path, std::optional<std::uint32_t> record) {
   RecordListScreen screen(app, path, record);
-  return RunModalDialog(app, owner, RecordListTemplate(), screen);
+  return RunModalDialog(app, RecordListTemplate(), screen);
 }
 
 void RecordListScreen::onInit(Dialog& dialog) {
@@ -93,13 +92,12 @@ void RecordListScreen::onMessage(Dialog& dialog, int message) {
 void RecordListScreen::OpenFile(Dialog& dialog) {
   LoadWeekStart(app_.platform, app_.preferences);
   const int opened = OpenDatabaseFile(app_, path_, [&](const std::string& expected) {
-    return AskPassword(app_, &dialog, {.expected = expected, .compare = true}) ==
-           kPasswordConfirmed;
+    return AskPassword(app_, {.expected = expected, .compare = true}) == kPasswordConfirmed;
   });
   if (opened != kOpened) {
     return Close(dialog, app_.closing == Closing::kNo ? kDialogClosed : kDialogAutoClosed);
   }
-  DecryptWholeDatabase(app_, AskEncryptionPassword(app_, &dialog));
+  DecryptWholeDatabase(app_, AskEncryptionPassword(app_));
   const Database& database = CurrentDatabase(app_);
   if (database.schema.label_width_adjustment >= kCorruptWidth) {
     ShowMessage(app_, u"This database appears to be corrupt.", u"Open Database",
@@ -193,7 +191,7 @@ void RecordListScreen::OpenListRecord(Dialog& dialog, bool as_new) {
     record = index[static_cast<std::size_t>(row)];
   }
   const std::uint32_t before = app_.level().current_record;
-  ShowEditRecord(app_, dialog, record);
+  ShowEditRecord(app_, record);
   if (app_.level().current_record == kNewRecord)
     app_.level().current_record = before;  // it was not stored
   app_.level().new_record = false;
@@ -202,7 +200,7 @@ void RecordListScreen::OpenListRecord(Dialog& dialog, bool as_new) {
 
 // The start of the week may decide which records a filter shows.
 void RecordListScreen::ChangePreferences(Dialog& dialog) {
-  ShowPreferences(app_, &dialog);
+  ShowPreferences(app_);
   FillRecordList(dialog);
 }
 
@@ -219,7 +217,7 @@ void RecordListScreen::Save(Dialog& dialog) {
 }
 
 void RecordListScreen::Close(Dialog& dialog, int result) {
-  if (CloseFor(dialog, result)) {
+  if (CloseFor(result)) {
     dialog.end(result);
   } else {
     FillRecordList(dialog);
@@ -227,15 +225,15 @@ void RecordListScreen::Close(Dialog& dialog, int result) {
 }
 
 bool RecordListScreen::OnAutoClose(Dialog& dialog) {
-  if (CloseFor(dialog, kDialogAutoClosed)) return true;
+  if (CloseFor(kDialogAutoClosed)) return true;
   FillRecordList(dialog);
   return false;
 }
 
 // Auto-close means that nobody is there to be asked: what was changed is saved.
-bool RecordListScreen::CloseFor(Dialog& dialog, int result) {
+bool RecordListScreen::CloseFor(int result) {
   const bool auto_closed = result == kDialogAutoClosed;
-  const auto prompt = AskEncryptionPassword(app_, &dialog, true);
+  const auto prompt = AskEncryptionPassword(app_, true);
   if (!CloseDatabase(app_, auto_closed ? AskBeforeSaving::kNo : AskBeforeSaving::kYes, prompt)) {
     return false;
   }

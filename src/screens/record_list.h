@@ -50,7 +50,7 @@ class RecordListScreen : public Screen {
   void ChangePreferences(Dialog& dialog);
   void Save(Dialog& dialog);
   void Close(Dialog& dialog, int result);
-  bool CloseFor(Dialog& dialog, int result);  // false: the database stays open
+  bool CloseFor(int result);  // false: the database stays open
   bool QuickFindKey(Dialog& dialog, const KeyPress& key);
   int RowOfCurrentRecord() const;
 
@@ -61,9 +61,8 @@ class RecordListScreen : public Screen {
   std::vector<int> slots_;  // of the columns
 };
 
-// Opens the database file in the record list; the screen's result. `owner` is null for the main
-// window.
-int ShowRecordList(Application& app, Dialog* owner, const std::string& path,
+// Opens the database file in the record list; the screen's result.
+int ShowRecordList(Application& app, const std::string& path,
                    std::optional<std::uint32_t> record = std::nullopt);
 
 }  // namespace tabelion

@@ -46,7 +46,7 @@ bool acceptsOverlongValues(Application& app, const std::vector<OverlongRecordVal
                         u" bytes. Encrypted texts of more than 255 bytes can be opened here, but "
                         u"not on other devices.";
   if (overlong.size() > 1) text += u" So have " + numberText(overlong.size() - 1) + u" others.";
-  return Ask(app, text + u"\nEncrypt all the same?", u"QUESTION");
+  return Ask(app, text + u"\nEncrypt all the same?", u"QUESTION") == Answer::kYes;
 }
 
 void sayTooLong(Application& app, std::uint32_t position) {
@@ -110,7 +110,8 @@ bool EncryptWholeDatabase(Application& app, const EncryptionPasswordPrompt& prom
     Password typed;
     if (prompt(typed) && encipherWith(app, typed)) return true;
     if (app.closing == Closing::kSessionEnds) return true;  // nobody can answer any more
-    if (Ask(app, u"The records will be saved without encryption. Continue?", u"QUESTION")) {
+    if (Ask(app, u"The records will be saved without encryption. Continue?", u"QUESTION") ==
+        Answer::kYes) {
       return true;
     }
   }
@@ -138,12 +139,14 @@ bool PromptEncryptRecord(Application& app, Bytes& record, const EncryptionPasswo
   for (;;) {
     Password password;
     if (!prompt(password)) return false;
-    if (!PasswordMatchesCheck(database.schema, password.text()) &&
-        !Ask(app,
-             u"Password entered does not seem to match last password given to a record in this "
-             u"database.  Continue anyway?",
-             u"QUESTION")) {
-      continue;
+    if (!PasswordMatchesCheck(database.schema, password.text())) {
+      const Answer answer =
+          Ask(app,
+              u"Password entered does not seem to match last password given to a record in this "
+              u"database.  Continue anyway?",
+              u"QUESTION");
+      if (answer == Answer::kNobody) return false;
+      if (answer == Answer::kNo) continue;
     }
     ExpandedKey key;
     MakeKey(password.text(), key);

@@ -42,14 +42,13 @@ bool isPackage(const FolderEntry& entry) {
 bool takeIn(Application& app, const std::string& package, const std::string& folder) {
   Files& files = app.platform.files;
   const std::string name = BaseNameOf(package);
-  const auto answeredNo = [&] { return app.closing == Closing::kNo; };
-  if (!Ask(app,
-           u"\"" + FromUtf8(name) +
-               u"\" has been received via Infrared or Bluetooth.\t\t\t\tWould you like to copy it "
-               u"into your Tabelion Folder?",
-           u"Copy?")) {
-    return answeredNo();
-  }
+  const Answer wanted =
+      Ask(app,
+          u"\"" + FromUtf8(name) +
+              u"\" has been received via Infrared or Bluetooth.\t\t\t\tWould you like to copy it "
+              u"into your Tabelion Folder?",
+          u"Copy?");
+  if (wanted != Answer::kYes) return wanted == Answer::kNo;
   const std::string target = PathIn(files, folder, name + ".pdb");
   const auto lock = files.lock(target, kLockHolder);
   if (!lock.ok()) {
@@ -57,9 +56,10 @@ bool takeIn(Application& app, const std::string& package, const std::string& fol
     return false;
   }
   const bool replace = exists(files, target);
-  if (replace && !Ask(app, u"The file alredy exist in Tabelion Folder. Do you want to replace It?",
-                      u"Replace?")) {
-    return answeredNo();
+  if (replace) {
+    const Answer answer = Ask(
+        app, u"The file alredy exist in Tabelion Folder. Do you want to replace It?", u"Replace?");
+    if (answer != Answer::kYes) return answer == Answer::kNo;
   }
   WaitCursor waiting(app);
   return files.copy(package, target, replace).ok();
@@ -68,7 +68,7 @@ bool takeIn(Application& app, const std::string& package, const std::string& fol
 }  // namespace
 
 bool DeleteDatabase(Application& app, const DatabaseFile& file) {
-  if (!Ask(app, file.name, u"Delete?")) return false;
+  if (Ask(app, file.name, u"Delete?") != Answer::kYes) return false;
   if (!GetDatabaseFolder(app)) {
     sayNoFolder(app);
     return false;

@@ -10,11 +10,19 @@ void ShowMessage(Application& app, const std::u16string& text, const std::u16str
   app.platform.dialogs.message({text, title, MessageButtons::kOk, icon});
 }
 
-bool Ask(Application& app, const std::u16string& text, const std::u16string& title,
-         MessageIcon icon) {
-  if (app.closing == Closing::kSessionEnds) return false;
-  return app.platform.dialogs.message({text, title, MessageButtons::kYesNo, icon}) ==
-         MessageAnswer::kYes;
+Answer Ask(Application& app, const std::u16string& text, const std::u16string& title,
+           MessageIcon icon) {
+  if (app.closing == Closing::kSessionEnds) return Answer::kNobody;
+  switch (app.platform.dialogs.message({text, title, MessageButtons::kYesNo, icon})) {
+    case MessageAnswer::kYes:
+      return Answer::kYes;
+    case MessageAnswer::kNo:
+      return Answer::kNo;
+    case MessageAnswer::kOk:
+    case MessageAnswer::kNobody:
+      break;
+  }
+  return Answer::kNobody;
 }
 
 void ShowEngineMessage(Application& app, const std::string& text) {

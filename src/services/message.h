@@ -9,10 +9,16 @@ namespace tabelion {
 
 void ShowMessage(Application& app, const std::u16string& text, const std::u16string& title,
                  MessageIcon icon);
-// A Yes/No question; true for Yes. False without a question when the session ends, as well as when
-// it was dismissed because nobody answered it: `app.closing` tells that from a No.
-bool Ask(Application& app, const std::u16string& text, const std::u16string& title,
-         MessageIcon icon = MessageIcon::kQuestion);
+
+// What came of a question. Nobody's silence is no No: whoever asks decides what it means.
+enum class Answer {
+  kYes,
+  kNo,
+  kNobody,  // dismissed unanswered, or not even asked since the session ends
+};
+// A Yes/No question.
+Answer Ask(Application& app, const std::u16string& text, const std::u16string& title,
+           MessageIcon icon = MessageIcon::kQuestion);
 
 // What the engine has to say (8-bit; a path in it is UTF-8).
 void ShowEngineMessage(Application& app, const std::string& text);

@@ -95,7 +95,8 @@ void passOn(Application& app, int result) {
 
 }  // namespace
 
-int RunModalDialog(Application& app, Dialog* owner, const DialogTemplate& dialog, Screen& screen) {
+int RunModalDialog(Application& app, const DialogTemplate& dialog, Screen& screen) {
+  Dialog* const owner = app.open_dialogs.empty() ? nullptr : app.open_dialogs.back().dialog;
   if (owner != nullptr) owner->stopTimer(kAutoCloseTimer);
   AutoClosing handler(app, screen);
   const int result = app.platform.dialogs.runModal(dialog, handler);

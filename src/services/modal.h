@@ -20,10 +20,10 @@ class Screen : public DialogHandler {
   virtual bool OnAutoClose(Dialog&) { return true; }
 };
 
-// Runs the dialog and returns its result. `owner` is the dialog that opens it, whose own
-// auto-close timer stands still meanwhile; null when the main window opens it. A caller need not
-// look for kDialogAutoClosed: its own dialog ends as well once the present event is over.
-int RunModalDialog(Application& app, Dialog* owner, const DialogTemplate& dialog, Screen& screen);
+// Runs the dialog above the one that is on top now, whose own auto-close timer stands still
+// meanwhile, and returns its result. A caller need not look for kDialogAutoClosed: its own dialog
+// ends as well once the present event is over.
+int RunModalDialog(Application& app, const DialogTemplate& dialog, Screen& screen);
 
 // Makes every open dialog do what it does for auto-close, from the top down, once the present event
 // is over. What stands before the top one, a message or a menu, is dismissed. At the end of the

@@ -20,10 +20,10 @@ int probe(Application& app, const std::string& path) {
                   MessageIcon::kExclamation);
       return kNotADatabase;
     }
-    if (!Ask(app,
-             u"This database file is not in the current Tabelion database format.  Would you like "
-             u"to updated the database to the latest format? (Y/N)",
-             u"QUESTION")) {
+    if (Ask(app,
+            u"This database file is not in the current Tabelion database format.  Would you like "
+            u"to updated the database to the latest format? (Y/N)",
+            u"QUESTION") != Answer::kYes) {
       return kOpenRefused;
     }
     ShowMessage(app, u"This is a pending item.", u"OpenDatabaseFile", MessageIcon::kInformation);
@@ -96,10 +96,11 @@ bool saveBeforeClosing(Application& app, AskBeforeSaving ask,
   if (!isDirty(database) && FileWasChanged(app)) return true;
   SaveTarget target = SaveTarget::kItsFile;
   if (isDirty(database)) {
-    const bool save = ask == AskBeforeSaving::kNo || app.preferences.auto_save_on_close ||
-                      Ask(app, u"Save changes to this database?", u"QUESTION");
-    // A question that was dismissed because nobody is there has not been answered No.
-    if (!save && app.closing == Closing::kNo) return true;
+    // Only a No gives up what was changed; nobody's silence does not.
+    if (ask == AskBeforeSaving::kYes && !app.preferences.auto_save_on_close &&
+        Ask(app, u"Save changes to this database?", u"QUESTION") == Answer::kNo) {
+      return true;
+    }
     target = ChooseSaveTarget(app);
     if (target == SaveTarget::kNowhere) return false;
   }
@@ -107,7 +108,7 @@ bool saveBeforeClosing(Application& app, AskBeforeSaving ask,
   if (!isDirty(database)) return true;
   if (WriteDatabase(app, target) ||
       Ask(app, u"ERROR:File could not be saved\nClose without saving the changes?", u"Update",
-          MessageIcon::kError)) {
+          MessageIcon::kError) == Answer::kYes) {
     return true;
   }
   if (prompt) DecryptWholeDatabase(app, prompt);  // what was enciphered for closing

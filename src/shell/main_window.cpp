@@ -139,10 +139,10 @@ void MainWindow::ShowDatabases(Dialog& dialog) {
 bool MainWindow::OfferSamples() {
   Settings& settings = app_.platform.settings;
   if (ReadNumberSetting(settings, Setting::kSampleDatabases).value_or(0) != 0) return false;
-  const bool install = Ask(app_, u"Install Sample Database? (Y/N)", u"QUESTION");
-  if (app_.closing != Closing::kNo) return false;  // dismissed, not answered
-  WriteNumberSetting(settings, Setting::kSampleDatabases, install ? 0 : 1);
-  return install && InstallSampleDatabases(app_) > 0;
+  const Answer install = Ask(app_, u"Install Sample Database? (Y/N)", u"QUESTION");
+  if (install == Answer::kNobody) return false;
+  WriteNumberSetting(settings, Setting::kSampleDatabases, install == Answer::kYes ? 0 : 1);
+  return install == Answer::kYes && InstallSampleDatabases(app_) > 0;
 }
 
 // The left soft key carries the category that is shown, its menu all of them.

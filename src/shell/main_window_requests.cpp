@@ -67,10 +67,10 @@ void MainWindow::HandleOpenFile(Dialog& dialog, const std::string& path) {
     return AfterDialog(dialog);
   }
   if (IsDatabaseOpen(app_) &&
-      !Ask(app_,
-           u"Save and close \"" + ScreenText(app_, areaText(CurrentDatabase(app_).header.name)) +
-               u"\", and open \"" + FromUtf8(path.substr(path.rfind('/') + 1)) + u"\"?",
-           u"QUESTION")) {
+      Ask(app_,
+          u"Save and close \"" + ScreenText(app_, areaText(CurrentDatabase(app_).header.name)) +
+              u"\", and open \"" + FromUtf8(path.substr(path.rfind('/') + 1)) + u"\"?",
+          u"QUESTION") != Answer::kYes) {
     return;
   }
   open_next_ = path;
@@ -86,7 +86,7 @@ bool MainWindow::IsOpen(const std::string& path) const {
 void MainWindow::OpenDatabase(Dialog& dialog, const std::string& path,
                               std::optional<std::uint32_t> record) {
   app_.record_screen_active = true;
-  ShowRecordList(app_, nullptr, path, record);
+  ShowRecordList(app_, path, record);
   app_.record_screen_active = false;
   // It may have got another name, or left a second file beside the one that somebody else changed.
   if (!session_ends_) ShowDatabases(dialog);

@@ -22,7 +22,7 @@ int RunTabelion(Platform& platform, const StartOptions& options, const AlarmStep
   platform.dialogs.runModal(MainWindowTemplate(), window);
   platform.instance.listen({});
   if (window.SessionEnds()) app.closing = Closing::kSessionEnds;
-  CloseAllDatabases(app, AskEncryptionPassword(app, nullptr, true));
+  CloseAllDatabases(app, AskEncryptionPassword(app, true));
   return 0;
 }
 

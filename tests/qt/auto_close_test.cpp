@@ -59,7 +59,7 @@ void AutoCloseTest::whatIsOnTheScreenIsStoredAndEverythingCloses() {
     QCOMPARE(ScreenProbe(dialogs.frame()).resource(), top);
     QCOMPARE(dialogs.frame().menus().isOpen(), menu);
   });
-  QCOMPARE(script.run([&] { return ShowRecordList(app, nullptr, path); }), kDialogAutoClosed);
+  QCOMPARE(script.run([&] { return ShowRecordList(app, path); }), kDialogAutoClosed);
   QVERIFY(alone.elapsed() >= kPeriodMs / 2);
   QVERIFY(!menu || !dialogs.frame().menus().isOpen());
   QVERIFY(!IsDatabaseOpen(app));

@@ -16,10 +16,10 @@ TEST(AskPassword, WrongPasswordIsConfirmedAfterANotice) {
   world.phone.says(u"Invalid Password", u"Error");
   world.phone.at(kPasswordScreen).type(u"sesame").choose({u"Cancel"});
   world.phone.play([&] {
-    EXPECT_EQ(AskPassword(app, nullptr, question, &typed), kPasswordConfirmed);
-    EXPECT_EQ(AskPassword(app, nullptr, question, &typed), kPasswordConfirmed);
+    EXPECT_EQ(AskPassword(app, question, &typed), kPasswordConfirmed);
+    EXPECT_EQ(AskPassword(app, question, &typed), kPasswordConfirmed);
     EXPECT_EQ(typed.text(), "guess");
-    EXPECT_EQ(AskPassword(app, nullptr, question, &typed), kPasswordCancelled);
+    EXPECT_EQ(AskPassword(app, question, &typed), kPasswordCancelled);
   });
 }
 
@@ -50,10 +50,10 @@ TEST(AskPassword, HidesWhatIsTypedAsTheUserWants) {
       })
       .choose({u"OK"});
   world.phone.play([&] {
-    AskPassword(app, nullptr, {}, &typed);
+    AskPassword(app, {}, &typed);
     EXPECT_EQ(typed.text(), "abcdefghijklmnopqrstuvw");
     EXPECT_EQ(world.setting("HidePassword"), "1");
-    AskPassword(app, nullptr, {.for_encryption = true});
+    AskPassword(app, {.for_encryption = true});
   });
 }
 

@@ -44,7 +44,7 @@ class AutoClose : public testing::Test {
     return std::string(storedText(*slotValue(database->records[0].bytes(), 1)));
   }
   void play(int expected = kDialogAutoClosed) {
-    world.phone.play([&] { EXPECT_EQ(ShowRecordList(app, nullptr, path), expected); });
+    world.phone.play([&] { EXPECT_EQ(ShowRecordList(app, path), expected); });
     EXPECT_FALSE(IsDatabaseOpen(app));
     EXPECT_TRUE(app.open_dialogs.empty());
   }
@@ -158,14 +158,14 @@ TEST_F(AutoClose, EveryKeyStartsTheTimeAnew) {
       .choose({u"Menu", u"Save"});
   world.phone.says(u"File Saved", u"Update");
   world.phone.at(kRecordListScreen).look(timerRuns(true)).choose({u"Menu", u"Close"});
-  world.phone.play([&] { ShowRecordList(app, nullptr, path); });
+  world.phone.play([&] { ShowRecordList(app, path); });
 
   app.preferences.auto_close_enabled = false;
   world.phone.at(kRecordListScreen)
       .press(Key::kRight)
       .look(timerRuns(false))
       .choose({u"Menu", u"Close"});
-  world.phone.play([&] { ShowRecordList(app, nullptr, path); });
+  world.phone.play([&] { ShowRecordList(app, path); });
 }
 
 }  // namespace

@@ -45,7 +45,7 @@ class EditRecord : public testing::Test {
     Application app(world.platform);
     open_app = &app;
     app.preferences.auto_save_on_close = true;
-    world.phone.play([&] { ShowRecordList(app, nullptr, path); });
+    world.phone.play([&] { ShowRecordList(app, path); });
     after = world.read(path);
   }
   ScreenScript form() { return world.phone.at(kEditRecordScreen); }

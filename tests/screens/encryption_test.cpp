@@ -36,7 +36,7 @@ class Encryption : public testing::Test {
     Application app(world.platform);
     app.preferences.auto_save_on_close = true;
     app.preferences.auto_encrypt = remembers;
-    world.phone.play([&] { ShowRecordList(app, nullptr, path); });
+    world.phone.play([&] { ShowRecordList(app, path); });
     after = world.read(path);
   }
   ScreenScript list() { return world.phone.at(kRecordListScreen); }

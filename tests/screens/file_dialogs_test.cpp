@@ -1,6 +1,7 @@
 #include "screens/changed_file.h"
 #include "screens/copy_question.h"
 #include "screens/database_info.h"
+#include "screens/save_question.h"
 #include "screens/screen_numbers.h"
 #include "support/phone_world.h"
 
@@ -73,18 +74,25 @@ TEST(CopyQuestionDialog, EveryAnswerAndTheBoxThatEndsTheQuestions) {
   EXPECT_EQ(world.setting("SyncOverwrite"), "1");
 }
 
-TEST(ChangedFileDialog, KeepsBothWhenNobodyAnswers) {
+TEST(FileQuestions, LeavingAndSilenceLoseNothing) {
   PhoneWorld world;
   Application app(world.platform);
   app.preferences.auto_close_enabled = true;
   app.preferences.auto_close_period_ms = 60000;
-  world.phone.at(kChangedFileScreen).fire(kAutoCloseTimer);
-  world.phone.at(kChangedFileScreen).press(Key::kBack);
-  world.phone.at(kChangedFileScreen).activate(kOverwriteTheirsButton);
+  for (const int screen : {kChangedFileScreen, kSaveQuestionScreen}) {
+    world.phone.at(screen).fire(kAutoCloseTimer);
+    world.phone.at(screen).press(Key::kBack);
+    world.phone.at(screen).press(Key::kUp).press(Key::kEnter);
+    if (screen == kSaveQuestionScreen) world.phone.at(screen).press(Key::kDown).press(Key::kEnter);
+  }
   world.phone.play([&] {
     EXPECT_EQ(AskChangedFile(app, "/a/Notes.PDB"), ChangedFileChoice::kKeepBoth);
     EXPECT_EQ(AskChangedFile(app, "/a/Notes.PDB"), ChangedFileChoice::kCancel);
     EXPECT_EQ(AskChangedFile(app, "/a/Notes.PDB"), ChangedFileChoice::kOverwrite);
+    EXPECT_EQ(AskToSave(app, u"Save?"), SaveChoice::kNobody);
+    EXPECT_EQ(AskToSave(app, u"Save?"), SaveChoice::kStay);
+    EXPECT_EQ(AskToSave(app, u"Save?"), SaveChoice::kSave);
+    EXPECT_EQ(AskToSave(app, u"Save?"), SaveChoice::kDiscard);
   });
 }
 

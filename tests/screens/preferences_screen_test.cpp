@@ -11,7 +11,7 @@ class PreferencesDialog : public testing::Test {
  protected:
   ScreenScript screen() { return world.phone.at(kPreferencesScreen); }
   void run(int expected) {
-    world.phone.play([&] { EXPECT_EQ(ShowPreferences(app, nullptr), expected); });
+    world.phone.play([&] { EXPECT_EQ(ShowPreferences(app), expected); });
   }
   static auto shows(const std::vector<ControlId>& ids, bool visible) {
     return [=](FakeDialog& dialog) {
@@ -100,7 +100,7 @@ TEST_F(PreferencesDialog, AutoCloseAppliesThemAndClosesTheDatabase) {
   const std::string path = world.add("Diary", {{"Title"}}, {{"Monday"}});
   world.phone.at(kRecordListScreen).choose({u"Menu", u"Preferences"});
   screen().tick(kSaveOnCloseBox).write(kCloseMinutes, u"3").fire(kAutoCloseTimer);
-  world.phone.play([&] { EXPECT_EQ(ShowRecordList(app, nullptr, path), kDialogAutoClosed); });
+  world.phone.play([&] { EXPECT_EQ(ShowRecordList(app, path), kDialogAutoClosed); });
   EXPECT_FALSE(IsDatabaseOpen(app));
   EXPECT_EQ(world.setting("AutoSave"), "1");
   EXPECT_EQ(world.setting("AutoCloseOption"), "1");

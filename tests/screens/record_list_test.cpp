@@ -51,7 +51,7 @@ TEST(RecordList, ShowsColumnsAndPaintsRows) {
         EXPECT_EQ(dialog.handler.rowText(dialog, kRecordList, 0), u"Emma, 474, 1");
       })
       .choose({u"Menu", u"Close"});
-  world.phone.play([&] { EXPECT_EQ(ShowRecordList(app, nullptr, path), kDialogClosed); });
+  world.phone.play([&] { EXPECT_EQ(ShowRecordList(app, path), kDialogClosed); });
   EXPECT_FALSE(IsDatabaseOpen(app));
 }
 
@@ -83,7 +83,7 @@ TEST(RecordList, FitsTheScreen) {
         .press(Key::kLeft)
         .look([](FakeDialog& dialog) { EXPECT_EQ(dialog.fake(kRecordList).scrolled, 0); })
         .choose({u"Menu", u"Close"});
-    world.phone.play([&] { ShowRecordList(app, nullptr, path); });
+    world.phone.play([&] { ShowRecordList(app, path); });
   }
 }
 
@@ -122,7 +122,7 @@ TEST(RecordList, QuickFindSelectsTheFirstThatBeginsSo) {
       .look(row(4))
       .press(Key::kUp)
       .press(Key::kBack);  // after a move Back leaves the screen
-  world.phone.play([&] { ShowRecordList(app, nullptr, path); });
+  world.phone.play([&] { ShowRecordList(app, path); });
 }
 
 TEST(RecordList, FirstRowOpensRecordZero) {
@@ -146,7 +146,7 @@ TEST(RecordList, FirstRowOpensRecordZero) {
   world.phone.at(kRecordListScreen).row(kRecordList, 1).press(Key::kEnter);
   world.phone.at(kEditRecordScreen).look(shows(u"b")).choose({u"Menu", u"Cancel"});
   world.phone.at(kRecordListScreen).choose({u"Menu", u"Close"});
-  world.phone.play([&] { ShowRecordList(app, nullptr, path); });
+  world.phone.play([&] { ShowRecordList(app, path); });
 }
 
 TEST(RecordList, EmptyDatabaseOpensAFormThatTakesNothing) {
@@ -167,7 +167,7 @@ TEST(RecordList, EmptyDatabaseOpensAFormThatTakesNothing) {
       })
       .choose({u"Done"});
   world.phone.at(kRecordListScreen).choose({u"Menu", u"Close"});
-  world.phone.play([&] { ShowRecordList(app, nullptr, path); });
+  world.phone.play([&] { ShowRecordList(app, path); });
 }
 
 TEST(RecordList, SavesAndComesBackToTheSameRecord) {
@@ -184,8 +184,8 @@ TEST(RecordList, SavesAndComesBackToTheSameRecord) {
       .look([](FakeDialog& dialog) { EXPECT_EQ(dialog.fake(kRecordList).selectedRow(), 2); })
       .choose({u"Menu", u"Close"});
   world.phone.play([&] {
-    ShowRecordList(app, nullptr, path);
-    ShowRecordList(app, nullptr, path);
+    ShowRecordList(app, path);
+    ShowRecordList(app, path);
   });
   ASSERT_EQ(world.phone.boxes.size(), 2u);
   EXPECT_EQ(world.phone.boxes[0].icon, MessageIcon::kInformation);
@@ -200,7 +200,7 @@ TEST(RecordList, RefusesADatabaseWhoseFormCannotBe) {
   const std::string path = world.store(*database);
   Application app(world.platform);
   world.phone.says(u"This database appears to be corrupt.", u"Open Database");
-  world.phone.play([&] { EXPECT_EQ(ShowRecordList(app, nullptr, path), kDialogClosed); });
+  world.phone.play([&] { EXPECT_EQ(ShowRecordList(app, path), kDialogClosed); });
   EXPECT_FALSE(IsDatabaseOpen(app));
 }
 
@@ -217,8 +217,8 @@ TEST(RecordList, AskingForThePasswordGoesOnAfterAWrongOne) {
   world.phone.at(kRecordListScreen).choose({u"Menu", u"Close"});
   world.phone.at(kPassword).choose({u"Cancel"});
   world.phone.play([&] {
-    ShowRecordList(app, nullptr, path);
-    ShowRecordList(app, nullptr, path);
+    ShowRecordList(app, path);
+    ShowRecordList(app, path);
   });
 }
 

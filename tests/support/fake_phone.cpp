@@ -453,7 +453,7 @@ MessageAnswer FakePhone::message(const MessageBox& box) {
   while_message();
   --messages_up;
   if (dismissed_) {
-    return box.buttons == MessageButtons::kOk ? MessageAnswer::kOk : MessageAnswer::kNo;
+    return box.buttons == MessageButtons::kOk ? MessageAnswer::kOk : MessageAnswer::kNobody;
   }
   if (script_.empty() || script_.front().kind != StepKind::kMessage ||
       script_.front().text != box.text || script_.front().title != box.title ||

@@ -76,7 +76,7 @@ MessageAnswer MessageScreen::run() {
 }
 
 void MessageScreen::dismiss() {
-  answer(box_.buttons == MessageButtons::kOk ? MessageAnswer::kOk : MessageAnswer::kNo);
+  answer(box_.buttons == MessageButtons::kOk ? MessageAnswer::kOk : MessageAnswer::kNobody);
 }
 
 void MessageScreen::answer(MessageAnswer answer) {

@@ -28,7 +28,7 @@ class MessageScreen final : public Layer {
   void takeFocus() override;
   bool coversAll() const override { return false; }
   void answer(MessageAnswer answer);
-  void dismiss();  // the answer of somebody who is not there: OK, No
+  void dismiss();  // nobody is there to answer
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
