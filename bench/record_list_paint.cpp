@@ -16,7 +16,7 @@
 #include "app/program.h"
 #include "platform/qt/list_view.h"
 #include "platform/qt/screen_probe.h"
-#include "screens/screen_numbers.h"
+#include "screens/kit/screen_numbers.h"
 
 namespace tabelion {
 

@@ -7,7 +7,7 @@
 
 #include "app/options.h"
 #include "app/program.h"
-#include "app/tour.h"
+#include "app/tour/tour.h"
 #include "platform/qt/qt_instance.h"
 
 namespace {

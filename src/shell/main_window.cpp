@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
-#include "screens/about.h"
-#include "screens/copy_question.h"
-#include "screens/database_info.h"
-#include "screens/screen_numbers.h"
+#include "screens/files/copy_question.h"
+#include "screens/files/database_info.h"
+#include "screens/kit/screen_numbers.h"
+#include "screens/program/about.h"
 #include "services/file_management.h"
 #include "services/message.h"
 #include "services/modal.h"

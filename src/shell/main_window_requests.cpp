@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "screens/record_list.h"
+#include "screens/records/record_list.h"
 #include "services/message.h"
 #include "services/modal.h"
 #include "services/screen_text.h"

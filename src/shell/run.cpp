@@ -1,7 +1,7 @@
 #include "shell/run.h"
 
-#include "screens/ask_password.h"
-#include "screens/changed_file.h"
+#include "screens/files/changed_file.h"
+#include "screens/program/ask_password.h"
 #include "services/application.h"
 #include "services/open_database.h"
 #include "shell/main_window.h"

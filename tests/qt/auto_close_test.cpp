@@ -1,9 +1,9 @@
 // Auto-close in the real window, by real timers: nobody is there, and everything closes.
 #include <QElapsedTimer>
 
-#include "screens/edit_record.h"
-#include "screens/record_list.h"
-#include "screens/screen_numbers.h"
+#include "screens/kit/screen_numbers.h"
+#include "screens/records/edit_record.h"
+#include "screens/records/record_list.h"
 #include "scripted_run.h"
 #include "support/phone_world.h"
 

@@ -1,10 +1,10 @@
 #include <utility>
 
-#include "screens/ask_password.h"
-#include "screens/edit_record.h"
-#include "screens/note_text.h"
-#include "screens/record_list.h"
-#include "screens/screen_numbers.h"
+#include "screens/kit/screen_numbers.h"
+#include "screens/program/ask_password.h"
+#include "screens/records/edit_record.h"
+#include "screens/records/note_text.h"
+#include "screens/records/record_list.h"
 #include "security/database_encryption.h"
 #include "support/phone_world.h"
 

@@ -1,10 +1,10 @@
 #include "shell/main_window.h"
 
-#include "screens/changed_file.h"
-#include "screens/edit_record.h"
-#include "screens/preferences_screen.h"
-#include "screens/record_list.h"
-#include "screens/screen_numbers.h"
+#include "screens/files/changed_file.h"
+#include "screens/kit/screen_numbers.h"
+#include "screens/program/preferences_screen.h"
+#include "screens/records/edit_record.h"
+#include "screens/records/record_list.h"
 #include "services/modal.h"
 #include "support/phone_world.h"
 

@@ -1,0 +1,84 @@
+#include "screens/program/about.h"
+
+#include "screens/kit/screen_numbers.h"
+#include "services/screen_text.h"
+
+namespace tabelion {
+namespace {
+
+constexpr int kNamePixels = 20;
+constexpr Size kLogoSize{96, 48};
+
+DialogTemplate aboutTemplate() {
+  DialogTemplate dialog;
+  dialog.resource = kAboutScreen;
+  dialog.title = u"About";
+  dialog.controls = {
+      {.id = kAboutLogo, .kind = ControlKind::kIcon, .picture = Picture::kLogo},
+      {.id = kAboutName, .kind = ControlKind::kLabel, .text = u"Tabelion", .centered = true},
+      {.id = kAboutVersion,
+       .kind = ControlKind::kLabel,
+       .text = u"Version " + FromUtf8(TABELION_VERSION),
+       .centered = true},
+      {.id = kAboutPurpose,
+       .kind = ControlKind::kLabel,
+       .text = u"A personal relational database that is worked with a few keys. Each database is "
+               u"one file of up to 65,000 records."},
+      {.id = kAboutKeys,
+       .kind = ControlKind::kLabel,
+       .text = u"F1 and F2 are the soft keys, Enter opens, Backspace or Escape goes back.\n"
+               u"Help: tabelion --help"},
+  };
+  dialog.menu_bar.left = {.command = kActionCommand, .text = u"OK"};
+  return dialog;
+}
+
+class AboutScreen : public Screen {
+ public:
+  void onInit(Dialog& dialog) override {
+    dialog.control(kAboutName).setFontPixels(kNamePixels);
+    onResize(dialog);
+  }
+  void onResize(Dialog& dialog) override {
+    const Size full = dialog.fullScreenSize();
+    if (full.width == 320 && full.height == 240) {
+      placeLandscape(dialog);
+    } else {
+      placePortrait(dialog);
+    }
+  }
+  void onCommand(Dialog& dialog, CommandId command) override {
+    dialog.end(command == kActionCommand ? kDialogDone : kDialogClosed);
+  }
+
+ private:
+  // The name beside the logo.
+  static void placeLandscape(Dialog& dialog) {
+    dialog.control(kAboutLogo).setPlace({40, 12, kLogoSize.width, kLogoSize.height});
+    dialog.control(kAboutName).setPlace({136, 8, 136, 28});
+    dialog.control(kAboutVersion).setPlace({136, 38, 136, 20});
+    dialog.control(kAboutPurpose).setPlace({8, 74, 304, 48});
+    dialog.control(kAboutKeys).setPlace({8, 130, 304, 60});
+    dialog.setContentHeight(190);
+  }
+  // Everything below each other.
+  static void placePortrait(Dialog& dialog) {
+    const int width = dialog.screenSize().width;
+    dialog.control(kAboutLogo)
+        .setPlace({(width - kLogoSize.width) / 2, 12, kLogoSize.width, kLogoSize.height});
+    dialog.control(kAboutName).setPlace({0, 66, width, 28});
+    dialog.control(kAboutVersion).setPlace({0, 94, width, 20});
+    dialog.control(kAboutPurpose).setPlace({8, 126, width - 16, 64});
+    dialog.control(kAboutKeys).setPlace({8, 196, width - 16, 64});
+    dialog.setContentHeight(260);
+  }
+};
+
+}  // namespace
+
+int ShowAbout(Application& app) {
+  AboutScreen screen;
+  return RunModalDialog(app, aboutTemplate(), screen);
+}
+
+}  // namespace tabelion

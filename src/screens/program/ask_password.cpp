@@ -1,0 +1,111 @@
+#include "screens/program/ask_password.h"
+
+#include "screens/kit/screen_numbers.h"
+#include "services/message.h"
+#include "services/screen_text.h"
+#include "services/setting_table.h"
+
+namespace tabelion {
+namespace {
+
+DialogTemplate passwordTemplate(bool for_encryption) {
+  const std::u16string label =
+      for_encryption ? u"Enter Encryption Password" : u"Enter Access Password:";
+  DialogTemplate dialog;
+  dialog.resource = kPasswordScreen;
+  dialog.title = u"Tabelion";
+  dialog.controls = {
+      {.id = kPasswordLabel, .kind = ControlKind::kLabel, .text = label, .centered = true},
+      {.id = kPasswordEdit,
+       .kind = ControlKind::kEdit,
+       .accessible_name = label,
+       .max_length = static_cast<int>(kMaxPassword)},
+      {.id = kHidePasswordBox, .kind = ControlKind::kCheckBox, .text = u"Hide Password"},
+  };
+  dialog.menu_bar.left = {.command = kActionCommand, .text = u"OK"};
+  dialog.menu_bar.right = {.command = kBackCommand, .text = u"Cancel"};
+  return dialog;
+}
+
+class PasswordScreen : public Screen {
+ public:
+  PasswordScreen(Application& app, bool waits) : app_(app), waits_(waits) {}
+
+  void onInit(Dialog& dialog) override {
+    Settings& settings = app_.platform.settings;
+    const auto hide = ReadNumberSetting(settings, Setting::kHidePassword);
+    if (!hide) WriteNumberSetting(settings, Setting::kHidePassword, 0);
+    dialog.control(kHidePasswordBox).setChecked(hide.value_or(0) == 1);
+    dialog.control(kPasswordEdit).setMasked(hide.value_or(0) == 1);
+    onResize(dialog);
+    dialog.control(kPasswordEdit).focus();
+  }
+  void onResize(Dialog& dialog) override {
+    const int width = dialog.screenSize().width;
+    dialog.control(kPasswordLabel).setPlace({4, 20, width - 8, 20});
+    dialog.control(kPasswordEdit).setPlace({20, 46, width - 40, 24});
+    dialog.control(kHidePasswordBox).setPlace({20, 78, width - 40, 24});
+  }
+  void onNotice(Dialog& dialog, ControlId control, Notice notice) override {
+    if (control != kHidePasswordBox || notice != Notice::kEdited) return;
+    dialog.control(kPasswordEdit).setMasked(dialog.control(kHidePasswordBox).checked());
+  }
+  // The same text must be typable wherever the file is opened, so only what its code page has.
+  bool acceptsCharacter(Dialog&, ControlId, char32_t character) override {
+    return CanStore(app_, character);
+  }
+  void onCommand(Dialog& dialog, CommandId command) override {
+    if (command == kActionCommand) {
+      takeText(dialog);
+      dialog.end(kDialogDone);
+    } else if (command == kBackCommand) {
+      dialog.end(kDialogClosed);
+    }
+  }
+
+  // A password that nobody confirmed is none.
+  bool OnAutoClose(Dialog& dialog) override {
+    if (!waits_) storeHiding(dialog);
+    return !waits_;
+  }
+
+  Password typed;
+
+ private:
+  void takeText(Dialog& dialog) {
+    auto text = StoredText(app_, dialog.control(kPasswordEdit).text().substr(0, kMaxPassword));
+    if (text.ok()) {
+      typed.assign(*text);
+      WipeText(*text);
+    }
+    storeHiding(dialog);
+  }
+  void storeHiding(Dialog& dialog) {
+    WriteNumberSetting(app_.platform.settings, Setting::kHidePassword,
+                       dialog.control(kHidePasswordBox).checked() ? 1 : 0);
+  }
+
+  Application& app_;
+  bool waits_;
+};
+
+}  // namespace
+
+int AskPassword(Application& app, const PasswordQuestion& question, Password* typed) {
+  PasswordScreen screen(app, question.waits);
+  const int result = RunModalDialog(app, passwordTemplate(question.for_encryption), screen);
+  if (result != kDialogDone) return kPasswordCancelled;
+  if (typed != nullptr) *typed = screen.typed;
+  if (question.compare && screen.typed.text() != question.expected) {
+    ShowMessage(app, u"Invalid Password", u"Error", MessageIcon::kError);
+  }
+  return kPasswordConfirmed;
+}
+
+EncryptionPasswordPrompt AskEncryptionPassword(Application& app, bool waits) {
+  return [&app, waits](Password& typed) {
+    return AskPassword(app, {.for_encryption = true, .waits = waits}, &typed) == kPasswordConfirmed;
+  };
+}
+
+}  // namespace tabelion

@@ -1,0 +1,246 @@
+#include "screens/program/preferences_screen.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "screens/kit/screen_numbers.h"
+#include "services/screen_text.h"
+#include "services/setting_table.h"
+
+namespace tabelion {
+namespace {
+
+constexpr ControlId kWeekStartsLabel = 1;
+constexpr int kMillisecondsPerSecond = 1000;
+constexpr int kMillisecondsPerMinute = 60000;
+constexpr std::size_t kSecondsLength = 4;
+constexpr int kMinutesLength = 3;
+constexpr const char16_t* kPresetMinutes[] = {u"1", u"3", u"5", u"10", u"30"};
+constexpr int kPresets = static_cast<int>(std::size(kPresetMinutes));
+constexpr char16_t kAutoCloseOn[] = u"Auto Close All DBs after";
+constexpr char16_t kAutoCloseOff[] =
+    u"Auto Close All DBs after        ___________ Minute(s)       of no activity";
+
+DialogTemplate preferencesTemplate() {
+  DialogTemplate dialog;
+  dialog.resource = kPreferencesScreen;
+  dialog.title = u"Preferences";
+  dialog.controls = {
+      {.id = kSaveOnCloseBox,
+       .kind = ControlKind::kCheckBox,
+       .text = u"Auto Save Database When Closed"},
+      {.id = kSaveByTimeBox,
+       .kind = ControlKind::kCheckBox,
+       .text = u"Auto Save  databases after:"},
+      {.id = kSaveSeconds,
+       .kind = ControlKind::kEdit,
+       .accessible_name = u"Seconds between automatic saves",
+       .right_aligned = true,
+       .max_length = static_cast<int>(kSecondsLength)},
+      {.id = kSecondsLabel, .kind = ControlKind::kLabel, .text = u" Seconds"},
+      {.id = kAutoEncryptBox,
+       .kind = ControlKind::kCheckBox,
+       .text = u"When decrypting data, remember password  and  use to auto encrypt on close"},
+      {.id = kAutoCloseBox, .kind = ControlKind::kCheckBox},
+      {.id = kCloseMinutes,
+       .kind = ControlKind::kEdit,
+       .accessible_name = u"Minutes of no activity before all databases are closed",
+       .right_aligned = true,
+       .max_length = kMinutesLength},
+      {.id = kMinutesPreset,
+       .kind = ControlKind::kSpin,
+       .accessible_name = u"Usual numbers of minutes",
+       .minimum = 1,
+       .maximum = kPresets},
+      {.id = kMinutesLabel, .kind = ControlKind::kLabel, .text = u"Minute(s) of no activity"},
+      {.id = kWeekStartsLabel, .kind = ControlKind::kLabel, .text = u"Week Starts"},
+      {.id = kWeekStartChoice, .kind = ControlKind::kChoice, .accessible_name = u"Week Starts"},
+  };
+  dialog.menu_bar.resource = 143;
+  dialog.menu_bar.left = {.command = kDoneCommand, .text = u"Done"};
+  dialog.menu_bar.right = {.command = kCancelCommand, .text = u"Cancel"};
+  return dialog;
+}
+
+std::u16string numberText(int number) {
+  return FromUtf8(std::to_string(number));
+}
+
+// What a number box holds, which takes digits only.
+std::string digitsOf(const std::u16string& text) {
+  std::string digits;
+  for (const char16_t digit : text) digits.push_back(static_cast<char>(digit));
+  return digits;
+}
+
+}  // namespace
+
+int ShowPreferences(Application& app) {
+  PreferencesScreen screen(app);
+  return RunModalDialog(app, preferencesTemplate(), screen);
+}
+
+void PreferencesScreen::onInit(Dialog& dialog) {
+  const Preferences& now = app_.preferences;
+  dialog.control(kSaveOnCloseBox).setChecked(now.auto_save_on_close);
+  const bool saves_by_time = now.auto_save_period_ms >= 1;
+  dialog.control(kSaveByTimeBox).setChecked(saves_by_time);
+  ShowSeconds(dialog, saves_by_time);
+  if (saves_by_time) {
+    dialog.control(kSaveSeconds)
+        .setText(numberText(now.auto_save_period_ms / kMillisecondsPerSecond));
+  }
+  dialog.control(kAutoEncryptBox).setChecked(now.auto_encrypt);
+  dialog.control(kWeekStartChoice).setChoices({u"Sunday", u"Monday"});
+  dialog.control(kWeekStartChoice).select(now.week_starts_monday != 0 ? 1 : 0);
+  dialog.control(kAutoCloseBox).setChecked(now.auto_close_enabled);
+  ShowMinutes(dialog, now.auto_close_enabled);
+  if (now.auto_close_enabled) {
+    const std::u16string minutes = numberText(now.auto_close_period_ms / kMillisecondsPerMinute);
+    dialog.control(kCloseMinutes).setText(minutes);
+    // A step of the spin goes on from what the box shows.
+    const auto* preset = std::find(std::begin(kPresetMinutes), std::end(kPresetMinutes), minutes);
+    if (preset != std::end(kPresetMinutes)) {
+      dialog.control(kMinutesPreset).select(static_cast<int>(preset - kPresetMinutes) + 1);
+    }
+  }
+  Layout(dialog);
+}
+
+// Rows from the top. The two parts of a longer row stand where the text of its check box ends,
+// indented; the long text of the box for auto-close takes their place while they are hidden.
+void PreferencesScreen::Layout(Dialog& dialog) {
+  constexpr int kLeft = 2;
+  constexpr int kIndent = 22;
+  constexpr int kRow = 22;
+  constexpr int kGap = 2;
+  constexpr int kWideScreen = 300;
+  constexpr int kTextLine = 15;
+  const int width = dialog.screenSize().width - 2 * kLeft;
+  const int lines = width >= kWideScreen ? 2 : 3;  // that a long text takes
+  int y = kGap;
+  const auto place = [&](ControlId id, int x, int wide, int high) {
+    dialog.control(id).setPlace({x, y, wide, high});
+  };
+  place(kSaveOnCloseBox, kLeft, width, kRow);
+  y += kRow + kGap;
+  place(kSaveByTimeBox, kLeft, width, kRow);
+  y += kRow + kGap;
+  place(kSaveSeconds, kIndent, 46, kRow);
+  place(kSecondsLabel, kIndent + 48, 80, kRow);
+  y += kRow + kGap;
+  const int long_row = lines * kTextLine + 6;
+  place(kAutoEncryptBox, kLeft, width, long_row);
+  y += long_row + kGap;
+  const bool closes = dialog.control(kAutoCloseBox).checked();
+  place(kAutoCloseBox, kLeft, width, closes ? kRow : long_row);
+  const int below = y + std::max(long_row, 2 * kRow + kGap) + kGap;
+  y += kRow + kGap;
+  place(kCloseMinutes, kIndent, 34, kRow);
+  place(kMinutesPreset, kIndent + 36, 28, kRow);  // its arrows alone: the box shows the value
+  place(kMinutesLabel, kIndent + 66, width - kIndent - 64, kRow);
+  y = below;
+  place(kWeekStartsLabel, kLeft, 84, kRow);
+  place(kWeekStartChoice, kLeft + 86, 110, kRow);
+  dialog.setContentHeight(y + kRow + kGap);
+}
+
+void PreferencesScreen::ShowSeconds(Dialog& dialog, bool shown) {
+  dialog.control(kSaveSeconds).setVisible(shown);
+  dialog.control(kSecondsLabel).setVisible(shown);
+}
+
+void PreferencesScreen::ShowMinutes(Dialog& dialog, bool shown) {
+  dialog.control(kAutoCloseBox).setText(shown ? kAutoCloseOn : kAutoCloseOff);
+  for (const ControlId id : {kCloseMinutes, kMinutesPreset, kMinutesLabel}) {
+    dialog.control(id).setVisible(shown);
+  }
+}
+
+void PreferencesScreen::onNotice(Dialog& dialog, ControlId control, Notice notice) {
+  if (notice != Notice::kEdited) return;
+  switch (control) {
+    case kSaveByTimeBox: {
+      const bool checked = dialog.control(kSaveByTimeBox).checked();
+      if (checked) dialog.control(kSaveSeconds).setText(u"60");
+      return ShowSeconds(dialog, checked);
+    }
+    case kAutoCloseBox:
+      ShowMinutes(dialog, dialog.control(kAutoCloseBox).checked());
+      return Layout(dialog);
+    case kMinutesPreset: {
+      const int preset = dialog.control(kMinutesPreset).selection();
+      return dialog.control(kCloseMinutes)
+          .setText(kPresetMinutes[std::clamp(preset, 1, kPresets) - 1]);
+    }
+    case kWeekStartChoice:
+      // At once: it stays so even when the dialog is cancelled.
+      app_.preferences.week_starts_monday = dialog.control(kWeekStartChoice).selection();
+      return;
+    default:
+      return;
+  }
+}
+
+bool PreferencesScreen::acceptsCharacter(Dialog&, ControlId, char32_t character) {
+  return character >= U'0' && character <= U'9';
+}
+
+void PreferencesScreen::onCommand(Dialog& dialog, CommandId command) {
+  switch (command) {
+    case kDoneCommand:
+    case kActionCommand:
+      Store(dialog);
+      return dialog.end(kDialogDone);
+    case kCancelCommand:
+      return dialog.end(kDialogClosed);
+    case kBackCommand:
+      return Back(dialog);
+    default:
+      return;
+  }
+}
+
+// In a number box the Back key takes a digit away.
+void PreferencesScreen::Back(Dialog& dialog) {
+  for (const ControlId id : {kSaveSeconds, kCloseMinutes}) {
+    Control& box = dialog.control(id);
+    if (!box.hasFocus()) continue;
+    std::u16string digits = box.text();
+    if (!digits.empty()) digits.pop_back();
+    return box.setText(digits);
+  }
+  dialog.end(kDialogClosed);
+}
+
+bool PreferencesScreen::OnAutoClose(Dialog& dialog) {
+  Store(dialog);
+  return true;
+}
+
+void PreferencesScreen::Store(Dialog& dialog) {
+  Preferences& now = app_.preferences;
+  now.auto_save_on_close = dialog.control(kSaveOnCloseBox).checked();
+  now.auto_encrypt = dialog.control(kAutoEncryptBox).checked();
+  const std::string seconds =
+      digitsOf(dialog.control(kSaveSeconds).text().substr(0, kSecondsLength));
+  const bool saves = dialog.control(kSaveByTimeBox).checked() && !seconds.empty();
+  StoreSavePeriod(saves ? seconds : "0");
+  now.auto_close_enabled = dialog.control(kAutoCloseBox).checked();
+  if (now.auto_close_enabled) {
+    const int minutes = LeadingNumber(digitsOf(dialog.control(kCloseMinutes).text()));
+    now.auto_close_enabled = minutes != 0;
+    now.auto_close_period_ms = minutes * kMillisecondsPerMinute;
+  }
+  WriteNumberSetting(app_.platform.settings, Setting::kWeekStart, now.week_starts_monday);
+}
+
+void PreferencesScreen::StoreSavePeriod(const std::string& seconds) {
+  const int period_ms = LeadingNumber(seconds) * kMillisecondsPerSecond;
+  if (period_ms == app_.preferences.auto_save_period_ms) return;
+  app_.preferences.auto_save_period_ms = period_ms;
+  WriteSetting(app_.platform.settings, Setting::kAutoSaveSeconds, seconds);
+  if (app_.restart_auto_save) app_.restart_auto_save();
+}
+
+}  // namespace tabelion

@@ -1,0 +1,287 @@
+#include "screens/records/edit_record.h"
+
+#include <algorithm>
+
+#include "query/record_change.h"
+#include "screens/kit/screen_numbers.h"
+#include "screens/program/ask_password.h"
+#include "services/access.h"
+#include "services/encryption.h"
+#include "services/message.h"
+#include "services/screen_text.h"
+
+namespace tabelion {
+namespace {
+
+constexpr CommandId kFormDone = kActionCommand;
+constexpr CommandId kFormCancel = kDoneCommand;  // the number that Done has elsewhere
+constexpr CommandId kGoFirst = 40201;
+constexpr CommandId kGoPrevious = 40202;
+constexpr CommandId kGoNext = 40203;
+constexpr CommandId kGoLast = 40204;
+
+DialogTemplate editRecordTemplate(const DatabaseRecord& schema) {
+  DialogTemplate dialog;
+  dialog.resource = kEditRecordScreen;
+  dialog.title = u"Edit Record";
+  dialog.menu_bar.resource = 115;
+  dialog.menu_bar.left = {.command = kFormDone, .text = u"Done"};
+  dialog.menu_bar.right = {.text = u"Menu",
+                           .children = {{.command = kWiderCommand, .text = u"Increase Width"},
+                                        {.command = kNarrowerCommand, .text = u"Decrease Width"},
+                                        {.command = kNewRecordCommand, .text = u"New Record"},
+                                        {.command = kDeleteCommand, .text = u"Delete Record"},
+                                        {.text = u"Go To",
+                                         .children = {{.command = kGoFirst, .text = u"First"},
+                                                      {.command = kGoPrevious, .text = u"Previous"},
+                                                      {.command = kGoNext, .text = u"Next"},
+                                                      {.command = kGoLast, .text = u"Last"}}},
+                                        {.command = kFormCancel, .text = u"Cancel"}}};
+  if (schema.encryption_mode == kEncryptRecordsByHand) {
+    auto& entries = dialog.menu_bar.right.children;
+    entries.insert(entries.end() - 1, {.command = kEncryptCommand, .text = u"Encrypt Record"});
+  }
+  return dialog;
+}
+
+}  // namespace
+
+bool HasRoomForRecord(Application& app) {
+  if (!CurrentDatabase(app).records.isFull()) return true;
+  ShowMessage(app,
+              u"This database holds 65,000 records, which is the most that it can. Delete some "
+              u"before you add another.",
+              u"New Record", MessageIcon::kExclamation);
+  return false;
+}
+
+int ShowEditRecord(Application& app, std::uint32_t record) {
+  EditRecordScreen screen(app, record);
+  return RunModalDialog(app, editRecordTemplate(CurrentDatabase(app).schema), screen);
+}
+
+void EditRecordScreen::onInit(Dialog& dialog) {
+  LoadEditRecord(dialog, first_record_);
+}
+
+bool EditRecordScreen::MayChange() const {
+  return app_.level().new_record ||
+         CheckSecurity(CurrentDatabase(app_).schema, Operation::kChange) == kAccessGranted;
+}
+
+void EditRecordScreen::LoadEditRecord(Dialog& dialog, std::uint32_t record) {
+  const Database& database = CurrentDatabase(app_);
+  app_.level().current_record = record;
+  app_.level().new_record = record == kNewRecord;
+  copy_.reset();
+  if (app_.level().new_record) {
+    copy_ = newRecord(database.schema);
+  } else if (record < database.records.count()) {
+    const ByteView stored = database.records[record].bytes();
+    Bytes bytes(stored.begin(), stored.end());
+    DecipherForEditing(bytes);
+    copy_ = unpackRecord(bytes);
+  }
+  Bytes packed;
+  if (copy_ && !packRecord(*copy_, packed)) copy_.reset();
+  form_.Show(dialog, packed, copy_.has_value() && MayChange());
+}
+
+void EditRecordScreen::onCommand(Dialog& dialog, CommandId command) {
+  switch (command) {
+    case kFormDone:
+      return Leave(dialog, true);
+    case kBackCommand:
+      return Leave(dialog, false);
+    case kFormCancel:
+      return dialog.end(kDialogClosed);
+    case kWiderCommand:
+      return ChangeWidth(dialog, kWidthStep);
+    case kNarrowerCommand:
+      return ChangeWidth(dialog, -kWidthStep);
+    case kNewRecordCommand:
+      return NewRecord(dialog);
+    case kDeleteCommand:
+      return DeleteEditRecord(dialog);
+    case kEncryptCommand:
+      return ToggleEncryption(dialog);
+    case kGoFirst:
+    case kGoPrevious:
+    case kGoNext:
+    case kGoLast:
+      return MoveTo(dialog, static_cast<Move>(command - kGoFirst));
+    default:
+      return;
+  }
+}
+
+// Going back from a new record on which nothing was entered stores none.
+void EditRecordScreen::Leave(Dialog& dialog, bool keep_untouched_new) {
+  const bool untouched_new = app_.level().new_record && !form_.Changed(dialog);
+  if ((untouched_new && !keep_untouched_new) || SaveEditRecord(dialog)) dialog.end(kDialogClosed);
+}
+
+void EditRecordScreen::onNotice(Dialog& dialog, ControlId control, Notice notice) {
+  if (notice == Notice::kEdited) form_.OnEdited(dialog, control);
+  if (notice == Notice::kFocusGained) form_.OnFocus(dialog, control, true);
+  if (notice == Notice::kFocusLost) form_.OnFocus(dialog, control, false);
+  if (notice == Notice::kActivated) form_.OnActivated(dialog, control);
+}
+
+bool EditRecordScreen::onKey(Dialog& dialog, const KeyPress& key) {
+  if (key.key != Key::kPageUp && key.key != Key::kPageDown) return false;
+  MoveTo(dialog, key.key == Key::kPageUp ? Move::kPrevious : Move::kNext);
+  return true;
+}
+
+bool EditRecordScreen::acceptsCharacter(Dialog&, ControlId, char32_t character) {
+  return CanStore(app_, character);
+}
+
+void EditRecordScreen::onMenuOpening(Dialog&, MenuEntry& soft_key) {
+  for (MenuEntry& entry : soft_key.children) {
+    if (entry.command == kDeleteCommand) entry.enabled = copy_.has_value();
+    if (entry.command == kEncryptCommand) {
+      entry.enabled = copy_.has_value();
+      const bool encrypted = copy_ && isRecordEncrypted(copy_->prefix);
+      entry.text = encrypted ? u"Decrypt Record" : u"Encrypt Record";
+    }
+  }
+}
+
+bool EditRecordScreen::SaveEditRecord(Dialog& dialog) {
+  if (!copy_) return true;
+  const bool changed = form_.Changed(dialog);
+  // Looking at a record is no reason to store it.
+  if (!app_.level().new_record && !changed) return true;
+  if (!app_.level().new_record &&
+      SecurityCode(CurrentDatabase(app_).schema, Operation::kChange) == kCodeRestricted) {
+    return true;
+  }
+  if (!app_.level().new_record && CheckSecurity(app_, Operation::kChange, true) == kAccessRefused) {
+    return true;
+  }
+  UnpackedRecord before = *copy_;
+  const bool now_or_never = app_.closing == Closing::kSessionEnds;
+  if (!form_.Collect(dialog, *copy_, now_or_never ? Unaccepted::kIsLeftOut : Unaccepted::kStops)) {
+    return false;
+  }
+  if (StoreCopy()) return true;
+  copy_ = std::move(before);  // so that another attempt starts from what is stored
+  return false;
+}
+
+bool EditRecordScreen::StoreCopy() {
+  if (app_.level().new_record && !HasRoomForRecord(app_)) return false;
+  Database& database = CurrentDatabase(app_);
+  const std::uint32_t position = storeRecord(
+      database, app_.engine, app_.level().new_record ? kNoPosition : app_.level().current_record,
+      *copy_, QuerySettingsOf(app_, database), [this](std::uint32_t, int) {
+        ShowMessage(app_, u"Formula is invalid or corrupt, please verify", u"Error",
+                    MessageIcon::kExclamation);
+      });
+  if (position == kNoPosition) {
+    ShowMessage(app_, u"ERROR: Saving record!", u"ERROR", MessageIcon::kWarning);
+    return false;
+  }
+  app_.level().current_record = position;
+  app_.level().new_record = false;
+  if (database.schema.encryption_mode == kEncryptRecordsOnSave) EncipherStored();
+  app_.engine.steps.refresh(database);
+  return true;
+}
+
+// In a database that enciphers what it saves, the copy is in clear once its password was given.
+// When the user gives none, the form shows the record as it is stored.
+void EditRecordScreen::DecipherForEditing(Bytes& record) {
+  if (CurrentDatabase(app_).schema.encryption_mode != kEncryptRecordsOnSave) return;
+  while (isRecordEncrypted(record) &&
+         PromptDecryptRecord(app_, record, AskEncryptionPassword(app_)) == kWrongPassword) {
+    ShowMessage(app_, u"ERROR: Password does not properly decrypt this data.  Please Try again.",
+                u"ACCESS DENIED", MessageIcon::kError);
+  }
+}
+
+void EditRecordScreen::EncipherStored() {
+  Database& database = CurrentDatabase(app_);
+  const ByteView stored = database.records[app_.level().current_record].bytes();
+  Bytes record(stored.begin(), stored.end());
+  if (isRecordEncrypted(record) ||
+      !PromptEncryptRecord(app_, record, AskEncryptionPassword(app_, true))) {
+    return;
+  }
+  if (database.records.replace(app_.level().current_record, record)) setDirty(database);
+}
+
+void EditRecordScreen::ToggleEncryption(Dialog& dialog) {
+  if (CheckSecurity(app_, Operation::kChange, true) != kAccessGranted || !SaveEditRecord(dialog) ||
+      app_.level().new_record) {
+    return;
+  }
+  Database& database = CurrentDatabase(app_);
+  const ByteView stored = database.records[app_.level().current_record].bytes();
+  if (isRecordEncrypted(stored)) {
+    Bytes record(stored.begin(), stored.end());
+    const int result = PromptDecryptRecord(app_, record, AskEncryptionPassword(app_));
+    if (result == kWrongPassword) {
+      ShowMessage(app_, u"Error: Supplied Password does not properly Decrypt Record!", u"Error",
+                  MessageIcon::kError);
+    }
+    if (result != kRecordDecrypted) return;
+    if (database.records.replace(app_.level().current_record, record)) setDirty(database);
+  } else {
+    EncipherStored();
+  }
+  app_.engine.steps.refresh(database);
+  LoadEditRecord(dialog, app_.level().current_record);
+}
+
+void EditRecordScreen::DeleteEditRecord(Dialog& dialog) {
+  if (app_.level().new_record) return dialog.end(kDialogClosed);
+  if (Ask(app_, u"Are you sure you want to delete this record?", u"Confirm Delete") !=
+          Answer::kYes ||
+      CheckSecurity(app_, Operation::kDelete, true) == kAccessRefused) {
+    return;
+  }
+  Database& database = CurrentDatabase(app_);
+  deleteRecords(database, {app_.level().current_record}, QuerySettingsOf(app_, database));
+  if (app_.level().current_record > 0) --app_.level().current_record;
+  app_.engine.steps.refresh(database);
+  dialog.end(kDialogClosed);
+}
+
+void EditRecordScreen::MoveTo(Dialog& dialog, Move move) {
+  if (CheckSecurity(app_, Operation::kChange, true) == kAccessRefused) return;
+  const bool untouched_new = app_.level().new_record && !form_.Changed(dialog);
+  if (!untouched_new && !SaveEditRecord(dialog)) return;
+  const auto& index = CurrentDatabase(app_).record_index;
+  if (index.empty()) return;
+  // A record that the list does not show, a new one for instance, lies behind the last.
+  const auto here = std::find(index.begin(), index.end(), app_.level().current_record);
+  auto to = here;
+  if (move == Move::kFirst) to = index.begin();
+  if (move == Move::kLast) to = index.end() - 1;
+  if (move == Move::kPrevious && here != index.begin()) to = here - 1;
+  if (move == Move::kNext && here != index.end()) to = here + 1;
+  LoadEditRecord(dialog, to == index.end() ? app_.level().current_record : *to);
+}
+
+void EditRecordScreen::NewRecord(Dialog& dialog) {
+  if (CheckSecurity(app_, Operation::kAdd, true) != kAccessGranted || !SaveEditRecord(dialog) ||
+      !HasRoomForRecord(app_)) {
+    return;
+  }
+  LoadEditRecord(dialog, kNewRecord);
+}
+
+void EditRecordScreen::ChangeWidth(Dialog& dialog, int step) {
+  Database& database = CurrentDatabase(app_);
+  const int now = database.schema.label_width_adjustment;
+  const int wanted = std::clamp(now + step, kNarrowestValues, kWidestValues);
+  if (wanted == now) return;
+  database.schema.label_width_adjustment = static_cast<std::int16_t>(wanted);
+  setDirty(database);
+  form_.Place(dialog);
+}
+
+}  // namespace tabelion

@@ -1,0 +1,60 @@
+// The form on which one record is shown and changed.
+//
+// Keys: Up and Down move between the rows, Page Up and Page Down to the previous and the next
+// record, the action key is Done. Leaving by the Back key saves as well; only Cancel does not.
+#pragma once
+
+#include <optional>
+
+#include "engine/packed_record.h"
+#include "screens/records/record_form.h"
+#include "services/application.h"
+#include "services/modal.h"
+
+namespace tabelion {
+
+class EditRecordScreen : public Screen {
+ public:
+  EditRecordScreen(Application& app, std::uint32_t record)
+      : app_(app), form_(app), first_record_(record) {}
+
+  void onInit(Dialog& dialog) override;
+  void onCommand(Dialog& dialog, CommandId command) override;
+  void onNotice(Dialog& dialog, ControlId control, Notice notice) override;
+  bool onKey(Dialog& dialog, const KeyPress& key) override;
+  bool acceptsCharacter(Dialog& dialog, ControlId control, char32_t character) override;
+  void onMenuOpening(Dialog& dialog, MenuEntry& soft_key) override;
+  void onResize(Dialog& dialog) override { form_.Place(dialog); }
+  bool OnAutoClose(Dialog& dialog) override { return SaveEditRecord(dialog); }
+
+ private:
+  enum class Move { kFirst, kPrevious, kNext, kLast };
+
+  void LoadEditRecord(Dialog& dialog, std::uint32_t record);
+  // False when the form must stay, because a value or the record was not accepted.
+  bool SaveEditRecord(Dialog& dialog);
+  bool StoreCopy();
+  void DeleteEditRecord(Dialog& dialog);
+  void MoveTo(Dialog& dialog, Move move);
+  void NewRecord(Dialog& dialog);
+  void Leave(Dialog& dialog, bool keep_untouched_new);
+  void ChangeWidth(Dialog& dialog, int step);
+  void DecipherForEditing(Bytes& record);
+  void EncipherStored();
+  void ToggleEncryption(Dialog& dialog);
+  bool MayChange() const;
+
+  Application& app_;
+  RecordForm form_;
+  std::uint32_t first_record_;
+  std::optional<UnpackedRecord> copy_;  // of the record being edited; none when there is no record
+};
+
+// Whether the database has room for another record; says so when it has not.
+bool HasRoomForRecord(Application& app);
+
+// Shows a record, or a new one for kNewRecord. kDialogClosed, or kDialogAutoClosed when the
+// database is to be closed.
+int ShowEditRecord(Application& app, std::uint32_t record);
+
+}  // namespace tabelion

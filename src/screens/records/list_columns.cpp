@@ -1,0 +1,70 @@
+#include "screens/records/list_columns.h"
+
+#include "query/field_text.h"
+#include "services/screen_text.h"
+
+namespace tabelion {
+namespace {
+
+constexpr Color kSelectedRow{64, 188, 255};
+constexpr Color kEvenRow{224, 224, 224};
+constexpr Color kOddRow{255, 255, 255};
+constexpr Color kInk{0, 0, 0};
+
+Color backgroundOf(int row, bool selected) {
+  if (selected) return kSelectedRow;
+  return row % 2 == 0 ? kEvenRow : kOddRow;
+}
+
+}  // namespace
+
+int ColumnPixels(const FieldDefinition& field) {
+  return field.column_width * 3 / 2;
+}
+
+std::vector<ListColumn> MakeListColumns(const Application& app, const DatabaseRecord& schema,
+                                        const std::vector<int>& slots) {
+  std::vector<ListColumn> columns;
+  for (const int slot : slots) {
+    const FieldDefinition& field = schema.fields[static_cast<std::size_t>(slot)];
+    columns.push_back({ScreenText(app, fieldName(field)), ColumnPixels(field)});
+  }
+  return columns;
+}
+
+std::u16string ListCellText(Application& app, std::uint32_t record, int slot) {
+  const Database& database = CurrentDatabase(app);
+  // A lookup's text is the other database's, which the list does not open.
+  if (database.schema.fields[static_cast<std::size_t>(slot)].type == kLookup) return {};
+  return ScreenText(
+      app, fieldText(database, database.records[record].bytes(), slot, app.level().formats).text);
+}
+
+void PaintListRow(Application& app, int row, const RowPainting& row_painting, ListPainter& painter,
+                  const Rect& area) {
+  painter.fill(area, backgroundOf(row, row_painting.selected));
+  const Database& database = CurrentDatabase(app);
+  if (row < 0 || static_cast<std::size_t>(row) >= database.record_index.size()) return;
+  const std::uint32_t record = database.record_index[static_cast<std::size_t>(row)];
+  if (record >= database.records.count()) return;
+  int left = area.x;
+  for (std::size_t i = 0; i < row_painting.slots.size() && i < row_painting.columns.size(); ++i) {
+    const int width = row_painting.columns[i].width;
+    Rect cell{left, area.y, width, area.height};
+    left += width;
+    if (width > 2) {  // one pixel of air on each side
+      cell.x += 1;
+      cell.width -= 2;
+    }
+    const int slot = row_painting.slots[i];
+    const std::u16string text = ListCellText(app, record, slot);
+    if (database.schema.fields[static_cast<std::size_t>(slot)].type == kCheckBox) {
+      painter.picture({cell.x, cell.y},
+                      text.starts_with(u'1') ? Picture::kChecked : Picture::kUnchecked);
+    } else if (!text.empty()) {
+      painter.text(cell, text, kInk, TextWeight::kNormal);
+    }
+  }
+}
+
+}  // namespace tabelion

@@ -1,0 +1,273 @@
+#include "screens/records/record_form.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "query/date_text.h"
+#include "query/field_text.h"
+#include "query/field_value.h"
+#include "query/time_text.h"
+#include "screens/records/form_controls.h"
+#include "screens/records/note_text.h"
+#include "services/message.h"
+#include "services/screen_text.h"
+
+namespace tabelion {
+namespace {
+
+void replaceAll(std::u16string& text, std::u16string_view from, std::u16string_view to) {
+  for (std::size_t at = text.find(from); at != std::u16string::npos;
+       at = text.find(from, at + to.size())) {
+    text.replace(at, from.size(), to);
+  }
+}
+
+// What an empty date or time shows while nobody is in its box; none for other types.
+std::u16string placeholderOf(int type) {
+  if (type == kDate) return FromUtf8(kNoDateText);
+  if (type == kTime) return FromUtf8(kNoTimeText);
+  return {};
+}
+
+}  // namespace
+
+const FieldDefinition& RecordForm::Definition(int slot) const {
+  return CurrentDatabase(app_).schema.fields[static_cast<std::size_t>(slot)];
+}
+
+const FieldRecord& RecordForm::Items(int slot) const {
+  return CurrentDatabase(app_).fields[static_cast<std::size_t>(slot)];
+}
+
+void RecordForm::Show(Dialog& dialog, ByteView record, bool editable) {
+  Clear(dialog);
+  record_.assign(record.begin(), record.end());
+  const FormLayout layout = LayoutEditForm(CurrentDatabase(app_).schema, dialog.screenSize().width);
+  fields_.reserve(layout.rows.size());
+  for (const FormRow& row : layout.rows) {
+    Field& field = fields_.emplace_back(MakeField(row, record, editable));
+    AddControls(dialog, field);
+    if (field.kind == ControlKind::kChoice) FillChoice(dialog, field, record);
+  }
+  dialog.setContentHeight(layout.height);
+  const auto first = std::find_if(fields_.begin(), fields_.end(), [](const Field& field) {
+    return field.kind != ControlKind::kLabel && !field.read_only;
+  });
+  if (first != fields_.end()) dialog.control(FormValue(first->row.slot)).focus();
+}
+
+RecordForm::Field RecordForm::MakeField(const FormRow& row, ByteView record, bool editable) const {
+  const FieldDefinition& definition = Definition(row.slot);
+  Field field;
+  field.row = row;
+  field.read_only = !editable || IsShownOnly(row.type) || isMasked(definition, record);
+  field.shown = ScreenText(
+      app_, editText(CurrentDatabase(app_), record, row.slot, app_.level().formats).text);
+  field.kind =
+      isMasked(definition, record) ? ControlKind::kEdit : FormControlKind(row.type, field.shown);
+  if (field.kind == ControlKind::kButton) {
+    field.crlf = field.shown.find(u"\r\n") != std::u16string::npos;
+    replaceAll(field.shown, u"\r\n", u"\n");
+    replaceAll(field.shown, u"\r", u"\n");
+  }
+  field.text = field.shown;
+  field.max_length = MaxTypedLength(definition);
+  return field;
+}
+
+void RecordForm::AddControls(Dialog& dialog, const Field& field) {
+  const int slot = field.row.slot;
+  const std::u16string name = ScreenText(app_, fieldName(Definition(slot)));
+  dialog.addControl(
+      {.id = FormLabel(slot), .kind = ControlKind::kLabel, .text = name, .place = field.row.label});
+  if (field.row.icon) {
+    dialog.addControl({.id = FormIcon(slot),
+                       .kind = ControlKind::kIcon,
+                       .place = *field.row.icon,
+                       .picture = FormIconPicture(field.row.type)});
+  }
+  ControlTemplate value{
+      .id = FormValue(slot), .kind = field.kind, .place = field.row.value, .accessible_name = name};
+  value.read_only = field.read_only;
+  if (field.kind == ControlKind::kEdit || field.kind == ControlKind::kLabel) {
+    value.text = field.shown;
+    value.max_length = field.max_length;
+  } else if (field.kind == ControlKind::kButton) {
+    value.text = ButtonText(field.shown);  // stays enabled: it shows what the button leads to
+  } else {
+    value.enabled = !field.read_only;
+  }
+  Control& control = dialog.addControl(value);
+  if (field.kind == ControlKind::kCheckBox) control.setChecked(field.shown.starts_with(u'1'));
+}
+
+// The items in their order, each indented by its level, and "No Value" behind them.
+void RecordForm::FillChoice(Dialog& dialog, Field& field, ByteView record) {
+  const FieldRecord& items = Items(field.row.slot);
+  std::vector<std::u16string> texts;
+  for (const PopupItem& item : items.items) {
+    const auto indent = static_cast<std::size_t>(std::min(item.level(), 5)) * 2;
+    texts.push_back(std::u16string(indent, u' ') + ScreenText(app_, item.text));
+  }
+  texts.push_back(FromUtf8(kNoValueText));
+  field.choice = static_cast<int>(items.items.size());
+  if (const auto stored = slotValue(record, field.row.slot)) {
+    if (const PopupItem* item = findItem(items, *stored)) {
+      field.choice = static_cast<int>(item - items.items.data());
+    }
+  }
+  Control& control = dialog.control(FormValue(field.row.slot));
+  control.setChoices(texts);
+  control.select(field.choice);
+}
+
+void RecordForm::Place(Dialog& dialog) {
+  const FormLayout layout = LayoutEditForm(CurrentDatabase(app_).schema, dialog.screenSize().width);
+  for (const FormRow& row : layout.rows) {
+    Field* field = FieldOf(FormValue(row.slot));
+    if (field == nullptr) continue;
+    field->row = row;
+    dialog.control(FormLabel(row.slot)).setPlace(row.label);
+    dialog.control(FormValue(row.slot)).setPlace(row.value);
+    if (row.icon) dialog.control(FormIcon(row.slot)).setPlace(*row.icon);
+  }
+  dialog.setContentHeight(layout.height);
+}
+
+void RecordForm::Clear(Dialog& dialog) {
+  // Notices that come of the removal find no rows any more.
+  const std::vector<Field> fields = std::exchange(fields_, {});
+  for (const Field& field : fields) {
+    dialog.removeControl(FormLabel(field.row.slot));
+    dialog.removeControl(FormValue(field.row.slot));
+    if (field.row.icon) dialog.removeControl(FormIcon(field.row.slot));
+  }
+}
+
+bool RecordForm::IsChanged(Dialog& dialog, const Field& field) const {
+  if (field.read_only || field.kind == ControlKind::kLabel) return false;
+  if (field.kind == ControlKind::kButton) return field.text != field.shown;
+  const Control& control = dialog.control(FormValue(field.row.slot));
+  switch (field.kind) {
+    case ControlKind::kCheckBox:
+      return control.checked() != field.shown.starts_with(u'1');
+    case ControlKind::kChoice:
+      return control.selection() != field.choice;
+    default:
+      return TypedText(control, field) != field.shown;
+  }
+}
+
+// An empty date or time has a text to show, which makes room while somebody types.
+std::u16string RecordForm::TypedText(const Control& control, const Field& field) const {
+  std::u16string text = control.text();
+  return text.empty() ? placeholderOf(field.row.type) : text;
+}
+
+bool RecordForm::Changed(Dialog& dialog) const {
+  return std::any_of(fields_.begin(), fields_.end(),
+                     [&](const Field& field) { return IsChanged(dialog, field); });
+}
+
+Result<Bytes> RecordForm::ValueOf(Dialog& dialog, const Field& field, ByteView previous) const {
+  const Control& control = dialog.control(FormValue(field.row.slot));
+  const FieldDefinition& definition = Definition(field.row.slot);
+  const FieldRecord& items = Items(field.row.slot);
+  std::u16string shown =
+      field.kind == ControlKind::kButton ? field.text : TypedText(control, field);
+  if (field.kind == ControlKind::kCheckBox) shown = control.checked() ? u"1" : u"0";
+  if (field.kind == ControlKind::kChoice) {
+    const int choice = control.selection();
+    if (choice >= 0 && static_cast<std::size_t>(choice) < items.items.size()) {
+      const ByteView key = items.items[static_cast<std::size_t>(choice)].valueKey();
+      return Bytes(key.begin(), key.end());
+    }
+    shown = FromUtf8(kNoValueText);
+  }
+  if (field.crlf) replaceAll(shown, u"\n", u"\r\n");
+  const Result<std::string> text = StoredText(app_, shown);
+  if (!text.ok()) return text.error();
+  return valueOfText(definition, items, *text, app_.level().formats, previous);
+}
+
+bool RecordForm::Collect(Dialog& dialog, UnpackedRecord& record, Unaccepted unaccepted) {
+  UnpackedRecord collected = record;
+  for (const Field& field : fields_) {
+    if (!IsChanged(dialog, field)) continue;
+    auto& slot = collected.slots[static_cast<std::size_t>(field.row.slot)];
+    Result<Bytes> value = ValueOf(dialog, field, slot ? ByteView(*slot) : ByteView());
+    if (!value.ok()) {
+      if (unaccepted == Unaccepted::kIsLeftOut) continue;
+      const std::u16string name = ScreenText(app_, fieldName(Definition(field.row.slot)));
+      ShowMessage(app_, u"\"" + name + u"\" " + FromUtf8(value.error().text) + u".", u"Edit Record",
+                  MessageIcon::kExclamation);
+      dialog.control(FormValue(field.row.slot)).focus();
+      return false;
+    }
+    slot = std::move(*value);
+  }
+  record = std::move(collected);
+  return true;
+}
+
+// A number box takes digits and one decimal point; taking characters away is always possible, so
+// that a number that came from elsewhere can be cleared.
+void RecordForm::OnEdited(Dialog& dialog, ControlId value_control) {
+  Field* field = FieldOf(value_control);
+  if (field == nullptr || field->row.type != kFloat || field->kind != ControlKind::kEdit) return;
+  Control& control = dialog.control(value_control);
+  const std::u16string now = control.text();
+  if (now.size() < field->text.size() ||
+      IsNumberText(now, app_.level().formats.choices.decimal_comma)) {
+    field->text = now;
+    return;
+  }
+  control.setText(field->text);
+  ShowMessage(app_, u"Wrong Float Value Entered.", u"ACCESS DENIED", MessageIcon::kExclamation);
+}
+
+void RecordForm::OnFocus(Dialog& dialog, ControlId value_control, bool gained) {
+  const Field* field = FieldOf(value_control);
+  if (field == nullptr || field->read_only || placeholderOf(field->row.type).empty()) return;
+  Control& control = dialog.control(value_control);
+  if (gained) {
+    if (control.text() == placeholderOf(field->row.type)) control.setText(u"");
+  } else if (!IsChanged(dialog, *field)) {
+    control.setText(field->shown);
+  } else {
+    const auto stored = slotValue(record_, field->row.slot);
+    const auto value = ValueOf(dialog, *field, stored.value_or(ByteView()));
+    if (value.ok()) control.setText(EditedText(*field, *value));
+  }
+}
+
+// How the form shows a value.
+std::u16string RecordForm::EditedText(const Field& field, const Bytes& value) const {
+  UnpackedRecord record;
+  record.slots[static_cast<std::size_t>(field.row.slot)] = value;
+  Bytes packed;
+  if (!packRecord(record, packed)) return {};
+  return ScreenText(
+      app_, editText(CurrentDatabase(app_), packed, field.row.slot, app_.level().formats).text);
+}
+
+void RecordForm::OnActivated(Dialog& dialog, ControlId value_control) {
+  Field* field = FieldOf(value_control);
+  if (field == nullptr || field->kind != ControlKind::kButton) return;
+  NoteText note{.title = ScreenText(app_, fieldName(Definition(field->row.slot))),
+                .text = field->text,
+                .max_length = field->max_length,
+                .read_only = field->read_only};
+  if (EditNoteText(app_, note) == kDialogClosed || field->read_only) return;
+  field->text = note.text;
+  dialog.control(value_control).setText(ButtonText(note.text));
+}
+
+RecordForm::Field* RecordForm::FieldOf(ControlId value_control) {
+  const auto found = std::find_if(fields_.begin(), fields_.end(), [&](const Field& field) {
+    return FormValue(field.row.slot) == value_control;
+  });
+  return found == fields_.end() ? nullptr : &*found;
+}
+
+}  // namespace tabelion

@@ -1,0 +1,292 @@
+#include "screens/records/record_list.h"
+
+#include <algorithm>
+
+#include "query/list_columns.h"
+#include "screens/kit/screen_numbers.h"
+#include "screens/program/ask_password.h"
+#include "screens/program/preferences_screen.h"
+#include "screens/records/edit_record.h"
+#include "screens/records/form_layout.h"
+#include "screens/records/list_columns.h"
+#include "services/access.h"
+#include "services/message.h"
+#include "services/open_database.h"
+#include "services/screen_text.h"
+
+namespace tabelion {
+namespace {
+
+constexpr int kOpenMessage = 1;
+constexpr int kListTop = 26;
+constexpr int kScrollStep = 30;
+constexpr int kViewFontPoints = 9;
+
+// The name of the current view; "Default View" while none is chosen.
+std::u16string viewName(const Application& app, const DatabaseRecord& schema) {
+  const std::size_t view = schema.current_view;
+  if (view < schema.view_count && view < schema.views.size()) {
+    const std::string name = areaText(schema.views[view].name);
+    if (!name.empty()) return ScreenText(app, name);
+  }
+  return u"Default View";
+}
+
+}  // namespace
+
+DialogTemplate RecordListTemplate() {
+  DialogTemplate dialog;
+  dialog.resource = kRecordListScreen;
+  dialog.title = u"Tabelion";
+  dialog.controls = {
+      {.id = kNameLabel,
+       .kind = ControlKind::kLabel,
+       .text = u"Database Name",
+       .place = {2, 2, 138, 22}},
+      {.id = kViewLabel,
+       .kind = ControlKind::kLabel,
+       .text = u"View",
+       .place = {140, 2, 98, 22},
+       .right_aligned = true},
+      {.id = kRecordList, .kind = ControlKind::kList, .accessible_name = u"Records"},
+  };
+  dialog.menu_bar.resource = 146;
+  dialog.menu_bar.left = {.command = kNewRecordCommand, .text = u"New Record"};
+  dialog.menu_bar.right = {.text = u"Menu",
+                           .children = {{.command = kPreferencesCommand, .text = u"Preferences"},
+                                        {.command = kSaveCommand, .text = u"Save"},
+                                        {.command = kBackCommand, .text = u"Close"}}};
+  return dialog;
+}
+
+int ShowRecordList(Application& app, const std::string& path, std::optional<std::uint32_t> record) {
+  RecordListScreen screen(app, path, record);
+  return RunModalDialog(app, RecordListTemplate(), screen);
+}
+
+void RecordListScreen::onInit(Dialog& dialog) {
+  Layout(dialog);
+  dialog.post(kOpenMessage);
+}
+
+void RecordListScreen::Layout(Dialog& dialog) {
+  const Size full = dialog.fullScreenSize();
+  const Size size = dialog.screenSize();
+  if (full.width == 320 && full.height == 240) {
+    dialog.control(kNameLabel).setPlace({0, 0, 200, 25});
+    dialog.control(kViewLabel).setPlace({200, 2, 120, 25});
+  } else {  // the name takes seven twelfths, as it does on a screen of 240 pixels
+    const int name_width = size.width * 7 / 12;
+    dialog.control(kNameLabel).setPlace({2, 2, name_width - 2, 22});
+    dialog.control(kViewLabel).setPlace({name_width, 2, size.width - name_width - 2, 22});
+  }
+  dialog.control(kRecordList)
+      .setPlace({0, kListTop, size.width, std::max(0, size.height - kListTop)});
+  dialog.control(kViewLabel).setFontPixels(kViewFontPoints * dialog.verticalDpi() / 72);
+}
+
+void RecordListScreen::onMessage(Dialog& dialog, int message) {
+  if (message == kOpenMessage) OpenFile(dialog);
+}
+
+void RecordListScreen::OpenFile(Dialog& dialog) {
+  LoadWeekStart(app_.platform, app_.preferences);
+  const int opened = OpenDatabaseFile(app_, path_, [&](const std::string& expected) {
+    return AskPassword(app_, {.expected = expected, .compare = true}) == kPasswordConfirmed;
+  });
+  if (opened != kOpened) {
+    return Close(dialog, app_.closing == Closing::kNo ? kDialogClosed : kDialogAutoClosed);
+  }
+  DecryptWholeDatabase(app_, AskEncryptionPassword(app_));
+  const Database& database = CurrentDatabase(app_);
+  if (database.schema.label_width_adjustment >= kCorruptWidth) {
+    ShowMessage(app_, u"This database appears to be corrupt.", u"Open Database",
+                MessageIcon::kError);
+    return Close(dialog, kDialogClosed);
+  }
+  const int stored = database.schema.current_record_index;
+  app_.level().current_record =
+      stored >= kSchemaRecords
+          ? static_cast<std::uint32_t>(stored) - static_cast<std::uint32_t>(kSchemaRecords)
+          : 0;
+  if (first_record_) app_.level().current_record = *first_record_;
+  FillRecordList(dialog);
+}
+
+void RecordListScreen::FillRecordList(Dialog& dialog) {
+  find_.clear();
+  if (!IsDatabaseOpen(app_)) return;
+  Database& database = CurrentDatabase(app_);
+  if (app_.engine.steps.refresh) app_.engine.steps.refresh(database);
+  ListControl& list = dialog.list(kRecordList);
+  list.setVisible(false);
+  dialog.control(kNameLabel).setText(ScreenText(app_, areaText(database.header.name)));
+  slots_ = listedSlots(database.schema);
+  list.setColumns(MakeListColumns(app_, database.schema, slots_));
+  list.setRowCount(static_cast<int>(database.record_index.size()));
+  SelectListRow(dialog, RowOfCurrentRecord());
+  dialog.control(kViewLabel).setText(viewName(app_, database.schema));
+  list.setVisible(true);
+  list.focus();
+}
+
+int RecordListScreen::RowOfCurrentRecord() const {
+  const auto& index = CurrentDatabase(app_).record_index;
+  const auto found = std::find(index.begin(), index.end(), app_.level().current_record);
+  return found == index.end() ? 0 : static_cast<int>(found - index.begin());
+}
+
+void RecordListScreen::SelectListRow(Dialog& dialog, int row) {
+  ListControl& list = dialog.list(kRecordList);
+  list.selectRow(row);
+  list.focus();
+}
+
+void RecordListScreen::onCommand(Dialog& dialog, CommandId command) {
+  switch (command) {
+    case kNewRecordCommand:
+      return NewRecord(dialog);
+    case kActionCommand:
+      return OpenListRecord(dialog, false);
+    case kPreferencesCommand:
+      return ChangePreferences(dialog);
+    case kSaveCommand:
+      return Save(dialog);
+    case kBackCommand:
+      return Close(dialog, kDialogClosed);
+    default:
+      return;
+  }
+}
+
+void RecordListScreen::onNotice(Dialog& dialog, ControlId control, Notice notice) {
+  if (control != kRecordList) return;
+  if (notice == Notice::kActivated) OpenListRecord(dialog, false);
+  if (notice == Notice::kSelectionChanged) {
+    find_.clear();
+    const auto& index = CurrentDatabase(app_).record_index;
+    const auto row = static_cast<std::size_t>(dialog.list(kRecordList).selectedRow());
+    if (row < index.size()) app_.level().current_record = index[row];
+  }
+}
+
+void RecordListScreen::NewRecord(Dialog& dialog) {
+  if (!IsDatabaseOpen(app_) || CheckSecurity(app_, Operation::kAdd, true) != kAccessGranted ||
+      !HasRoomForRecord(app_)) {
+    return;
+  }
+  OpenListRecord(dialog, true);
+}
+
+// Compat: the first row opens record 0, also when the order begins with another record
+// (RecordList.FirstRowOpensRecordZero).
+void RecordListScreen::OpenListRecord(Dialog& dialog, bool as_new) {
+  if (!IsDatabaseOpen(app_)) return;
+  const auto& index = CurrentDatabase(app_).record_index;
+  const int row = dialog.list(kRecordList).selectedRow();
+  std::uint32_t record = 0;
+  if (as_new) {
+    record = kNewRecord;
+  } else if (row > 0 && static_cast<std::size_t>(row) < index.size()) {
+    record = index[static_cast<std::size_t>(row)];
+  }
+  const std::uint32_t before = app_.level().current_record;
+  ShowEditRecord(app_, record);
+  if (app_.level().current_record == kNewRecord)
+    app_.level().current_record = before;  // it was not stored
+  app_.level().new_record = false;
+  FillRecordList(dialog);
+}
+
+// The start of the week may decide which records a filter shows.
+void RecordListScreen::ChangePreferences(Dialog& dialog) {
+  ShowPreferences(app_);
+  FillRecordList(dialog);
+}
+
+void RecordListScreen::Save(Dialog& dialog) {
+  if (!IsDatabaseOpen(app_)) return;
+  const SaveResult result = SaveDatabase(app_, SaveOccasion::kUser);
+  // It may have a new name, beside the file that another program has changed.
+  dialog.control(kNameLabel).setText(ScreenText(app_, areaText(CurrentDatabase(app_).header.name)));
+  if (result == SaveResult::kSaved) {
+    ShowMessage(app_, u"File Saved", u"Update", MessageIcon::kInformation);
+  } else if (result == SaveResult::kFailed) {
+    ShowMessage(app_, u"ERROR:File could not be saved", u"Update", MessageIcon::kError);
+  }
+}
+
+void RecordListScreen::Close(Dialog& dialog, int result) {
+  if (CloseFor(result)) {
+    dialog.end(result);
+  } else {
+    FillRecordList(dialog);
+  }
+}
+
+bool RecordListScreen::OnAutoClose(Dialog& dialog) {
+  if (CloseFor(kDialogAutoClosed)) return true;
+  FillRecordList(dialog);
+  return false;
+}
+
+// Auto-close means that nobody is there to be asked: what was changed is saved.
+bool RecordListScreen::CloseFor(int result) {
+  const bool auto_closed = result == kDialogAutoClosed;
+  const auto prompt = AskEncryptionPassword(app_, true);
+  if (!CloseDatabase(app_, auto_closed ? AskBeforeSaving::kNo : AskBeforeSaving::kYes, prompt)) {
+    return false;
+  }
+  if (auto_closed) SavePreferences(app_.platform, app_.preferences);
+  return true;
+}
+
+bool RecordListScreen::onKey(Dialog& dialog, const KeyPress& key) {
+  if (key.key == Key::kLeft || key.key == Key::kRight) {
+    dialog.list(kRecordList).scrollSideways(key.key == Key::kRight ? kScrollStep : -kScrollStep);
+    return true;
+  }
+  return QuickFindKey(dialog, key);
+}
+
+// The Back key erases what was typed; when all of it is gone, one press too many must not close
+// the database, so Back means Close again only after the selection was moved.
+bool RecordListScreen::QuickFindKey(Dialog& dialog, const KeyPress& key) {
+  if (!IsDatabaseOpen(app_)) return false;
+  std::optional<int> row;
+  if (key.key == Key::kCharacter && IsFindCharacter(key.character)) {
+    row = find_.type(app_, key.character);
+  } else if (key.key == Key::kBack && find_.inUse()) {
+    row = find_.erase(app_);
+  } else {
+    return false;
+  }
+  if (row) {
+    app_.level().current_record =
+        CurrentDatabase(app_).record_index[static_cast<std::size_t>(*row)];
+    SelectListRow(dialog, *row);
+  }
+  return true;
+}
+
+void RecordListScreen::onPaintRow(Dialog& dialog, ControlId control, int row, ListPainter& painter,
+                                  const Rect& area) {
+  if (control != kRecordList) return;
+  ListControl& list = dialog.list(kRecordList);
+  PaintListRow(app_, row, {slots_, list.columns(), list.selectedRow() == row}, painter, area);
+}
+
+std::u16string RecordListScreen::rowText(Dialog&, ControlId, int row) {
+  const auto& index = CurrentDatabase(app_).record_index;
+  std::u16string text;
+  if (static_cast<std::size_t>(row) >= index.size()) return text;
+  for (const int slot : slots_) {
+    const std::u16string cell = ListCellText(app_, index[static_cast<std::size_t>(row)], slot);
+    if (cell.empty()) continue;
+    if (!text.empty()) text += u", ";
+    text += cell;
+  }
+  return text;
+}
+
+}  // namespace tabelion

@@ -1,0 +1,68 @@
+// The list of a database's records: the screen that a database opens into.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "screens/records/quick_find.h"
+#include "services/application.h"
+#include "services/modal.h"
+
+namespace tabelion {
+
+inline constexpr ControlId kRecordList = 1000;
+inline constexpr ControlId kNameLabel = 1001;
+inline constexpr ControlId kViewLabel = 1174;
+
+DialogTemplate RecordListTemplate();
+
+class RecordListScreen : public Screen {
+ public:
+  // `path` is the file to open, once the screen is there; `record` the one to select at first,
+  // instead of the one that the database remembers.
+  RecordListScreen(Application& app, std::string path, std::optional<std::uint32_t> record)
+      : app_(app), path_(std::move(path)), first_record_(record) {}
+
+  void onInit(Dialog& dialog) override;
+  void onMessage(Dialog& dialog, int message) override;
+  void onCommand(Dialog& dialog, CommandId command) override;
+  void onNotice(Dialog& dialog, ControlId control, Notice notice) override;
+  bool onKey(Dialog& dialog, const KeyPress& key) override;
+  void onActivate(Dialog& dialog) override { dialog.list(kRecordList).focus(); }
+  void onResize(Dialog& dialog) override { Layout(dialog); }
+  void onPaintRow(Dialog& dialog, ControlId list, int row, ListPainter& painter,
+                  const Rect& area) override;
+  std::u16string rowText(Dialog& dialog, ControlId list, int row) override;
+  bool OnAutoClose(Dialog& dialog) override;
+
+  // Rebuilds the list from the current view. Run after every command that changes records, order
+  // or view.
+  void FillRecordList(Dialog& dialog);
+
+ private:
+  void Layout(Dialog& dialog);
+  void OpenFile(Dialog& dialog);
+  void SelectListRow(Dialog& dialog, int row);
+  void OpenListRecord(Dialog& dialog, bool as_new);
+  void NewRecord(Dialog& dialog);
+  void ChangePreferences(Dialog& dialog);
+  void Save(Dialog& dialog);
+  void Close(Dialog& dialog, int result);
+  bool CloseFor(int result);  // false: the database stays open
+  bool QuickFindKey(Dialog& dialog, const KeyPress& key);
+  int RowOfCurrentRecord() const;
+
+  Application& app_;
+  std::string path_;
+  std::optional<std::uint32_t> first_record_;
+  QuickFind find_;
+  std::vector<int> slots_;  // of the columns
+};
+
+// Opens the database file in the record list; the screen's result.
+int ShowRecordList(Application& app, const std::string& path,
+                   std::optional<std::uint32_t> record = std::nullopt);
+
+}  // namespace tabelion

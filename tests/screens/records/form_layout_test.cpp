@@ -1,0 +1,86 @@
+#include "screens/records/form_layout.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace tabelion {
+namespace {
+
+std::unique_ptr<DatabaseRecord> schemaOf(const std::vector<int>& types) {
+  auto schema = std::make_unique<DatabaseRecord>();
+  initSchema(*schema);
+  for (std::size_t i = 0; i < types.size(); ++i) schema->fields[i].type = types[i];
+  return schema;
+}
+
+// On a screen of 168 pixels S is 160, so with adjustment 0 the value column is 80 wide.
+TEST(FormLayout, PlacesEveryRowByItsType) {
+  struct Case {
+    int type;
+    Rect label;
+    Rect value;
+    bool icon;
+    int step;
+  };
+  const Case cases[] = {
+      {kText, {9, 7, 68, 16}, {80, 5, 80, 22}, true, 24},
+      {kInteger, {9, 7, 68, 16}, {80, 5, 80, 22}, true, 24},
+      {kFloat, {9, 7, 68, 16}, {80, 5, 80, 22}, true, 24},
+      {kLongText, {9, 7, 68, 16}, {80, 5, 80, 22}, true, 24},
+      {kTextVariant, {9, 7, 68, 16}, {80, 5, 80, 22}, true, 24},
+      {kPopup, {9, 7, 68, 16}, {80, 7, 80, 22}, true, 26},
+      {kDate, {9, 7, 68, 16}, {80, 5, 80, 24}, true, 26},
+      {kTime, {9, 7, 68, 16}, {80, 5, 80, 24}, true, 26},
+      {kCheckBox, {1, 8, 77, 16}, {80, 5, 80, 24}, false, 26},
+      {kAutoNumber, {1, 7, 77, 16}, {80, 7, 80, 22}, false, 24},
+      {kCalculated, {1, 7, 77, 16}, {80, 7, 80, 22}, false, 24},
+      {kText254, {1, 7, 77, 16}, {80, 7, 80, 22}, false, 24},
+      {kNote, {1, 7, 77, 16}, {80, 5, 80, 24}, false, 26},
+      {kLinkedField, {1, 5, 77, 24}, {80, 5, 80, 24}, false, 26},
+      {kExternal, {1, 5, 77, 24}, {80, 5, 80, 24}, false, 26},
+      {kLinkField, {1, 5, 77, 24}, {80, 8, 80, 24}, false, 26},
+      {kLookup, {1, 5, 77, 24}, {80, 8, 80, 24}, false, 26},
+  };
+  for (const Case& expected : cases) {
+    const FormLayout layout = LayoutEditForm(*schemaOf({expected.type, expected.type}), 168);
+    ASSERT_EQ(layout.rows.size(), 2u) << expected.type;
+    EXPECT_EQ(layout.rows[0].label, expected.label) << expected.type;
+    EXPECT_EQ(layout.rows[0].value, expected.value) << expected.type;
+    EXPECT_EQ(layout.rows[0].icon,
+              expected.icon ? std::optional(Rect{1, 12, 20, 20}) : std::nullopt)
+        << expected.type;
+    EXPECT_EQ(layout.rows[1].value.y - layout.rows[0].value.y, expected.step) << expected.type;
+    EXPECT_EQ(layout.rows[1].label.y - layout.rows[0].label.y, expected.step) << expected.type;
+  }
+}
+
+TEST(FormLayout, SharesTheWidthByTheAdjustment) {
+  const auto schema = schemaOf({kText});
+  const auto valueWidth = [&](int adjustment, int screen) {
+    schema->label_width_adjustment = static_cast<std::int16_t>(adjustment);
+    return LayoutEditForm(*schema, screen).rows[0].value.width;
+  };
+  EXPECT_EQ(valueWidth(0, 176), 84);
+  EXPECT_EQ(valueWidth(2, 240), 118);  // 82 × 232 / 160 = 118.9
+  EXPECT_EQ(valueWidth(-70, 240), 14);
+  EXPECT_EQ(valueWidth(78, 240), 229);
+  EXPECT_EQ(valueWidth(-30000, 240), 14);  // a value from a file stays on the screen
+}
+
+TEST(FormLayout, FollowsTheDisplayOrderAndLeavesOutWhatTheFormHides) {
+  const auto schema = schemaOf({kText, kSeparator, kUnused, kInteger, kDate});
+  schema->display_order[0] = 3;
+  schema->display_order[3] = 0;
+  schema->display_order[4] = 3;  // twice, and a slot that there is not
+  schema->display_order[5] = 200;
+  schema->fields[4].record_view_flag = 0;
+  const FormLayout layout = LayoutEditForm(*schema, 240);
+  ASSERT_EQ(layout.rows.size(), 2u);
+  EXPECT_EQ(layout.rows[0].slot, 3);
+  EXPECT_EQ(layout.rows[1].slot, 0);
+  EXPECT_EQ(layout.rows[1].value.y, 5 + 24 + 22);  // the separator leaves its gap
+}
+
+}  // namespace
+}  // namespace tabelion
