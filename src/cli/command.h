@@ -2,7 +2,9 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <span>
+#include <string>
 
 #include "cli/exit_code.h"
 #include "cli/option_list.h"
@@ -26,29 +28,12 @@ std::span<const Command> commands();
 // manual page and the shells' completions.
 CommandForm programForm();
 
-CommandBody declareInfo(OptionList list);
-CommandBody declareDump(OptionList list);
-CommandBody declareCheck(OptionList list);
-CommandBody declareSchema(OptionList list);
-CommandBody declareCreate(OptionList list);
-CommandBody declareImport(OptionList list);
-CommandBody declareExport(OptionList list);
-CommandBody declareRecalc(OptionList list);
-CommandBody declareList(OptionList list);
-CommandBody declareFilter(OptionList list);
-CommandBody declareFind(OptionList list);
-CommandBody declareRewrite(OptionList list);
-CommandBody declareCompletions(OptionList list);
-CommandBody declareManual(OptionList list);
-CommandBody declareReport(OptionList list);
-CommandBody declareSort(OptionList list);
-CommandBody declareSet(OptionList list);
-CommandBody declareAdd(OptionList list);
-CommandBody declareDelete(OptionList list);
-CommandBody declareView(OptionList list);
-CommandBody declareEncrypt(OptionList list);
-CommandBody declareDecrypt(OptionList list);
-CommandBody declarePasswd(OptionList list);
-CommandBody declareRights(OptionList list);
+// The text of --help, of the program or of a command and its action ("view", "set"); none for what
+// is no command.
+std::optional<std::string> helpText(std::span<const std::string> command);
+
+#define TABELION_COMMAND(name, declare, source, summary) CommandBody declare(OptionList list);
+#include "cli/commands.inc"
+#undef TABELION_COMMAND
 
 }  // namespace tabelion

@@ -7,6 +7,7 @@
 #include <CLI/CLI.hpp>
 
 #include "cli/command.h"
+#include "cli/usage.h"
 
 namespace tabelion {
 namespace {
@@ -15,30 +16,9 @@ constexpr const char* kProgramName = "tabelion-cli";
 constexpr const char* kProgramSummary = "Work with Tabelion databases from the command line.";
 
 constexpr Command kCommands[] = {
-    {"info", "Show what a database is: name, dates, counts, protection", declareInfo},
-    {"dump", "Write the whole file as JSON, also a damaged one", declareDump},
-    {"check", "List everything in which a file deviates from a sound one", declareCheck},
-    {"schema", "Write the description of a database as JSON", declareSchema},
-    {"create", "Make a database from a description, and records from CSV", declareCreate},
-    {"import", "Add the rows of a CSV text as records", declareImport},
-    {"export", "Write the records as CSV, JSON or SQL", declareExport},
-    {"list", "Show the records as the window lists them", declareList},
-    {"filter", "Show or set which records a database shows", declareFilter},
-    {"find", "Show the records that have a text in a field", declareFind},
-    {"rewrite", "Open a database and save it under another name", declareRewrite},
-    {"sort", "Put the records into an order, and keep them in it", declareSort},
-    {"view", "List, choose, make and change views", declareView},
-    {"report", "Show statistics over one field", declareReport},
-    {"set", "Change fields of one record", declareSet},
-    {"add", "Add one record", declareAdd},
-    {"delete", "Delete records", declareDelete},
-    {"recalc", "Work out the calculated fields of all records anew", declareRecalc},
-    {"encrypt", "Encipher chosen fields of all records with a password", declareEncrypt},
-    {"decrypt", "Decipher all records, and keep them in clear", declareDecrypt},
-    {"passwd", "Set the password that opening a database asks for", declarePasswd},
-    {"rights", "Show or change what a database allows its users to do", declareRights},
-    {"completions", "Write what lets a shell complete command lines", declareCompletions},
-    {"manual", "Write the manual page", declareManual},
+#define TABELION_COMMAND(name, declare, source, summary) {#name, summary, declare},
+#include "cli/commands.inc"
+#undef TABELION_COMMAND
 };
 
 constexpr std::uint32_t kMostDescriptor = 1 << 20;
@@ -48,7 +28,7 @@ std::string footer() {
   for (const ExitCodeText& entry : kExitCodes) {
     text += fmt::format("  {}  {}\n", static_cast<int>(entry.code), entry.meaning);
   }
-  text += "\n\"tabelion-cli COMMAND --help\" tells more about a command.";
+  text += "\n\"tabelion-cli help COMMAND\" tells more about a command.";
   return text;
 }
 
@@ -102,18 +82,41 @@ CommandForm programForm() {
   return Parser().form;
 }
 
-ExitCode runCli(std::vector<std::string> arguments, CliPlatform& platform, Streams& streams) {
+std::optional<std::string> helpText(std::span<const std::string> command) {
+  const Parser parser;
+  const CLI::App* app = &parser.app;
+  const CommandForm* form = &parser.form;
+  std::string before;  // what is typed in front of the command
+  for (const std::string& name : command) {
+    before += (before.empty() ? "" : " ") + form->name;
+    for (const OptionForm& option : form->options) {
+      if (option.isArgument()) before += ' ' + option.name;
+    }
+    const auto named = [&](const auto& each) { return each.name == name; };
+    const auto inner = std::find_if(form->actions.begin(), form->actions.end(), named);
+    if (inner == form->actions.end()) return std::nullopt;
+    form = &*inner;
+    app =
+        app->get_subcommands([&](const CLI::App* sub) { return sub->get_name() == name; }).front();
+  }
+  return app->help(before);
+}
+
+ExitCode runCli(const std::vector<std::string>& arguments, CliPlatform& platform,
+                Streams& streams) {
   Parser parser;
   try {
-    std::reverse(arguments.begin(), arguments.end());  // as the parser wants them
-    parser.app.parse(arguments);
+    // As the parser wants them.
+    parser.app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
   } catch (const CLI::ParseError& error) {
     std::ostringstream out;
     std::ostringstream err;
-    const int code = parser.app.exit(error, out, err);
-    const bool written = streams.out.write(out.str()) && streams.err.write(err.str());
-    if (code != 0) return ExitCode::kUsage;
-    return written ? ExitCode::kDone : ExitCode::kCannotWrite;
+    if (parser.app.exit(error, out, err) == 0) {
+      return streams.out.write(out.str()) ? ExitCode::kDone : ExitCode::kCannotWrite;
+    }
+    streams.err.write(
+        fmt::format("tabelion-cli: {}\n", usageFault(parser.form, arguments, error.what())));
+    return ExitCode::kUsage;
   }
   CliContext context(platform, streams, parser.options);
   for (const auto& [sub, body] : parser.bodies) {

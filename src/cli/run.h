@@ -9,6 +9,6 @@
 namespace tabelion {
 
 // `arguments` are those behind the program's name.
-ExitCode runCli(std::vector<std::string> arguments, CliPlatform& platform, Streams& streams);
+ExitCode runCli(const std::vector<std::string>& arguments, CliPlatform& platform, Streams& streams);
 
 }  // namespace tabelion

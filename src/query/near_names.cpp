@@ -11,17 +11,24 @@ namespace {
 constexpr std::size_t kMostNear = 3;
 constexpr std::size_t kFewNames = 12;
 
-// How many letters have to be put in, left out or replaced to make one text of the other, in any
-// case.
+// How many letters have to be put in, left out, replaced or swapped with their neighbour to make
+// one text of the other, in any case.
 std::size_t editDistance(std::string_view a, std::string_view b) {
+  std::vector<std::size_t> before_last(b.size() + 1);
+  std::vector<std::size_t> last(b.size() + 1);
   std::vector<std::size_t> row(b.size() + 1);
   std::iota(row.begin(), row.end(), std::size_t{0});
+  const auto same = [&](std::size_t i, std::size_t j) {
+    return lowerCase(a[i]) == lowerCase(b[j]);
+  };
   for (std::size_t i = 0; i < a.size(); ++i) {
-    std::size_t diagonal = row[0]++;
+    std::swap(before_last, last);
+    std::swap(last, row);
+    row[0] = i + 1;
     for (std::size_t j = 0; j < b.size(); ++j) {
-      const std::size_t replaced = diagonal + (lowerCase(a[i]) == lowerCase(b[j]) ? 0 : 1);
-      diagonal = row[j + 1];
-      row[j + 1] = std::min({replaced, row[j] + 1, row[j + 1] + 1});
+      row[j + 1] = std::min({last[j] + (same(i, j) ? 0 : 1), last[j + 1] + 1, row[j] + 1});
+      const bool is_swapped = i > 0 && j > 0 && same(i, j - 1) && same(i - 1, j);
+      if (is_swapped) row[j + 1] = std::min(row[j + 1], before_last[j - 1] + 1);
     }
   }
   return row.back();

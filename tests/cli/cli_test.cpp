@@ -184,7 +184,7 @@ TEST_F(Cli, RefusalsHaveTheirOwnExitCodes) {
   EXPECT_EQ(exported(), "Name,Born,Group\nZoë,1970-05-17,Family\nBob,,\n");
 }
 
-TEST_F(Cli, HelpAndVersionAreDataAndUsageErrorsAreNot) {
+TEST_F(Cli, HelpAndVersionAreData) {
   EXPECT_EQ(run({"--version"}), 0);
   EXPECT_EQ(out.text, std::string("tabelion-cli ") + TABELION_VERSION + "\n");
   EXPECT_EQ(run({"--help"}), 0);
@@ -193,13 +193,40 @@ TEST_F(Cli, HelpAndVersionAreDataAndUsageErrorsAreNot) {
   }
   EXPECT_EQ(run({"import", "--help"}), 0);
   EXPECT_THAT(out.text, HasSubstr("--skip-bad"));
+  const std::string said = out.text;
+  EXPECT_EQ(run({"help", "import"}), 0);
+  EXPECT_EQ(out.text, said);
+  EXPECT_EQ(run({"help", "view", "use"}), 0);
+  EXPECT_THAT(out.text, HasSubstr("tabelion-cli view FILE use "));
   EXPECT_EQ(err.text, "");
-  const std::vector<std::string> wrong[] = {
-      {}, {"fly"}, {"info"}, {"info", "/a", "/b"}, {"export", "/a", "--format", "xml"}};
-  for (const auto& arguments : wrong) {
+}
+
+TEST_F(Cli, UsageErrorsNameTheWordAndWhatIsMeant) {
+  const std::pair<std::vector<std::string>, const char*> wrong[] = {
+      {{}, "a command is missing; \"tabelion-cli help\" tells more"},
+      {{"inof", "/C.PDB"}, "there is no command \"inof\"; there is \"info\""},
+      {{"help", "lsit"}, "help: there is no command \"lsit\"; there is \"list\""},
+      {{"/C.PDB"},
+       "\"/C.PDB\" is no command; one stands in front of the file, as in "
+       "\"tabelion-cli list /C.PDB\""},
+      {{"info"}, "info: FILE is missing; \"tabelion-cli help info\" tells more"},
+      {{"info", "/a", "/b"},
+       "info: \"/b\" is one word too many; \"tabelion-cli help info\" tells more"},
+      {{"list", "/a", "--jsno"}, "list: there is no option \"--jsno\"; there is \"--json\""},
+      {{"find", "/a", "-5", "-x"},
+       "find: there is no option \"-x\"; put \"--\" in front of a \"-x\" that is none"},
+      {{"list", "/a", "--limit"}, "list: --limit needs N behind it"},
+      {{"--code-page", "1252", "export", "/a", "--format=xml"},
+       "export: --format takes \"csv\", \"json\" or \"sql\", not \"xml\""},
+      {{"list", "/a", "--csv", "--json"}, "--csv does not go with --json"},
+      {{"view", "/a", "ues", "b"}, "view: there is no command \"ues\"; there is \"use\""},
+      {{"view", "/a", "use"},
+       "view use: NAME is missing; \"tabelion-cli help view use\" tells more"},
+  };
+  for (const auto& [arguments, message] : wrong) {
     EXPECT_EQ(run(arguments), 2);
     EXPECT_EQ(out.text, "");
-    EXPECT_NE(err.text, "");
+    EXPECT_EQ(err.text, std::string("tabelion-cli: ") + message + "\n");
   }
 }
 

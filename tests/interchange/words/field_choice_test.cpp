@@ -45,6 +45,8 @@ TEST_F(FieldChoice, NamesAreTakenExactlyElseInAnyCaseElseRefusedWithNearOnes) {
   EXPECT_EQ(slot("gößE"), 4);
   EXPECT_EQ(slot("NAME"), -1);
   EXPECT_EQ(error, "\"NAME\" may be the field \"Name\" or \"name\"");
+  EXPECT_EQ(slot("Nmae"), -1);
+  EXPECT_EQ(error, "no field is called \"Nmae\"; there is \"Name\" or \"name\"") << "swapped";
   EXPECT_EQ(slot("same"), -1);
   EXPECT_EQ(error, "\"same\" may be the field \"Same #7\" or \"Same #8\"");
   EXPECT_EQ(slot("same #8"), 8);
