@@ -104,8 +104,8 @@ struct MenuBar {
 struct DialogTemplate {
   int resource = 0;  // the dialog's number; identifies the screen to scripts and tests
   std::u16string title{};
-  std::vector<ControlTemplate> controls;
-  MenuBar menu_bar;
+  std::vector<ControlTemplate> controls{};
+  MenuBar menu_bar{};
 };
 
 enum class TextWeight { kNormal, kSemiBold };

@@ -40,27 +40,12 @@ DialogTemplate MainWindowTemplate() {
   dialog.title = u"Tabelion";
   dialog.controls = {
       {.id = kDatabaseList, .kind = ControlKind::kList, .accessible_name = u"Databases"}};
-  dialog.menu_bar.resource = 104;
-  dialog.menu_bar.right = {
-      .text = u"Menu",
-      .children = {
-          {.command = kOpenCommand, .text = u"Open"},
-          {.command = kInfoCommand, .text = u"Info"},
-          {.text = u"Beam",
-           .children = {{.command = kBeamCommand, .text = u"Infrared", .enabled = false},
-                        {.command = kReceiveCommand, .text = u"Receive Data", .enabled = false}}},
-          {.command = kDeleteCommand, .text = u"Delete"},
-          {.command = kCopyCommand, .text = u"Copy to Card"},
-          {.command = kMoveCommand, .text = u"Move to Card"},
-          {.command = kRefreshCommand, .text = u"Refresh"},
-          {.command = kAboutCommand, .text = u"About"},
-          {.command = kExitCommand, .text = u"Exit"}}};
   return dialog;
 }
 
 void MainWindow::onInit(Dialog& dialog) {
   Layout(dialog);
-  ShowMenuBar(dialog);
+  ShowCommands(dialog);
   dialog.post(kStartMessage);
 }
 
@@ -130,7 +115,7 @@ void MainWindow::ShowDatabases(Dialog& dialog) {
                                             : std::clamp(row, std::min(0, count - 1), count - 1));
   list.repaint();
   if (list_.found_files) left_key_text_ = app_.category;
-  ShowMenuBar(dialog);
+  ShowCommands(dialog);
 }
 
 // True when samples were installed.
@@ -146,77 +131,67 @@ bool MainWindow::OfferSamples() {
 }
 
 // The left soft key carries the category that is shown, its menu all of them.
-void MainWindow::ShowMenuBar(Dialog& dialog) {
-  MenuBar bar = MainWindowTemplate().menu_bar;
-  bar.left.text = left_key_text_;
-  if (categories_.empty()) categories_ = {kAllCategories, kUnfiled};
-  CommandId command = kFirstListedCommand;
+std::vector<Command<MainWindow>> MainWindow::CategoryRows() const {
+  std::vector<Command<MainWindow>> rows;
+  CommandId number = kFirstListedCommand;
   for (const std::u16string& category : categories_) {
-    bar.left.children.push_back(
-        {.command = command++, .text = category, .checked = category == app_.category});
+    rows.push_back({.number = number++,
+                    .text = category,
+                    .run = [category](MainWindow& self,
+                                      Dialog& dialog) { self.ChooseCategory(dialog, category); },
+                    .checked = category == app_.category});
   }
-  dialog.setMenuBar(bar);
+  return rows;
 }
 
 // What there is to be done with the selected database, and where it can be copied to.
-void MainWindow::onMenuOpening(Dialog& dialog, MenuEntry& soft_key) {
+CommandTable<MainWindow> MainWindow::Commands(Dialog& dialog) {
+  using Self = MainWindow;
   const auto file = Selected(dialog);
   const auto other = file ? OtherVolume(app_, *file) : std::nullopt;
   const std::u16string to = other == Volume::kMain ? u" to Main Folder" : u" to Card";
-  for (MenuEntry& entry : soft_key.children) {
-    switch (entry.command) {
-      case kOpenCommand:
-      case kInfoCommand:
-      case kDeleteCommand:
-        entry.enabled = file.has_value();
-        break;
-      case kCopyCommand:
-      case kMoveCommand:
-        entry.text = (entry.command == kCopyCommand ? u"Copy" : u"Move") + to;
-        entry.enabled = other.has_value();
-        break;
-      default:
-        break;
-    }
-  }
+  const auto transfer = [](bool move) {
+    return [move](Self& self, Dialog& on) { self.TransferSelected(on, move); };
+  };
+  return {.resource = 104,
+          .left = {.text = left_key_text_, .rows = CategoryRows()},
+          .right = {.text = u"Menu",
+                    .rows = {{kOpenCommand, u"Open", &Self::OpenSelected, file.has_value()},
+                             {kInfoCommand, u"Info", &Self::ShowInfo, file.has_value()},
+                             {.text = u"Beam",
+                              .rows = {{kBeamCommand, u"Infrared", {}, false},
+                                       {kReceiveCommand, u"Receive Data", {}, false}}},
+                             {kDeleteCommand, u"Delete", &Self::DeleteSelectedDatabase,
+                              file.has_value()},
+                             {kCopyCommand, u"Copy" + to, transfer(false), other.has_value()},
+                             {kMoveCommand, u"Move" + to, transfer(true), other.has_value()},
+                             {kRefreshCommand, u"Refresh", &Self::Refresh},
+                             {kAboutCommand, u"About", &Self::About},
+                             {kExitCommand, u"Exit", &Self::Exit}}},
+          .keys = {{kBackCommand, {}, &Self::Exit}}};
 }
 
-void MainWindow::onCommand(Dialog& dialog, CommandId command) {
-  switch (command) {
-    case kOpenCommand:
-      if (const auto file = Selected(dialog)) OpenDatabase(dialog, file->path);
-      return;
-    case kInfoCommand:
-      if (const auto file = Selected(dialog)) ShowDatabaseInfo(app_, file->path);
-      return AfterDialog(dialog);
-    case kDeleteCommand:
-      return DeleteSelectedDatabase(dialog);
-    case kCopyCommand:
-    case kMoveCommand:
-      return TransferSelected(dialog, command == kMoveCommand);
-    case kAboutCommand:
-      ShowAbout(app_);
-      return AfterDialog(dialog);
-    case kRefreshCommand:
-      RefreshDatabaseList(dialog);
-      return;
-    case kExitCommand:
-    case kBackCommand:
-      return dialog.end(0);
-    default:
-      if (command >= kFirstListedCommand) ChooseCategory(dialog, command);
-  }
-}
-
-void MainWindow::ChooseCategory(Dialog& dialog, CommandId command) {
-  const auto index = static_cast<std::size_t>(command - kFirstListedCommand);
-  if (index >= categories_.size()) return;
-  app_.category = categories_[index];
+void MainWindow::ChooseCategory(Dialog& dialog, const std::u16string& category) {
+  app_.category = category;
   RefreshDatabaseList(dialog);
 }
 
+void MainWindow::OpenSelected(Dialog& dialog) {
+  if (const auto file = Selected(dialog)) OpenDatabase(dialog, file->path);
+}
+
+void MainWindow::ShowInfo(Dialog& dialog) {
+  if (const auto file = Selected(dialog)) ShowDatabaseInfo(app_, file->path);
+  AfterDialog(dialog);
+}
+
+void MainWindow::About(Dialog& dialog) {
+  ShowAbout(app_);
+  AfterDialog(dialog);
+}
+
 void MainWindow::onNotice(Dialog& dialog, ControlId control, Notice notice) {
-  if (control == kDatabaseList && notice == Notice::kActivated) onCommand(dialog, kOpenCommand);
+  if (control == kDatabaseList && notice == Notice::kActivated) OpenSelected(dialog);
 }
 
 std::optional<DatabaseFile> MainWindow::Selected(Dialog& dialog) const {

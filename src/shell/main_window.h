@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "screens/kit/commands.h"
 #include "services/application.h"
 #include "services/folders.h"
 #include "shell/run.h"
@@ -23,17 +24,16 @@ struct MainWindowStart {
   AlarmStep alarm;
 };
 
-class MainWindow : public DialogHandler {
+class MainWindow : public CommandScreen<MainWindow, DialogHandler> {
  public:
   MainWindow(Application& app, MainWindowStart start) : app_(app), start_(std::move(start)) {}
 
   // Why the window was left.
   bool SessionEnds() const { return session_ends_; }
 
+  CommandTable<MainWindow> Commands(Dialog& dialog);
   void onInit(Dialog& dialog) override;
   void onMessage(Dialog& dialog, int message) override;
-  void onMenuOpening(Dialog& dialog, MenuEntry& soft_key) override;
-  void onCommand(Dialog& dialog, CommandId command) override;
   void onNotice(Dialog& dialog, ControlId control, Notice notice) override;
   void onTimer(Dialog& dialog, int timer) override;
   void onActivate(Dialog& dialog) override { dialog.list(kDatabaseList).focus(); }
@@ -48,9 +48,14 @@ class MainWindow : public DialogHandler {
   bool RefreshDatabaseList(Dialog& dialog);
   void ShowDatabases(Dialog& dialog);
   bool OfferSamples();
-  void ShowMenuBar(Dialog& dialog);
-  void ChooseCategory(Dialog& dialog, CommandId command);
+  std::vector<Command<MainWindow>> CategoryRows() const;
+  void ChooseCategory(Dialog& dialog, const std::u16string& category);
   std::optional<DatabaseFile> Selected(Dialog& dialog) const;
+  void OpenSelected(Dialog& dialog);
+  void ShowInfo(Dialog& dialog);
+  void About(Dialog& dialog);
+  void Refresh(Dialog& dialog) { RefreshDatabaseList(dialog); }
+  void Exit(Dialog& dialog) { dialog.end(0); }
   void DeleteSelectedDatabase(Dialog& dialog);
   void TransferSelected(Dialog& dialog, bool move);
   void AutoSave();
@@ -68,7 +73,7 @@ class MainWindow : public DialogHandler {
   Application& app_;
   const MainWindowStart start_;
   DatabaseList list_;
-  std::vector<std::u16string> categories_;  // as the soft key's menu shows them
+  std::vector<std::u16string> categories_{kAllCategories, kUnfiled};  // that the menu shows
   std::u16string left_key_text_ = u"Categories";
   bool saving_ = false;
   std::string open_next_;  // asked for from outside, while others are being closed

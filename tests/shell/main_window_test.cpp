@@ -6,6 +6,7 @@
 #include "screens/records/edit_record.h"
 #include "screens/records/record_list.h"
 #include "services/modal.h"
+#include "support/menu_walk.h"
 #include "support/phone_world.h"
 
 namespace tabelion {
@@ -277,6 +278,18 @@ TEST_F(Chooser, ListsTheSecondFileThatASaveLeaves) {
   run();
   EXPECT_EQ(world.files.bytes(path), theirs);
   EXPECT_EQ(world.cell("/documents/Tabelion/Pears 2.PDB", 0, 0), "Williams");
+}
+
+TEST_F(Chooser, EveryEntryComesBackAndRemovesNothing) {
+  const std::string path = world.add("Towns", {{"Name"}}, {{"Berlin"}});
+  const auto chosen = walkMenus(world.phone, {.screen = kChooserScreen,
+                                              .program = [&] { run(); },
+                                              .after =
+                                                  [&](const MenuPath& entry) {
+                                                    EXPECT_TRUE(world.files.exists(path))
+                                                        << narrow(entry.back());
+                                                  }});
+  EXPECT_GE(chosen.size(), 8u);
 }
 
 TEST_F(Chooser, MenuFollowsTheSelectedDatabase) {

@@ -196,7 +196,8 @@ class FakePhone : public Dialogs {
   FakeDialog& open(int screen_number);  // one of the open screens
 
   Size screen;
-  std::vector<MessageBox> boxes;                // every one shown
+  std::vector<MessageBox> boxes;  // every one shown
+  bool leaves_the_rest = false;   // leaves by Back, and answers No to, what no step is for
   std::function<void()> while_message = [] {};  // what happens while one is up
   int messages_up = 0;                          // now
   int brought_to_front = 0;
@@ -220,6 +221,7 @@ class FakePhone : public Dialogs {
   void add(Step step) { script_.push_back(std::move(step)); }
   std::string describeNext() const;
   void settle(FakeDialog& dialog);
+  void leave(FakeDialog& dialog);
 
   std::deque<Step> script_;
   std::vector<FakeDialog*> open_;  // the top one last

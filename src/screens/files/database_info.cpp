@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "query/time_text.h"
+#include "screens/kit/commands.h"
 #include "screens/kit/screen_numbers.h"
 #include "services/file_management.h"
 #include "services/folders.h"
@@ -34,15 +35,20 @@ DialogTemplate infoTemplate() {
   label(kInfoRecords, u"No. of Records :");
   label(kInfoCreated, u"Created On :");
   label(kInfoModified, u"Date Modified :");
-  dialog.menu_bar.left = {.command = kDoneCommand, .text = u"Done"};
   return dialog;
 }
 
-class DatabaseInfoScreen : public Screen {
+class DatabaseInfoScreen : public CommandScreen<DatabaseInfoScreen> {
  public:
   DatabaseInfoScreen(Application& app, const std::string& path) : app_(app), path_(path) {}
 
+  CommandTable<DatabaseInfoScreen> Commands(Dialog&) {
+    return {.left = {kDoneCommand, u"Done", &DatabaseInfoScreen::Done},
+            .keys = {{kActionCommand, {}, &DatabaseInfoScreen::Done},
+                     {kBackCommand, {}, &DatabaseInfoScreen::Done}}};
+  }
   void onInit(Dialog& dialog) override {
+    ShowCommands(dialog);
     showContents(dialog);
     showDate(dialog, kInfoCreated, u"Created On :", FileDate::kCreated);
     showDate(dialog, kInfoModified, u"Modified On :", FileDate::kModified);
@@ -68,13 +74,9 @@ class DatabaseInfoScreen : public Screen {
     }
     dialog.setContentHeight(y);
   }
-  void onCommand(Dialog& dialog, CommandId command) override {
-    if (command == kDoneCommand || command == kActionCommand || command == kBackCommand) {
-      dialog.end(kDialogDone);
-    }
-  }
 
  private:
+  void Done(Dialog& dialog) { dialog.end(kDialogDone); }
   // Header and schema say as much as the whole database would.
   void showContents(Dialog& dialog) {
     const auto summary = std::make_unique<DatabaseSummary>();

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "screens/kit/commands.h"
+
 namespace tabelion {
 namespace {
 
@@ -11,11 +13,16 @@ constexpr int kRow = 26;
 constexpr int kStep = kRow + 4;
 constexpr int kMostButtonWidth = 200;
 
-class ButtonQuestionScreen : public Screen {
+class ButtonQuestionScreen : public CommandScreen<ButtonQuestionScreen> {
  public:
   ButtonQuestionScreen(ButtonQuestion& question) : question_(question) {}
 
+  CommandTable<ButtonQuestionScreen> Commands(Dialog&) {
+    return {.left = {kActionCommand, u"Select", &ButtonQuestionScreen::Select},
+            .right = {kBackCommand, question_.back.text, &ButtonQuestionScreen::Back}};
+  }
   void onInit(Dialog& dialog) override {
+    ShowCommands(dialog);
     if (question_.check_box.id != 0) {
       dialog.control(question_.check_box.id).setChecked(question_.checked);
     }
@@ -41,17 +48,15 @@ class ButtonQuestionScreen : public Screen {
   void onNotice(Dialog& dialog, ControlId control, Notice notice) override {
     if (notice == Notice::kActivated) end(dialog, control);
   }
-  void onCommand(Dialog& dialog, CommandId command) override {
-    if (command == kBackCommand) return end(dialog, question_.back.id);
-    if (command != kActionCommand) return;
+  ControlId pressed = 0;
+
+ private:
+  void Select(Dialog& dialog) {
     for (const QuestionButton& button : question_.buttons) {
       if (dialog.control(button.id).hasFocus()) return end(dialog, button.id);
     }
   }
-
-  ControlId pressed = 0;
-
- private:
+  void Back(Dialog& dialog) { end(dialog, question_.back.id); }
   void end(Dialog& dialog, ControlId button) {
     pressed = button;
     if (question_.check_box.id != 0) {
@@ -79,8 +84,6 @@ ControlId AskWithButtons(Application& app, ButtonQuestion& question) {
                                .kind = ControlKind::kCheckBox,
                                .text = question.check_box.text});
   }
-  dialog.menu_bar.left = {.command = kActionCommand, .text = u"Select"};
-  dialog.menu_bar.right = {.command = kBackCommand, .text = question.back.text};
   ButtonQuestionScreen screen(question);
   RunModalDialog(app, dialog, screen);
   return screen.pressed;

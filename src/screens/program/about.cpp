@@ -1,5 +1,6 @@
 #include "screens/program/about.h"
 
+#include "screens/kit/commands.h"
 #include "screens/kit/screen_numbers.h"
 #include "services/screen_text.h"
 
@@ -29,13 +30,17 @@ DialogTemplate aboutTemplate() {
        .text = u"F1 and F2 are the soft keys, Enter opens, Backspace or Escape goes back.\n"
                u"Help: tabelion --help"},
   };
-  dialog.menu_bar.left = {.command = kActionCommand, .text = u"OK"};
   return dialog;
 }
 
-class AboutScreen : public Screen {
+class AboutScreen : public CommandScreen<AboutScreen> {
  public:
+  CommandTable<AboutScreen> Commands(Dialog&) {
+    return {.left = {kActionCommand, u"OK", &AboutScreen::Close},
+            .keys = {{kBackCommand, {}, &AboutScreen::Close}}};
+  }
   void onInit(Dialog& dialog) override {
+    ShowCommands(dialog);
     dialog.control(kAboutName).setFontPixels(kNamePixels);
     onResize(dialog);
   }
@@ -47,11 +52,9 @@ class AboutScreen : public Screen {
       placePortrait(dialog);
     }
   }
-  void onCommand(Dialog& dialog, CommandId command) override {
-    dialog.end(command == kActionCommand ? kDialogDone : kDialogClosed);
-  }
 
  private:
+  void Close(Dialog& dialog) { dialog.end(kDialogDone); }
   // The name beside the logo.
   static void placeLandscape(Dialog& dialog) {
     dialog.control(kAboutLogo).setPlace({40, 12, kLogoSize.width, kLogoSize.height});

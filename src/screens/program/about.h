@@ -12,7 +12,7 @@ inline constexpr ControlId kAboutVersion = 2;
 inline constexpr ControlId kAboutPurpose = 3;
 inline constexpr ControlId kAboutKeys = 4;
 
-// Above the main window; kDialogDone, kDialogClosed, or kDialogAutoClosed.
+// kDialogDone, or kDialogAutoClosed.
 int ShowAbout(Application& app);
 
 }  // namespace tabelion

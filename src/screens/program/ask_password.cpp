@@ -1,5 +1,6 @@
 #include "screens/program/ask_password.h"
 
+#include "screens/kit/commands.h"
 #include "screens/kit/screen_numbers.h"
 #include "services/message.h"
 #include "services/screen_text.h"
@@ -22,16 +23,19 @@ DialogTemplate passwordTemplate(bool for_encryption) {
        .max_length = static_cast<int>(kMaxPassword)},
       {.id = kHidePasswordBox, .kind = ControlKind::kCheckBox, .text = u"Hide Password"},
   };
-  dialog.menu_bar.left = {.command = kActionCommand, .text = u"OK"};
-  dialog.menu_bar.right = {.command = kBackCommand, .text = u"Cancel"};
   return dialog;
 }
 
-class PasswordScreen : public Screen {
+class PasswordScreen : public CommandScreen<PasswordScreen> {
  public:
   PasswordScreen(Application& app, bool waits) : app_(app), waits_(waits) {}
 
+  CommandTable<PasswordScreen> Commands(Dialog&) {
+    return {.left = {kActionCommand, u"OK", &PasswordScreen::Confirm},
+            .right = {kBackCommand, u"Cancel", &PasswordScreen::Cancel}};
+  }
   void onInit(Dialog& dialog) override {
+    ShowCommands(dialog);
     Settings& settings = app_.platform.settings;
     const auto hide = ReadNumberSetting(settings, Setting::kHidePassword);
     if (!hide) WriteNumberSetting(settings, Setting::kHidePassword, 0);
@@ -54,15 +58,6 @@ class PasswordScreen : public Screen {
   bool acceptsCharacter(Dialog&, ControlId, char32_t character) override {
     return CanStore(app_, character);
   }
-  void onCommand(Dialog& dialog, CommandId command) override {
-    if (command == kActionCommand) {
-      takeText(dialog);
-      dialog.end(kDialogDone);
-    } else if (command == kBackCommand) {
-      dialog.end(kDialogClosed);
-    }
-  }
-
   // A password that nobody confirmed is none.
   bool OnAutoClose(Dialog& dialog) override {
     if (!waits_) storeHiding(dialog);
@@ -72,6 +67,11 @@ class PasswordScreen : public Screen {
   Password typed;
 
  private:
+  void Confirm(Dialog& dialog) {
+    takeText(dialog);
+    dialog.end(kDialogDone);
+  }
+  void Cancel(Dialog& dialog) { dialog.end(kDialogClosed); }
   void takeText(Dialog& dialog) {
     auto text = StoredText(app_, dialog.control(kPasswordEdit).text().substr(0, kMaxPassword));
     if (text.ok()) {

@@ -56,9 +56,6 @@ DialogTemplate preferencesTemplate() {
       {.id = kWeekStartsLabel, .kind = ControlKind::kLabel, .text = u"Week Starts"},
       {.id = kWeekStartChoice, .kind = ControlKind::kChoice, .accessible_name = u"Week Starts"},
   };
-  dialog.menu_bar.resource = 143;
-  dialog.menu_bar.left = {.command = kDoneCommand, .text = u"Done"};
-  dialog.menu_bar.right = {.command = kCancelCommand, .text = u"Cancel"};
   return dialog;
 }
 
@@ -80,7 +77,16 @@ int ShowPreferences(Application& app) {
   return RunModalDialog(app, preferencesTemplate(), screen);
 }
 
+CommandTable<PreferencesScreen> PreferencesScreen::Commands(Dialog&) {
+  return {.resource = 143,
+          .left = {kDoneCommand, u"Done", &PreferencesScreen::Done},
+          .right = {kCancelCommand, u"Cancel", &PreferencesScreen::Cancel},
+          .keys = {{kActionCommand, {}, &PreferencesScreen::Done},
+                   {kBackCommand, {}, &PreferencesScreen::Back}}};
+}
+
 void PreferencesScreen::onInit(Dialog& dialog) {
+  ShowCommands(dialog);
   const Preferences& now = app_.preferences;
   dialog.control(kSaveOnCloseBox).setChecked(now.auto_save_on_close);
   const bool saves_by_time = now.auto_save_period_ms >= 1;
@@ -186,19 +192,13 @@ bool PreferencesScreen::acceptsCharacter(Dialog&, ControlId, char32_t character)
   return character >= U'0' && character <= U'9';
 }
 
-void PreferencesScreen::onCommand(Dialog& dialog, CommandId command) {
-  switch (command) {
-    case kDoneCommand:
-    case kActionCommand:
-      Store(dialog);
-      return dialog.end(kDialogDone);
-    case kCancelCommand:
-      return dialog.end(kDialogClosed);
-    case kBackCommand:
-      return Back(dialog);
-    default:
-      return;
-  }
+void PreferencesScreen::Done(Dialog& dialog) {
+  Store(dialog);
+  dialog.end(kDialogDone);
+}
+
+void PreferencesScreen::Cancel(Dialog& dialog) {
+  dialog.end(kDialogClosed);
 }
 
 // In a number box the Back key takes a digit away.

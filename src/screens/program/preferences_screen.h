@@ -3,8 +3,8 @@
 
 #include <string>
 
+#include "screens/kit/commands.h"
 #include "services/application.h"
-#include "services/modal.h"
 
 namespace tabelion {
 
@@ -22,12 +22,12 @@ inline constexpr ControlId kAutoCloseBox = 1089;
 inline constexpr ControlId kCloseMinutes = 1091;
 inline constexpr ControlId kMinutesLabel = 1092;
 
-class PreferencesScreen : public Screen {
+class PreferencesScreen : public CommandScreen<PreferencesScreen> {
  public:
   explicit PreferencesScreen(Application& app) : app_(app) {}
 
+  CommandTable<PreferencesScreen> Commands(Dialog& dialog);
   void onInit(Dialog& dialog) override;
-  void onCommand(Dialog& dialog, CommandId command) override;
   void onNotice(Dialog& dialog, ControlId control, Notice notice) override;
   bool acceptsCharacter(Dialog& dialog, ControlId control, char32_t character) override;
   void onResize(Dialog& dialog) override { Layout(dialog); }
@@ -37,6 +37,8 @@ class PreferencesScreen : public Screen {
   void Layout(Dialog& dialog);
   void ShowSeconds(Dialog& dialog, bool shown);
   void ShowMinutes(Dialog& dialog, bool shown);
+  void Done(Dialog& dialog);
+  void Cancel(Dialog& dialog);
   void Back(Dialog& dialog);
   void Store(Dialog& dialog);
   void StoreSavePeriod(const std::string& seconds);

@@ -20,27 +20,10 @@ constexpr CommandId kGoPrevious = 40202;
 constexpr CommandId kGoNext = 40203;
 constexpr CommandId kGoLast = 40204;
 
-DialogTemplate editRecordTemplate(const DatabaseRecord& schema) {
+DialogTemplate editRecordTemplate() {
   DialogTemplate dialog;
   dialog.resource = kEditRecordScreen;
   dialog.title = u"Edit Record";
-  dialog.menu_bar.resource = 115;
-  dialog.menu_bar.left = {.command = kFormDone, .text = u"Done"};
-  dialog.menu_bar.right = {.text = u"Menu",
-                           .children = {{.command = kWiderCommand, .text = u"Increase Width"},
-                                        {.command = kNarrowerCommand, .text = u"Decrease Width"},
-                                        {.command = kNewRecordCommand, .text = u"New Record"},
-                                        {.command = kDeleteCommand, .text = u"Delete Record"},
-                                        {.text = u"Go To",
-                                         .children = {{.command = kGoFirst, .text = u"First"},
-                                                      {.command = kGoPrevious, .text = u"Previous"},
-                                                      {.command = kGoNext, .text = u"Next"},
-                                                      {.command = kGoLast, .text = u"Last"}}},
-                                        {.command = kFormCancel, .text = u"Cancel"}}};
-  if (schema.encryption_mode == kEncryptRecordsByHand) {
-    auto& entries = dialog.menu_bar.right.children;
-    entries.insert(entries.end() - 1, {.command = kEncryptCommand, .text = u"Encrypt Record"});
-  }
   return dialog;
 }
 
@@ -57,10 +40,11 @@ bool HasRoomForRecord(Application& app) {
 
 int ShowEditRecord(Application& app, std::uint32_t record) {
   EditRecordScreen screen(app, record);
-  return RunModalDialog(app, editRecordTemplate(CurrentDatabase(app).schema), screen);
+  return RunModalDialog(app, editRecordTemplate(), screen);
 }
 
 void EditRecordScreen::onInit(Dialog& dialog) {
+  ShowCommands(dialog);
   LoadEditRecord(dialog, first_record_);
 }
 
@@ -87,38 +71,47 @@ void EditRecordScreen::LoadEditRecord(Dialog& dialog, std::uint32_t record) {
   form_.Show(dialog, packed, copy_.has_value() && MayChange());
 }
 
-void EditRecordScreen::onCommand(Dialog& dialog, CommandId command) {
-  switch (command) {
-    case kFormDone:
-      return Leave(dialog, true);
-    case kBackCommand:
-      return Leave(dialog, false);
-    case kFormCancel:
-      return dialog.end(kDialogClosed);
-    case kWiderCommand:
-      return ChangeWidth(dialog, kWidthStep);
-    case kNarrowerCommand:
-      return ChangeWidth(dialog, -kWidthStep);
-    case kNewRecordCommand:
-      return NewRecord(dialog);
-    case kDeleteCommand:
-      return DeleteEditRecord(dialog);
-    case kEncryptCommand:
-      return ToggleEncryption(dialog);
-    case kGoFirst:
-    case kGoPrevious:
-    case kGoNext:
-    case kGoLast:
-      return MoveTo(dialog, static_cast<Move>(command - kGoFirst));
-    default:
-      return;
+CommandTable<EditRecordScreen> EditRecordScreen::Commands(Dialog&) {
+  using Self = EditRecordScreen;
+  const auto change_width = [](int step) {
+    return [step](Self& self, Dialog& dialog) { self.ChangeWidth(dialog, step); };
+  };
+  const auto move = [](Move to) {
+    return [to](Self& self, Dialog& dialog) { self.MoveTo(dialog, to); };
+  };
+  CommandTable<Self> table{
+      .resource = 115,
+      .left = {kFormDone, u"Done", &Self::Done},
+      .right = {.text = u"Menu",
+                .rows = {{kWiderCommand, u"Increase Width", change_width(kWidthStep)},
+                         {kNarrowerCommand, u"Decrease Width", change_width(-kWidthStep)},
+                         {kNewRecordCommand, u"New Record", &Self::NewRecord},
+                         {kDeleteCommand, u"Delete Record", &Self::DeleteEditRecord,
+                          copy_.has_value()},
+                         {.text = u"Go To",
+                          .rows = {{kGoFirst, u"First", move(Move::kFirst)},
+                                   {kGoPrevious, u"Previous", move(Move::kPrevious)},
+                                   {kGoNext, u"Next", move(Move::kNext)},
+                                   {kGoLast, u"Last", move(Move::kLast)}}}}},
+      .keys = {{kBackCommand, {}, &Self::Back}}};
+  auto& entries = table.right.rows;
+  if (CurrentDatabase(app_).schema.encryption_mode == kEncryptRecordsByHand) {
+    const bool encrypted = copy_ && isRecordEncrypted(copy_->prefix);
+    entries.push_back({kEncryptCommand, encrypted ? u"Decrypt Record" : u"Encrypt Record",
+                       &Self::ToggleEncryption, copy_.has_value()});
   }
+  entries.push_back({kFormCancel, u"Cancel", &Self::Cancel});
+  return table;
+}
+
+void EditRecordScreen::Done(Dialog& dialog) {
+  if (SaveEditRecord(dialog)) dialog.end(kDialogClosed);
 }
 
 // Going back from a new record on which nothing was entered stores none.
-void EditRecordScreen::Leave(Dialog& dialog, bool keep_untouched_new) {
+void EditRecordScreen::Back(Dialog& dialog) {
   const bool untouched_new = app_.level().new_record && !form_.Changed(dialog);
-  if ((untouched_new && !keep_untouched_new) || SaveEditRecord(dialog)) dialog.end(kDialogClosed);
+  if (untouched_new || SaveEditRecord(dialog)) dialog.end(kDialogClosed);
 }
 
 void EditRecordScreen::onNotice(Dialog& dialog, ControlId control, Notice notice) {
@@ -136,17 +129,6 @@ bool EditRecordScreen::onKey(Dialog& dialog, const KeyPress& key) {
 
 bool EditRecordScreen::acceptsCharacter(Dialog&, ControlId, char32_t character) {
   return CanStore(app_, character);
-}
-
-void EditRecordScreen::onMenuOpening(Dialog&, MenuEntry& soft_key) {
-  for (MenuEntry& entry : soft_key.children) {
-    if (entry.command == kDeleteCommand) entry.enabled = copy_.has_value();
-    if (entry.command == kEncryptCommand) {
-      entry.enabled = copy_.has_value();
-      const bool encrypted = copy_ && isRecordEncrypted(copy_->prefix);
-      entry.text = encrypted ? u"Decrypt Record" : u"Encrypt Record";
-    }
-  }
 }
 
 bool EditRecordScreen::SaveEditRecord(Dialog& dialog) {

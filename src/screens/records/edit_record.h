@@ -7,23 +7,22 @@
 #include <optional>
 
 #include "engine/packed_record.h"
+#include "screens/kit/commands.h"
 #include "screens/records/record_form.h"
 #include "services/application.h"
-#include "services/modal.h"
 
 namespace tabelion {
 
-class EditRecordScreen : public Screen {
+class EditRecordScreen : public CommandScreen<EditRecordScreen> {
  public:
   EditRecordScreen(Application& app, std::uint32_t record)
       : app_(app), form_(app), first_record_(record) {}
 
+  CommandTable<EditRecordScreen> Commands(Dialog& dialog);
   void onInit(Dialog& dialog) override;
-  void onCommand(Dialog& dialog, CommandId command) override;
   void onNotice(Dialog& dialog, ControlId control, Notice notice) override;
   bool onKey(Dialog& dialog, const KeyPress& key) override;
   bool acceptsCharacter(Dialog& dialog, ControlId control, char32_t character) override;
-  void onMenuOpening(Dialog& dialog, MenuEntry& soft_key) override;
   void onResize(Dialog& dialog) override { form_.Place(dialog); }
   bool OnAutoClose(Dialog& dialog) override { return SaveEditRecord(dialog); }
 
@@ -37,7 +36,9 @@ class EditRecordScreen : public Screen {
   void DeleteEditRecord(Dialog& dialog);
   void MoveTo(Dialog& dialog, Move move);
   void NewRecord(Dialog& dialog);
-  void Leave(Dialog& dialog, bool keep_untouched_new);
+  void Done(Dialog& dialog);
+  void Back(Dialog& dialog);
+  void Cancel(Dialog& dialog) { dialog.end(kDialogClosed); }
   void ChangeWidth(Dialog& dialog, int step);
   void DecipherForEditing(Bytes& record);
   void EncipherStored();

@@ -1,16 +1,25 @@
 #include "screens/records/note_text.h"
 
+#include "screens/kit/commands.h"
 #include "screens/kit/screen_numbers.h"
 #include "services/screen_text.h"
 
 namespace tabelion {
 namespace {
 
-class NoteScreen : public Screen {
+class NoteScreen : public CommandScreen<NoteScreen> {
  public:
   NoteScreen(Application& app, NoteText& note) : app_(app), note_(note) {}
 
+  // Only Cancel gives up what was written.
+  CommandTable<NoteScreen> Commands(Dialog&) {
+    return {
+        .left = {kDoneCommand, u"Done", &NoteScreen::Done},
+        .right = {kCancelCommand, u"Cancel", &NoteScreen::Cancel},
+        .keys = {{kActionCommand, {}, &NoteScreen::Done}, {kBackCommand, {}, &NoteScreen::Done}}};
+  }
   void onInit(Dialog& dialog) override {
+    ShowCommands(dialog);
     onResize(dialog);
     dialog.control(kNoteEdit).focus();
   }
@@ -21,19 +30,18 @@ class NoteScreen : public Screen {
   bool acceptsCharacter(Dialog&, ControlId, char32_t character) override {
     return CanStore(app_, character);
   }
-  // Only Cancel gives up what was written.
-  void onCommand(Dialog& dialog, CommandId command) override {
-    if (command == kCancelCommand) return dialog.end(kDialogClosed);
-    if (command != kDoneCommand && command != kActionCommand && command != kBackCommand) return;
-    note_.text = dialog.control(kNoteEdit).text();
-    dialog.end(kDialogDone);
-  }
   bool OnAutoClose(Dialog& dialog) override {
     note_.text = dialog.control(kNoteEdit).text();
     return true;
   }
 
  private:
+  void Done(Dialog& dialog) {
+    note_.text = dialog.control(kNoteEdit).text();
+    dialog.end(kDialogDone);
+  }
+  void Cancel(Dialog& dialog) { dialog.end(kDialogClosed); }
+
   Application& app_;
   NoteText& note_;
 };
@@ -50,8 +58,6 @@ int EditNoteText(Application& app, NoteText& note) {
                       .accessible_name = note.title,
                       .read_only = note.read_only,
                       .max_length = note.max_length}};
-  dialog.menu_bar.left = {.command = kDoneCommand, .text = u"Done"};
-  dialog.menu_bar.right = {.command = kCancelCommand, .text = u"Cancel"};
   NoteScreen screen(app, note);
   return RunModalDialog(app, dialog, screen);
 }

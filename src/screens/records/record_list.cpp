@@ -32,9 +32,7 @@ std::u16string viewName(const Application& app, const DatabaseRecord& schema) {
   return u"Default View";
 }
 
-}  // namespace
-
-DialogTemplate RecordListTemplate() {
+DialogTemplate recordListTemplate() {
   DialogTemplate dialog;
   dialog.resource = kRecordListScreen;
   dialog.title = u"Tabelion";
@@ -50,21 +48,29 @@ DialogTemplate RecordListTemplate() {
        .right_aligned = true},
       {.id = kRecordList, .kind = ControlKind::kList, .accessible_name = u"Records"},
   };
-  dialog.menu_bar.resource = 146;
-  dialog.menu_bar.left = {.command = kNewRecordCommand, .text = u"New Record"};
-  dialog.menu_bar.right = {.text = u"Menu",
-                           .children = {{.command = kPreferencesCommand, .text = u"Preferences"},
-                                        {.command = kSaveCommand, .text = u"Save"},
-                                        {.command = kBackCommand, .text = u"Close"}}};
   return dialog;
 }
 
+}  // namespace
+
 int ShowRecordList(Application& app, const std::string& path, std::optional<std::uint32_t> record) {
   RecordListScreen screen(app, path, record);
-  return RunModalDialog(app, RecordListTemplate(), screen);
+  return RunModalDialog(app, recordListTemplate(), screen);
+}
+
+CommandTable<RecordListScreen> RecordListScreen::Commands(Dialog&) {
+  using Self = RecordListScreen;
+  return {.resource = 146,
+          .left = {kNewRecordCommand, u"New Record", &Self::NewRecord},
+          .right = {.text = u"Menu",
+                    .rows = {{kPreferencesCommand, u"Preferences", &Self::ChangePreferences},
+                             {kSaveCommand, u"Save", &Self::Save},
+                             {kBackCommand, u"Close", &Self::Close}}},
+          .keys = {{kActionCommand, {}, &Self::OpenSelected}}};
 }
 
 void RecordListScreen::onInit(Dialog& dialog) {
+  ShowCommands(dialog);
   Layout(dialog);
   dialog.post(kOpenMessage);
 }
@@ -95,14 +101,14 @@ void RecordListScreen::OpenFile(Dialog& dialog) {
     return AskPassword(app_, {.expected = expected, .compare = true}) == kPasswordConfirmed;
   });
   if (opened != kOpened) {
-    return Close(dialog, app_.closing == Closing::kNo ? kDialogClosed : kDialogAutoClosed);
+    return CloseWith(dialog, app_.closing == Closing::kNo ? kDialogClosed : kDialogAutoClosed);
   }
   DecryptWholeDatabase(app_, AskEncryptionPassword(app_));
   const Database& database = CurrentDatabase(app_);
   if (database.schema.label_width_adjustment >= kCorruptWidth) {
     ShowMessage(app_, u"This database appears to be corrupt.", u"Open Database",
                 MessageIcon::kError);
-    return Close(dialog, kDialogClosed);
+    return CloseWith(dialog, kDialogClosed);
   }
   const int stored = database.schema.current_record_index;
   app_.level().current_record =
@@ -142,26 +148,9 @@ void RecordListScreen::SelectListRow(Dialog& dialog, int row) {
   list.focus();
 }
 
-void RecordListScreen::onCommand(Dialog& dialog, CommandId command) {
-  switch (command) {
-    case kNewRecordCommand:
-      return NewRecord(dialog);
-    case kActionCommand:
-      return OpenListRecord(dialog, false);
-    case kPreferencesCommand:
-      return ChangePreferences(dialog);
-    case kSaveCommand:
-      return Save(dialog);
-    case kBackCommand:
-      return Close(dialog, kDialogClosed);
-    default:
-      return;
-  }
-}
-
 void RecordListScreen::onNotice(Dialog& dialog, ControlId control, Notice notice) {
   if (control != kRecordList) return;
-  if (notice == Notice::kActivated) OpenListRecord(dialog, false);
+  if (notice == Notice::kActivated) OpenSelected(dialog);
   if (notice == Notice::kSelectionChanged) {
     find_.clear();
     const auto& index = CurrentDatabase(app_).record_index;
@@ -175,25 +164,24 @@ void RecordListScreen::NewRecord(Dialog& dialog) {
       !HasRoomForRecord(app_)) {
     return;
   }
-  OpenListRecord(dialog, true);
+  EditRecord(dialog, kNewRecord);
 }
 
 // Compat: the first row opens record 0, also when the order begins with another record
 // (RecordList.FirstRowOpensRecordZero).
-void RecordListScreen::OpenListRecord(Dialog& dialog, bool as_new) {
+void RecordListScreen::OpenSelected(Dialog& dialog) {
   if (!IsDatabaseOpen(app_)) return;
   const auto& index = CurrentDatabase(app_).record_index;
   const int row = dialog.list(kRecordList).selectedRow();
-  std::uint32_t record = 0;
-  if (as_new) {
-    record = kNewRecord;
-  } else if (row > 0 && static_cast<std::size_t>(row) < index.size()) {
-    record = index[static_cast<std::size_t>(row)];
-  }
+  const bool behind_the_first = row > 0 && static_cast<std::size_t>(row) < index.size();
+  EditRecord(dialog, behind_the_first ? index[static_cast<std::size_t>(row)] : 0);
+}
+
+void RecordListScreen::EditRecord(Dialog& dialog, std::uint32_t record) {
   const std::uint32_t before = app_.level().current_record;
   ShowEditRecord(app_, record);
-  if (app_.level().current_record == kNewRecord)
-    app_.level().current_record = before;  // it was not stored
+  // A new one that was not stored.
+  if (app_.level().current_record == kNewRecord) app_.level().current_record = before;
   app_.level().new_record = false;
   FillRecordList(dialog);
 }
@@ -216,7 +204,11 @@ void RecordListScreen::Save(Dialog& dialog) {
   }
 }
 
-void RecordListScreen::Close(Dialog& dialog, int result) {
+void RecordListScreen::Close(Dialog& dialog) {
+  CloseWith(dialog, kDialogClosed);
+}
+
+void RecordListScreen::CloseWith(Dialog& dialog, int result) {
   if (CloseFor(result)) {
     dialog.end(result);
   } else {

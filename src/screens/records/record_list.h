@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "screens/kit/commands.h"
 #include "screens/records/quick_find.h"
 #include "services/application.h"
-#include "services/modal.h"
 
 namespace tabelion {
 
@@ -16,18 +16,16 @@ inline constexpr ControlId kRecordList = 1000;
 inline constexpr ControlId kNameLabel = 1001;
 inline constexpr ControlId kViewLabel = 1174;
 
-DialogTemplate RecordListTemplate();
-
-class RecordListScreen : public Screen {
+class RecordListScreen : public CommandScreen<RecordListScreen> {
  public:
   // `path` is the file to open, once the screen is there; `record` the one to select at first,
   // instead of the one that the database remembers.
   RecordListScreen(Application& app, std::string path, std::optional<std::uint32_t> record)
       : app_(app), path_(std::move(path)), first_record_(record) {}
 
+  CommandTable<RecordListScreen> Commands(Dialog& dialog);
   void onInit(Dialog& dialog) override;
   void onMessage(Dialog& dialog, int message) override;
-  void onCommand(Dialog& dialog, CommandId command) override;
   void onNotice(Dialog& dialog, ControlId control, Notice notice) override;
   bool onKey(Dialog& dialog, const KeyPress& key) override;
   void onActivate(Dialog& dialog) override { dialog.list(kRecordList).focus(); }
@@ -45,11 +43,13 @@ class RecordListScreen : public Screen {
   void Layout(Dialog& dialog);
   void OpenFile(Dialog& dialog);
   void SelectListRow(Dialog& dialog, int row);
-  void OpenListRecord(Dialog& dialog, bool as_new);
+  void OpenSelected(Dialog& dialog);
+  void EditRecord(Dialog& dialog, std::uint32_t record);
   void NewRecord(Dialog& dialog);
   void ChangePreferences(Dialog& dialog);
   void Save(Dialog& dialog);
-  void Close(Dialog& dialog, int result);
+  void Close(Dialog& dialog);
+  void CloseWith(Dialog& dialog, int result);
   bool CloseFor(int result);  // false: the database stays open
   bool QuickFindKey(Dialog& dialog, const KeyPress& key);
   int RowOfCurrentRecord() const;

@@ -1,0 +1,111 @@
+#include "screens/kit/commands.h"
+
+#include <gmock/gmock.h>
+
+#include "screens/kit/screen_numbers.h"
+#include "screens/program/about.h"
+#include "screens/program/preferences_screen.h"
+#include "screens/records/record_list.h"
+#include "support/menu_walk.h"
+#include "support/phone_world.h"
+
+namespace tabelion {
+namespace {
+
+using testing::Contains;
+
+constexpr int kSample = 900;
+constexpr CommandId kRunCommand = 40500;
+
+// A screen whose table follows from its state.
+class SampleScreen : public CommandScreen<SampleScreen> {
+ public:
+  CommandTable<SampleScreen> Commands(Dialog&) {
+    CommandTable<SampleScreen> table{
+        .left = {kRunCommand, u"Run", &SampleScreen::Run, may_run},
+        .right = {.text = u"Menu", .rows = {{.text = u"Days"}, {}}},
+        .keys = {{kBackCommand, {}, [](SampleScreen&, Dialog& dialog) { dialog.end(7); }}}};
+    for (int day = 1; day <= days; ++day) {
+      table.right.rows[0].rows.push_back(
+          {.number = kFirstListedCommand + day,
+           .text = std::u16string(static_cast<std::size_t>(day), u'*'),
+           .run = [day](SampleScreen& self, Dialog&) { self.chosen = day; },
+           .checked = day == chosen});
+    }
+    return table;
+  }
+  void onInit(Dialog& dialog) override { ShowCommands(dialog); }
+
+  bool may_run = false;
+  int runs = 0;
+  int days = 0;
+  int chosen = 0;
+
+ private:
+  void Run(Dialog&) { ++runs; }
+};
+
+TEST(Commands, MenusAndDispatchFollowTheTableAsItIsNow) {
+  PhoneWorld world;
+  Application app(world.platform);
+  SampleScreen screen;
+  world.phone.at(kSample)
+      .look([&](FakeDialog& dialog) {
+        dialog.handler.onCommand(dialog, kRunCommand);  // a key's way; the row is disabled
+        dialog.handler.onCommand(dialog, 4711);
+        dialog.handler.onCommand(dialog, 0);
+        EXPECT_EQ(screen.runs, 0);
+        screen.may_run = true;
+        dialog.handler.onCommand(dialog, kRunCommand);
+        EXPECT_EQ(screen.runs, 1);
+        screen.days = 3;
+      })
+      .choose({u"Menu", u"Days", u"**"})
+      .look([&](FakeDialog& dialog) {
+        EXPECT_EQ(screen.chosen, 2);
+        dialog.handler.onMenuOpening(dialog, dialog.menu_bar.right);
+        EXPECT_TRUE(dialog.menu_bar.right.children[0].children[1].checked);
+        EXPECT_FALSE(dialog.menu_bar.right.children[0].children[2].checked);
+      })
+      .press(Key::kBack);
+  world.phone.play([&] { EXPECT_EQ(RunModalDialog(app, {.resource = kSample}, screen), 7); });
+}
+
+// Whatever is chosen, with nothing confirmed no record changes.
+TEST(Commands, EveryEntryComesBackAndChangesNothingByItself) {
+  for (const TestRows& rows : {TestRows{}, TestRows{{"Berlin"}, {"Rome"}}}) {
+    PhoneWorld world;
+    Application app(world.platform);
+    const std::string path = world.add("Towns", {{"Name"}, {"Text", kNote}}, rows);
+    const auto show_list = [&] { ShowRecordList(app, path); };
+    const auto unchanged = [&](const MenuPath& entry) {
+      EXPECT_EQ(world.read(path)->records.count(), rows.size()) << narrow(entry.back());
+      EXPECT_TRUE(app.open_dialogs.empty());
+    };
+    EXPECT_THAT(walkMenus(world.phone,
+                          {.screen = kRecordListScreen, .program = show_list, .after = unchanged}),
+                Contains(MenuPath{u"Menu", u"Preferences"}));
+    const auto open_record = [&] { world.phone.at(kRecordListScreen).press(Key::kEnter); };
+    const auto chosen = walkMenus(world.phone, {.screen = kEditRecordScreen,
+                                                .program = show_list,
+                                                .enter = open_record,
+                                                .after = unchanged});
+    EXPECT_THAT(chosen, Contains(MenuPath{u"Menu", u"Go To", u"Last"}));
+    EXPECT_EQ(testing::Value(chosen, Contains(MenuPath{u"Menu", u"Delete Record"})), !rows.empty());
+  }
+}
+
+TEST(Commands, EveryEntryOfTheProgramsOwnScreensComesBack) {
+  PhoneWorld world;
+  Application app(world.platform);
+  EXPECT_EQ(walkMenus(world.phone,
+                      {.screen = kPreferencesScreen, .program = [&] { ShowPreferences(app); }})
+                .size(),
+            2u);
+  EXPECT_EQ(
+      walkMenus(world.phone, {.screen = kAboutScreen, .program = [&] { ShowAbout(app); }}).size(),
+      1u);
+}
+
+}  // namespace
+}  // namespace tabelion
