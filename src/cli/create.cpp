@@ -14,8 +14,7 @@ namespace {
 struct CreateOptions {
   std::string file;
   std::string schema;
-  std::string data;
-  bool skip_bad = false;
+  RowOptions rows;
   bool force = false;
 };
 
@@ -70,6 +69,11 @@ Status describe(const CreateOptions& options, CliContext& context, Database& dat
 
 ExitCode runCreate(const CreateOptions& options, CliContext& context) {
   ExitCode failure{};
+  std::optional<FileImage> rows;
+  if (!options.rows.path.empty()) {
+    rows = readRows(context, options.rows, failure);
+    if (!rows) return failure;
+  }
   const auto lock = context.lock(options.file, failure);
   if (!lock) return failure;
   if (!options.force && context.files.info(options.file).ok()) {
@@ -81,8 +85,8 @@ ExitCode runCreate(const CreateOptions& options, CliContext& context) {
   database->path = options.file;
   const Status described = describe(options, context, *database);
   if (!described.ok()) return context.fail(described.error());
-  if (!options.data.empty()) {
-    const ExitCode code = importRows(context, options.data, options.skip_bad, *database);
+  if (rows) {
+    const ExitCode code = importRows(context, options.rows, *rows, *database);
     if (code != ExitCode::kDone) return code;
   }
   return context.save(*database);
@@ -94,9 +98,8 @@ CommandBody declareCreate(OptionList list) {
   const auto options = std::make_shared<CreateOptions>();
   list.required("FILE", options->file, "The database to be made");
   list.required("--schema FILE", options->schema, "Its description as JSON");
-  list.optional("--data FILE", options->data, "Records as CSV in UTF-8");
-  list.flag("--skip-bad", options->skip_bad,
-            "Take the rows that fit and list the others, instead of making nothing");
+  list.optional("--data FILE", options->rows.path, "Records as CSV");
+  declareRowOptions(list, options->rows);
   list.flag("--force", options->force, "Replace a file that is there");
   return [options](CliContext& context) { return runCreate(*options, context); };
 }

@@ -8,6 +8,9 @@
 #include "engine/calendar.h"
 #include "engine/schema_places.h"
 #include "interchange/hex.h"
+#include "query/date_text.h"
+#include "query/field_value.h"
+#include "query/typed_tokens.h"
 
 namespace tabelion {
 namespace {
@@ -124,15 +127,7 @@ void putLe32(Bytes& value, std::uint32_t number) {
   storeLe32(&value[value.size() - 4], number);
 }
 
-std::optional<std::string> readDate(std::string_view text, Bytes& value) {
-  const bool shaped = text.size() == 10 && text[4] == '-' && text[7] == '-';
-  CalendarDate date;
-  date.year = shaped ? parseDigits(text.substr(0, 4)) : -1;
-  date.month = shaped ? parseDigits(text.substr(5, 2)) : -1;
-  date.day = shaped ? parseDigits(text.substr(8, 2)) : -1;
-  if (date.year < 0 || date.month < 0 || date.day < 0) {
-    return fmt::format("\"{}\" is not a date like 2024-03-31", text);
-  }
+std::optional<std::string> putDate(const CalendarDate& date, std::string_view text, Bytes& value) {
   if (date.year < kFirstYear) return fmt::format("\"{}\" lies before {}", text, kFirstYear);
   const bool in_range = date.month >= 1 && date.month <= 12 && date.day >= 1;
   const std::uint32_t days = in_range ? daysSince1904(date.month, date.day, date.year) : 0;
@@ -142,6 +137,38 @@ std::optional<std::string> readDate(std::string_view text, Bytes& value) {
   if (days == 0) return fmt::format("\"{}\" is what a date without a value is kept as", text);
   putLe32(value, days);
   return std::nullopt;
+}
+
+// Three numbers in the order of the format, the year whole.
+std::optional<CalendarDate> dateInForm(std::string_view text, const FormatSettings& formats) {
+  std::size_t longest = 0;
+  std::size_t digits = 0;
+  for (const char c : text) {
+    digits = c >= '0' && c <= '9' ? digits + 1 : 0;
+    longest = std::max(longest, digits);
+  }
+  return longest == 4 ? exactDateOfText(text, formats) : std::nullopt;
+}
+
+std::optional<std::string> readDate(std::string_view text, const FormatSettings* formats,
+                                    Bytes& value) {
+  if (formats != nullptr) {
+    if (const auto date = dateInForm(text, *formats)) return putDate(*date, text, value);
+  }
+  const bool shaped = text.size() == 10 && text[4] == '-' && text[7] == '-';
+  CalendarDate date;
+  date.year = shaped ? parseDigits(text.substr(0, 4)) : -1;
+  date.month = shaped ? parseDigits(text.substr(5, 2)) : -1;
+  date.day = shaped ? parseDigits(text.substr(8, 2)) : -1;
+  if (date.year < 0 || date.month < 0 || date.day < 0) {
+    std::string example = "2024-03-31";
+    if (formats != nullptr) {
+      example.clear();
+      appendDate(example, CalendarDate{3, 31, 2024}, formats->edit_date);
+    }
+    return fmt::format("\"{}\" is not a date like {}", text, example);
+  }
+  return putDate(date, text, value);
 }
 
 std::optional<std::string> readTime(std::string_view text, Bytes& value) {
@@ -161,8 +188,14 @@ std::optional<std::string> readTime(std::string_view text, Bytes& value) {
 
 std::optional<std::string> readPopup(const PopupNames& popups, std::string_view text,
                                      Bytes& value) {
-  if (const ItemKey* key = popups.keyOf(text)) {
+  const ItemKey* key = popups.keyOf(text);
+  if (key == nullptr) key = popups.keyOf(text = withoutBlanks(text));
+  if (key != nullptr) {
     value.insert(value.end(), key->begin(), key->begin() + kPopupKeySize);
+    return std::nullopt;
+  }
+  if (text.empty()) {
+    value.resize(value.size() + kPopupKeySize);
     return std::nullopt;
   }
   const auto bytes = text[0] == '?' ? fromHex(text.substr(1)) : std::nullopt;
@@ -226,6 +259,21 @@ std::optional<std::string> readExternal(std::string_view text, std::size_t size,
   return std::nullopt;
 }
 
+// A text is what stands there, blanks and all.
+bool isTextType(int type) {
+  switch (type) {
+    case kText:
+    case kLongText:
+    case kTextVariant:
+    case kText254:
+    case kNote:
+    case kLookup:
+      return true;
+    default:
+      return false;
+  }
+}
+
 // What an empty cell is stored as.
 void putNoValue(int type, Bytes& value) {
   if (type == kTime) value.insert(value.end(), {0, 0, kNoTimeHour, 0});
@@ -286,6 +334,7 @@ std::optional<std::string> readLinkCells(const TextEncoding& encoding, std::stri
 
 std::optional<std::string> readCell(const CellReader& reader, std::string_view text, Bytes& value) {
   const int type = reader.column.type;
+  if (!isTextType(type) && type != kPopup) text = withoutBlanks(text);
   if (text.empty()) {
     putNoValue(type, value);
     return std::nullopt;
@@ -304,12 +353,14 @@ std::optional<std::string> readCell(const CellReader& reader, std::string_view t
       return readNumberText(text, type == kCalculated, value);
     case kPopup:
       return readPopup(reader.popups, text, value);
-    case kCheckBox:
-      if (text != "0" && text != "1") return fmt::format("\"{}\" is not 0 or 1", text);
-      value.push_back(text == "1");
+    case kCheckBox: {
+      const auto is_checked = checkOfText(text);
+      if (!is_checked) return fmt::format("\"{}\" is not 0 or 1, yes or no", text);
+      value.push_back(*is_checked ? 1 : 0);
       return std::nullopt;
+    }
     case kDate:
-      return readDate(text, value);
+      return readDate(text, reader.dates, value);
     case kTime:
       return readTime(text, value);
     case kExternal:

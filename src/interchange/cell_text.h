@@ -19,6 +19,7 @@
 
 #include "engine/packed_record.h"
 #include "interchange/table_columns.h"
+#include "query/format_settings.h"
 
 namespace tabelion {
 
@@ -39,11 +40,14 @@ CellText cellText(const TableColumn& column, const PopupNames& popups, ByteView 
                   CellScratch& scratch);
 
 // Text as a value, appended to `value`. The error's text says what is wrong, without the place.
+// Blanks around anything but a text do not count. Dates may be in the form of `dates` as well,
+// with a whole year: 5.9.24 is of no century. Check boxes may be in words.
 struct CellReader {
   const TableColumn& column;
   const FieldDefinition& field;
   const PopupNames& popups;
   const TextEncoding& encoding;
+  const FormatSettings* dates = nullptr;
 };
 std::optional<std::string> readCell(const CellReader& reader, std::string_view text, Bytes& value);
 // The two columns of a link field make one value.

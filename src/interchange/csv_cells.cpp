@@ -30,8 +30,8 @@ void putQuoted(OutputBuffer& to, std::string_view text) {
 
 }  // namespace
 
-void putCsvText(OutputBuffer& to, std::string_view text) {
-  if (text.empty() || csvNeedsQuotes(text)) {
+void putCsvText(OutputBuffer& to, std::string_view text, char delimiter) {
+  if (text.empty() || csvNeedsQuotes(text, delimiter)) {
     putQuoted(to, text);
   } else {
     to.put(text);

@@ -9,7 +9,7 @@
 namespace tabelion {
 
 // A text in UTF-8, in quotes where it needs them or is empty.
-void putCsvText(OutputBuffer& to, std::string_view text);
+void putCsvText(OutputBuffer& to, std::string_view text, char delimiter = ',');
 
 // The cell of a column in the current row. One that is a line by itself is in quotes when it is
 // empty: a line of nothing would be no row.

@@ -1,27 +1,19 @@
 #include "interchange/csv_reader.h"
 
-#include <array>
 #include <cstring>
 
 namespace tabelion {
 namespace {
 
-// The characters that end a plain cell or force quotes.
-constexpr std::array<bool, 256> kSpecial = [] {
-  std::array<bool, 256> special{};
-  for (const unsigned char c : {',', '"', '\n', '\r'}) special[c] = true;
-  return special;
-}();
-
-bool isSpecial(char c) {
-  return kSpecial[static_cast<unsigned char>(c)];
-}
+constexpr std::string_view kEndsOfCells = "\"\n\r";
 
 }  // namespace
 
-CsvReader::CsvReader(std::string_view text) : text_(text) {
+CsvReader::CsvReader(std::string_view text, char delimiter) : text_(text), delimiter_(delimiter) {
   constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
   if (text_.starts_with(kByteOrderMark)) at_ = kByteOrderMark.size();
+  for (const char c : kEndsOfCells) special_[static_cast<unsigned char>(c)] = true;
+  special_[static_cast<unsigned char>(delimiter)] = true;
 }
 
 std::string_view CsvReader::cellBehindQuotes(std::size_t begin, std::size_t end,
@@ -59,7 +51,7 @@ bool CsvReader::readQuoted() {
   }
   cells_.push_back(cellBehindQuotes(begin, at_ - 1, doubled));
   const bool at_line_end = at_ + 1 < text_.size() && text_[at_] == '\r' && text_[at_ + 1] == '\n';
-  if (at_ < text_.size() && text_[at_] != ',' && text_[at_] != '\n' && !at_line_end) {
+  if (at_ < text_.size() && text_[at_] != delimiter_ && text_[at_] != '\n' && !at_line_end) {
     problem_ = "text follows a closing quote";
     return false;
   }
@@ -70,7 +62,7 @@ void CsvReader::readPlain() {
   const std::size_t begin = at_;
   for (;;) {
     while (at_ < text_.size() && !isSpecial(text_[at_])) ++at_;
-    if (at_ >= text_.size() || text_[at_] == ',' || text_[at_] == '\n') break;
+    if (at_ >= text_.size() || text_[at_] == delimiter_ || text_[at_] == '\n') break;
     // A quote inside, or a carriage return that ends no line, is text like any other.
     if (text_[at_] == '\r' && at_ + 1 < text_.size() && text_[at_ + 1] == '\n') break;
     ++at_;
@@ -96,18 +88,16 @@ CsvReader::Row CsvReader::next() {
     }
     if (at_ >= text_.size()) return Row::kRead;
     const char separator = text_[at_++];
-    if (separator == ',') continue;
+    if (separator == delimiter_) continue;
     if (separator == '\r') ++at_;
     ++line_;
     return Row::kRead;
   }
 }
 
-bool csvNeedsQuotes(std::string_view cell) {
-  for (const char c : cell) {
-    if (isSpecial(c)) return true;
-  }
-  return false;
+bool csvNeedsQuotes(std::string_view cell, char delimiter) {
+  return cell.find(delimiter) != std::string_view::npos ||
+         cell.find_first_of(kEndsOfCells) != std::string_view::npos;
 }
 
 }  // namespace tabelion

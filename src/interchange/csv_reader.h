@@ -1,8 +1,9 @@
 // Comma-separated values as RFC 4180 has them: cells in double quotes may hold commas, line ends
 // and doubled quotes; lines end in LF or CR LF; a byte-order mark at the start is skipped; blank
-// lines are no rows.
+// lines are no rows. Another character may stand in the comma's place.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <deque>
 #include <string>
@@ -16,7 +17,7 @@ namespace tabelion {
 class CsvReader {
  public:
   // The text must outlive the reader.
-  explicit CsvReader(std::string_view text);
+  explicit CsvReader(std::string_view text, char delimiter = ',');
 
   enum class Row { kRead, kEnd, kBroken };
   // The next row. kBroken: `problem()` says what is wrong at `line()`; reading ends there.
@@ -33,7 +34,11 @@ class CsvReader {
   void readPlain();
   std::string_view cellBehindQuotes(std::size_t begin, std::size_t end, std::size_t doubled);
 
+  bool isSpecial(char c) const { return special_[static_cast<unsigned char>(c)]; }
+
   std::string_view text_;
+  char delimiter_;
+  std::array<bool, 256> special_{};  // what ends a plain cell
   std::size_t at_ = 0;
   std::size_t line_ = 1;
   std::size_t row_line_ = 1;
@@ -44,6 +49,6 @@ class CsvReader {
 };
 
 // Whether a cell has to stand in quotes.
-bool csvNeedsQuotes(std::string_view cell);
+bool csvNeedsQuotes(std::string_view cell, char delimiter = ',');
 
 }  // namespace tabelion

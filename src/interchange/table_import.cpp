@@ -1,6 +1,7 @@
 #include "interchange/table_import.h"
 
 #include <algorithm>
+#include <map>
 #include <optional>
 
 #include <fmt/format.h>
@@ -8,6 +9,9 @@
 #include "interchange/cell_text.h"
 #include "interchange/csv_reader.h"
 #include "interchange/table_columns.h"
+#include "query/near_names.h"
+#include "query/text_case.h"
+#include "query/typed_tokens.h"
 
 namespace tabelion {
 namespace {
@@ -28,22 +32,34 @@ struct SlotPlan {
 
 class Importer {
  public:
-  Importer(const TextEncoding& encoding, Engine& engine, Database& database)
-      : encoding_(encoding), engine_(engine), database_(database), now_(engine.clock.local()) {}
+  Importer(const ImportForm& form, const TextEncoding& encoding, Engine& engine, Database& database)
+      : form_(form),
+        encoding_(encoding),
+        engine_(engine),
+        database_(database),
+        columns_(tableColumns(database.schema, encoding)),
+        now_(engine.clock.local()) {}
 
+  // How many cells of a header row name columns of the database.
+  std::size_t matches(const std::vector<std::string_view>& header) const;
   // Matches the header row with the database's columns.
   std::optional<std::string> plan(const std::vector<std::string_view>& header);
-  // Appends the row as a record, or says why not.
-  std::optional<std::string> addRow(const std::vector<std::string_view>& cells);
+  // Appends the row as a record, or says all that keeps it from being one.
+  std::vector<CellFault> addRow(const std::vector<std::string_view>& cells);
 
  private:
   std::optional<std::string> putSlot(const SlotPlan& slot,
                                      const std::vector<std::string_view>& cells);
   void beginRecord();
+  std::optional<std::string> insertRecord();
+  const TableColumn* columnNamed(std::string_view name) const;
+  std::string unknownColumn(std::string_view name) const;
 
+  const ImportForm& form_;
   const TextEncoding& encoding_;
   Engine& engine_;
   Database& database_;
+  std::vector<TableColumn> columns_;
   CalendarTime now_;
   std::vector<SlotPlan> slots_;  // up to the last slot in use, unused ones among them
   std::size_t cell_count_ = 0;
@@ -52,34 +68,60 @@ class Importer {
   std::uint32_t next_auto_number_ = 0;
 };
 
+const TableColumn* Importer::columnNamed(std::string_view name) const {
+  const auto find = [&](auto is_named) -> const TableColumn* {
+    const auto found = std::find_if(columns_.begin(), columns_.end(), is_named);
+    return found == columns_.end() ? nullptr : &*found;
+  };
+  const auto* exact = find([&](const TableColumn& column) { return column.name == name; });
+  if (exact != nullptr) return exact;
+  name = withoutBlanks(name);
+  return find([&](const TableColumn& column) { return compareAnyCase(column.name, name) == 0; });
+}
+
+std::size_t Importer::matches(const std::vector<std::string_view>& header) const {
+  return static_cast<std::size_t>(
+      std::count_if(header.begin(), header.end(),
+                    [&](std::string_view name) { return columnNamed(name) != nullptr; }));
+}
+
+std::string Importer::unknownColumn(std::string_view name) const {
+  std::vector<std::string> known;
+  for (const TableColumn& column : columns_) known.push_back(column.name);
+  const auto near = nearNames(name, known);
+  return fmt::format("the database has no field \"{}\"{}{}", name,
+                     near.empty() ? "" : "; there is ", alternatives(near));
+}
+
 std::optional<std::string> Importer::plan(const std::vector<std::string_view>& header) {
   cell_count_ = header.size();
-  std::vector<bool> matched(header.size(), false);
-  const auto findCell = [&](const TableColumn& column) {
-    const auto found = std::find(header.begin(), header.end(), column.name);
-    if (found == header.end()) return kNoCell;
-    const auto cell = static_cast<std::size_t>(found - header.begin());
-    matched[cell] = true;
-    return cell;
+  std::map<const TableColumn*, std::size_t> cells;
+  for (std::size_t i = 0; i < header.size(); ++i) {
+    const TableColumn* column = columnNamed(header[i]);
+    if (column == nullptr) {
+      if (i + 1 == header.size() && header[i] == kReasonColumn) break;
+      return unknownColumn(header[i]);
+    }
+    if (!cells.emplace(column, i).second) {
+      return fmt::format("the column \"{}\" stands there more than once", column->name);
+    }
+  }
+  const auto cellOf = [&](const TableColumn& column) {
+    const auto found = cells.find(&column);
+    return found == cells.end() ? kNoCell : found->second;
   };
-  for (const TableColumn& column : tableColumns(database_.schema, encoding_)) {
+  for (const TableColumn& column : columns_) {
     slots_.resize(static_cast<std::size_t>(column.slot) + 1);
     SlotPlan& slot = slots_.back();
     if (column.is_link_key) {
-      slot.key_cell = findCell(column);
+      slot.key_cell = cellOf(column);
       continue;
     }
     slot.column = column;
-    slot.cell = findCell(column);
+    slot.cell = cellOf(column);
     if (column.type == kPopup) {
       slot.popups = PopupNames(database_.fields[static_cast<std::size_t>(column.slot)], encoding_);
     }
-  }
-  for (std::size_t i = 0; i < header.size(); ++i) {
-    if (std::count(header.begin(), header.end(), header[i]) > 1) {
-      return fmt::format("the column \"{}\" stands there more than once", header[i]);
-    }
-    if (!matched[i]) return fmt::format("the database has no field \"{}\"", header[i]);
   }
   return std::nullopt;
 }
@@ -102,8 +144,9 @@ std::optional<std::string> Importer::putSlot(const SlotPlan& slot,
   const auto cellAt = [&](std::size_t cell) {
     return cell == kNoCell ? std::string_view() : cells[cell];
   };
-  const std::string_view text = cellAt(slot.cell);
+  std::string_view text = cellAt(slot.cell);
   if (isNumbered(slot.column.type)) {
+    text = withoutBlanks(text);
     std::uint32_t number = next_auto_number_;
     if (!text.empty()) {
       const auto given = parseAutoNumber(text, slot.column.type);
@@ -123,25 +166,36 @@ std::optional<std::string> Importer::putSlot(const SlotPlan& slot,
   }
   const FieldDefinition& field =
       database_.schema.fields[static_cast<std::size_t>(slot.column.slot)];
-  return readCell({slot.column, field, slot.popups, encoding_}, text, record_);
+  const FormatSettings* dates = form_.dates ? &*form_.dates : nullptr;
+  return readCell({slot.column, field, slot.popups, encoding_, dates}, text, record_);
 }
 
-std::optional<std::string> Importer::addRow(const std::vector<std::string_view>& cells) {
+std::vector<CellFault> Importer::addRow(const std::vector<std::string_view>& cells) {
   if (cells.size() != cell_count_) {
-    return fmt::format("the row has {} cell{} where the header has {}", cells.size(),
-                       cells.size() == 1 ? "" : "s", cell_count_);
+    return {{"", fmt::format("the row has {} cell{} where the header has {}", cells.size(),
+                             cells.size() == 1 ? "" : "s", cell_count_)}};
   }
+  std::vector<CellFault> faults;
   beginRecord();
   for (const SlotPlan& slot : slots_) {
     const std::size_t length_place = record_.size();
     record_.resize(length_place + 2);
-    if (auto reason = putSlot(slot, cells)) {
-      return fmt::format("{}: {}", slot.column.name, *reason);
-    }
+    auto reason = putSlot(slot, cells);
     const std::size_t length = record_.size() - length_place - 2;
-    if (length >= kEndOfRecord) return fmt::format("{}: the value is too long", slot.column.name);
-    storeLe16(&record_[length_place], static_cast<std::uint32_t>(length));
+    if (!reason && length >= kEndOfRecord) reason = "the value is too long";
+    if (reason) {
+      faults.push_back({slot.column.name, std::move(*reason)});
+    } else {
+      storeLe16(&record_[length_place], static_cast<std::uint32_t>(length));
+    }
   }
+  if (faults.empty()) {
+    if (auto reason = insertRecord()) faults.push_back({"", std::move(*reason)});
+  }
+  return faults;
+}
+
+std::optional<std::string> Importer::insertRecord() {
   ByteWriter(record_).putLe16(kEndOfRecord);
   if (database_.records.isFull()) {
     return fmt::format("the database is full: it holds {} records, the most it can",
@@ -158,13 +212,37 @@ std::optional<std::string> Importer::addRow(const std::vector<std::string_view>&
   return std::nullopt;
 }
 
+char delimiterOf(std::string_view csv, const Importer& importer) {
+  char best = ',';
+  std::size_t most = 0;
+  for (const char delimiter : {',', ';', '\t', '|'}) {
+    CsvReader reader(csv, delimiter);
+    if (reader.next() != CsvReader::Row::kRead) continue;
+    const std::size_t matches = importer.matches(reader.cells());
+    if (matches <= most) continue;
+    most = matches;
+    best = delimiter;
+  }
+  return best;
+}
+
+// The cells of a row as they are kept when it is refused.
+std::vector<std::string> keptCells(const CsvReader& reader, bool has_reason) {
+  std::vector<std::string> cells(reader.cells().begin(), reader.cells().end());
+  if (has_reason && !cells.empty()) cells.pop_back();
+  return cells;
+}
+
 }  // namespace
 
-Result<ImportSummary> importCsv(std::string_view csv, const TextEncoding& encoding, Engine& engine,
-                                Database& database, const ProgressStep& progress) {
+Result<ImportSummary> importCsv(std::string_view csv, const ImportForm& form,
+                                const TextEncoding& encoding, Engine& engine, Database& database,
+                                const ProgressStep& progress) {
   constexpr std::uint32_t kRowsPerStep = 1024;
-  CsvReader reader(csv);
+  Importer importer(form, encoding, engine, database);
   ImportSummary summary;
+  summary.delimiter = form.delimiter.value_or(delimiterOf(csv, importer));
+  CsvReader reader(csv, summary.delimiter);
   const auto broken = [&reader] {
     return makeError(ErrorKind::kInvalid,
                      fmt::format("line {}: {}", reader.line(), reader.problem()));
@@ -174,14 +252,15 @@ Result<ImportSummary> importCsv(std::string_view csv, const TextEncoding& encodi
     return makeError(ErrorKind::kInvalid, "there is no header row that names the fields");
   }
   if (row == CsvReader::Row::kBroken) return broken();
-  Importer importer(encoding, engine, database);
+  const bool has_reason = reader.cells().back() == kReasonColumn;
+  summary.header = keptCells(reader, has_reason);
   if (const auto reason = importer.plan(reader.cells())) {
     return makeError(ErrorKind::kInvalid, fmt::format("line {}: {}", reader.line(), *reason));
   }
   while ((row = reader.next()) == CsvReader::Row::kRead) {
     ++summary.rows;
-    if (auto reason = importer.addRow(reader.cells())) {
-      summary.refused.push_back({reader.line(), std::move(*reason)});
+    if (auto faults = importer.addRow(reader.cells()); !faults.empty()) {
+      summary.refused.push_back({reader.line(), keptCells(reader, has_reason), std::move(faults)});
     } else {
       ++summary.records;
     }

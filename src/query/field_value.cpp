@@ -36,13 +36,6 @@ Refusal refused(std::string reason) {
   return makeError(ErrorKind::kInvalid, std::move(reason));
 }
 
-std::string_view trimmed(std::string_view text) {
-  const auto isBlank = [](char c) { return c == ' ' || (c >= '\t' && c <= '\r'); };
-  while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
-  while (!text.empty() && isBlank(text.back())) text.remove_suffix(1);
-  return text;
-}
-
 void putTerminated(Bytes& into, std::string_view text) {
   if (text.empty()) return;
   into.insert(into.end(), text.begin(), text.end());
@@ -68,7 +61,7 @@ Refusal putText(Bytes& into, std::string_view text, std::size_t most) {
 }
 
 Refusal putInteger(Bytes& into, std::string_view text, std::int64_t least, std::int64_t most) {
-  text = trimmed(text);
+  text = withoutBlanks(text);
   if (text.empty()) return std::nullopt;
   std::string_view digits = text;
   if (digits.starts_with('+') && !digits.starts_with("+-")) digits.remove_prefix(1);
@@ -96,7 +89,7 @@ bool isNumber(std::string_view text) {
 enum class DecimalMark { kPoint, kAsTyped };
 
 Refusal putNumber(Bytes& into, const Input& input, DecimalMark mark) {
-  const std::string_view typed = trimmed(input.text);
+  const std::string_view typed = withoutBlanks(input.text);
   if (typed.empty()) return std::nullopt;
   if (typed.size() > kLongestNumberText) {
     return refused("is not a number of at most " + std::to_string(kLongestNumberText) +
@@ -133,22 +126,15 @@ Refusal putPopup(Bytes& into, const Input& input) {
 }
 
 Refusal putCheckBox(Bytes& into, std::string_view text) {
-  text = trimmed(text);
-  const auto is = [&](std::string_view word) {
-    return text.size() == word.size() && containsAnyCase(text, word);
-  };
-  if (is("1") || is("yes") || is("true")) {
-    into.push_back(1);
-  } else if (text.empty() || is("0") || is("no") || is("false")) {
-    into.push_back(0);
-  } else {
-    return refused("is neither 1 nor 0");
-  }
+  text = withoutBlanks(text);
+  const auto is_checked = text.empty() ? std::optional(false) : checkOfText(text);
+  if (!is_checked) return refused("is neither 1 nor 0, yes nor no");
+  into.push_back(*is_checked ? 1 : 0);
   return std::nullopt;
 }
 
 std::optional<std::uint32_t> daysOfText(const Input& input) {
-  const std::string_view text = trimmed(input.text);
+  const std::string_view text = withoutBlanks(input.text);
   std::optional<CalendarDate> date = exactDateOfText(text, input.settings);
   if (!date && input.care == InputCare::kPerson) date = dateOfText(text, input.settings);
   if (!date || date->year < kFirstYear || date->year > kLastYear) return std::nullopt;
@@ -167,7 +153,7 @@ Refusal putDate(Bytes& into, const Input& input) {
 }
 
 Refusal putTime(Bytes& into, const Input& input) {
-  const std::string_view text = trimmed(input.text);
+  const std::string_view text = withoutBlanks(input.text);
   const TimeValue before = timeOfValue(input.previous);
   const auto put = [&](int second, int minute, int hour) {
     for (const int part : {second, minute, hour}) into.push_back(static_cast<std::uint8_t>(part));
@@ -191,7 +177,7 @@ Refusal putTime(Bytes& into, const Input& input) {
 
 // "h:mm:ss" as results of kind time are shown.
 Refusal putDuration(Bytes& into, const Input& input) {
-  std::string_view text = trimmed(input.text);
+  std::string_view text = withoutBlanks(input.text);
   if (text.empty()) return std::nullopt;
   const bool negative = text.starts_with('-');
   if (negative) text.remove_prefix(1);
@@ -215,7 +201,7 @@ Refusal putResult(Bytes& into, const Input& input) {
     case kTime:
       return putDuration(into, input);
     case kDate: {
-      if (trimmed(input.text).empty()) return std::nullopt;
+      if (withoutBlanks(input.text).empty()) return std::nullopt;
       const auto days = daysOfText(input);
       if (!days) return refusedDate();
       putTerminated(into, std::to_string(*days));
@@ -283,6 +269,15 @@ Refusal putNewValue(Bytes& into, const Input& input) {
 }
 
 }  // namespace
+
+std::optional<bool> checkOfText(std::string_view text) {
+  constexpr std::string_view kChecked[] = {"1", "yes", "y", "true", "on", "x", "checked"};
+  constexpr std::string_view kUnchecked[] = {"0", "no", "n", "false", "off", "unchecked"};
+  const auto is = [&](std::string_view word) { return compareAnyCase(text, word) == 0; };
+  if (std::any_of(std::begin(kChecked), std::end(kChecked), is)) return true;
+  if (std::any_of(std::begin(kUnchecked), std::end(kUnchecked), is)) return false;
+  return std::nullopt;
+}
 
 Bytes linkValue(std::uint32_t key, std::string_view text, ByteView previous) {
   Bytes value(kLinkHeadSize + text.size() + 1, 0);

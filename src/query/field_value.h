@@ -1,6 +1,7 @@
 // Text back into the bytes that a record stores, for forms, imports and plug-ins.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -31,7 +32,7 @@ enum class InputCare { kPerson, kFile };
 //                             point, which reads right under either decimal setting
 //   4                         the first item with exactly this text; "No Value" or empty a key that
 //                             no item has
-//   5                         1 or 0, also yes/no and true/false; empty 0
+//   5                         1 or 0, also in words (checkOfText); empty 0
 //   8, 9                      by the user's choice of format; empty is no date, no time
 //   11                        the display text, at most 255 bytes
 //   15                        the shown form of a result by its kind (imports; formulas replace it)
@@ -45,6 +46,10 @@ Result<Bytes> valueOfText(const FieldDefinition& field, const FieldRecord& items
 Status appendValueOfText(Bytes& into, const FieldDefinition& field, const FieldRecord& items,
                          std::string_view text, const FormatSettings& settings,
                          ByteView previous = {}, InputCare care = InputCare::kPerson);
+
+// What a text says of a check box, in any case: 1, yes, y, true, on, x or checked; 0, no, n, false,
+// off or unchecked. None for any other text.
+std::optional<bool> checkOfText(std::string_view text);
 
 // A link to the record with this key. What follows the key in the head stays as in `previous`.
 Bytes linkValue(std::uint32_t key, std::string_view text, ByteView previous = {});

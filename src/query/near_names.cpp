@@ -47,7 +47,7 @@ std::vector<std::string> nearestNames(std::string_view name,
   for (const std::string& other : known) {
     std::size_t distance = editDistance(name, other);
     const bool contains =
-        !name.empty() && !other.empty() &&
+        std::min(name.size(), other.size()) > 1 &&
         (containsAnyCase(other, lower) || containsAnyCase(name, lowerCaseText(other)));
     if (contains) distance = std::min<std::size_t>(distance, 1);
     if (distance <= std::max<std::size_t>(1, std::max(name.size(), other.size()) / 3)) {

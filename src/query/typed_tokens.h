@@ -1,4 +1,4 @@
-// What a user typed between the separators of a date or a time.
+// Pieces of what a user typed.
 #pragma once
 
 #include <algorithm>
@@ -25,6 +25,14 @@ inline TypedTokens splitTyped(std::string_view text, char separator) {
   }
   typed.rest = text.substr(position);
   return typed;
+}
+
+// Without the white space around it.
+inline std::string_view withoutBlanks(std::string_view text) {
+  constexpr std::string_view kBlanks = " \t\n\v\f\r";
+  const std::size_t first = text.find_first_not_of(kBlanks);
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
 }
 
 // 1 to `most` digits and nothing else.

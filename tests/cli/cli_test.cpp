@@ -126,6 +126,40 @@ TEST_F(Cli, ImportKeepsAllOrNothingUnlessAsked) {
   EXPECT_THAT(exported(), EndsWith("Bob,,\nAda,,Friends\n"));
 }
 
+TEST_F(Cli, RowsThatDoNotFitAreToldByFaultAndSetAside) {
+  create();
+  std::string csv = "Name;Born\nOtto;1.2.2003\n";
+  for (int i = 0; i < 1000; ++i) csv += "Zo\xEB;31.12.19" + std::to_string(i % 90 + 10) + "x\n";
+  files.put("/more.csv", csv + "Rest\n");
+  const std::vector<std::string> import = {
+      "import", "/C.PDB", "/more.csv", "--rejects", "/rejects.csv", "--date-format", "d.m.y"};
+  EXPECT_EQ(run(import), 0);
+  EXPECT_EQ(err.text,
+            "tabelion-cli: /more.csv: is not UTF-8; read as CP1252 (--encoding names another)\n"
+            "tabelion-cli: /more.csv: lines 3, 4, 5 and 997 more: Born: \"31.12.1910x\" is not a "
+            "date like 31.3.2024; likewise \"31.12.1911x\", \"31.12.1912x\", \"31.12.1913x\" and "
+            "others\n"
+            "tabelion-cli: /more.csv: line 1003: the row has 1 cell where the header has 2\n"
+            "tabelion-cli: /more.csv: 1001 rows left out, 1 record imported\n");
+  EXPECT_THAT(exported(), EndsWith("Bob,,\nOtto,2003-02-01,\n"));
+  const auto rejects = files.bytes("/rejects.csv");
+  const std::string text(rejects.begin(), rejects.end());
+  EXPECT_THAT(text, ::testing::StartsWith("Name;Born;(reason)\nZoë;31.12.1910x;\"Born: \"\"31."));
+
+  // What was set aside comes in when it has been put right; when none of it fits, nothing is done.
+  const auto before = files.bytes("/C.PDB");
+  EXPECT_EQ(run({"import", "/C.PDB", "/rejects.csv", "--skip-bad"}), 7);
+  EXPECT_THAT(err.text, EndsWith("1001 rows of 1001 refused; nothing was imported\n"));
+  EXPECT_EQ(run({"import", "/C.PDB", "/more.csv", "--rejects", "/C.PDB"}), 7);
+  EXPECT_THAT(err.text,
+              EndsWith("/C.PDB: is a file of this import; --rejects needs another one\n"));
+  EXPECT_EQ(run({"import", "/C.PDB", "/more.csv", "--delimiter", "::"}), 7);
+  EXPECT_EQ(files.bytes("/C.PDB"), before);
+  files.put("/rejects.csv", std::string("Name;Born;(reason)\nZoë;31.12.1910;was wrong\n"));
+  EXPECT_EQ(run({"import", "/C.PDB", "/rejects.csv", "--date-format", "d.m.y"}), 0) << err.text;
+  EXPECT_THAT(exported(), EndsWith("Otto,2003-02-01,\nZoë,1910-12-31,\n"));
+}
+
 TEST_F(Cli, CodePageIsTheDatabasesElseTheOneAskedForElseTheUsers) {
   files.put("/in/contacts.csv", std::string("Name\nЖ\n"));
   files.put("/in/contacts.json", std::string(R"({"fields": [{"name": "Name", "type": "text"}]})"));

@@ -35,11 +35,16 @@ class Table : public ::testing::Test {
   }
   // "LINE: reason" of each row refused, or of the whole text, one a line.
   std::string import(std::string_view csv) {
-    const auto summary = importCsv(csv, encoding, engine, database, {});
+    const auto summary = importCsv(csv, form, encoding, engine, database, {});
     if (!summary.ok()) return summary.error().text;
     std::string refused;
     for (const RefusedRow& row : summary->refused) {
-      refused += std::to_string(row.line) + ": " + row.reason + "\n";
+      refused += std::to_string(row.line) + ": ";
+      for (const CellFault& fault : row.faults) {
+        if (&fault != row.faults.data()) refused += "; ";
+        refused += (fault.column.empty() ? "" : fault.column + ": ") + fault.reason;
+      }
+      refused += "\n";
     }
     return refused;
   }
@@ -49,6 +54,7 @@ class Table : public ::testing::Test {
     EXPECT_TRUE(exportTable(database, encoding, format, "T", out, {}).is_written);
     return sink.text;
   }
+  ImportForm form;
   Bytes stored(std::uint32_t record, int slot) {
     const auto value = slotValue(database.records[record].bytes(), slot);
     return value ? Bytes(value->begin(), value->end()) : Bytes{0xEE};
@@ -111,10 +117,10 @@ TEST_F(Table, RowThatDoesNotFitSaysLineFieldAndReason) {
                    ",,,,1 2,,,\n"
                    ",,,,12345678901234567,,,\n"
                    ",,,,,b,,\n"
-                   ",,,,,,yes,\n"
+                   ",,,,,,maybe,\n"
                    ",,,,,,,-1\n"
                    ",,\n"
-                   "\xE9,,,,,,,\n"),
+                   "\xE9,,,,x,,,\n"),
             "3: Name: the text takes 6 bytes; the field holds 5\n"
             "4: Name: \"Ж\" (U+0416) is not in CP1252\n"
             "6: Day: \"2001-02-29\" is not a day of the calendar\n"
@@ -126,20 +132,42 @@ TEST_F(Table, RowThatDoesNotFitSaysLineFieldAndReason) {
             "12: F: \"1 2\" is not a number\n"
             "13: F: \"12345678901234567\" is longer than the 16 characters of a number\n"
             "14: K: \"b\" is not an item of the list\n"
-            "15: B: \"yes\" is not 0 or 1\n"
+            "15: B: \"maybe\" is not 0 or 1, yes or no\n"
             "16: L: \"-1\" is not the number of a record\n"
             "17: the row has 3 cells where the header has 8\n"
-            "18: Name: byte 0xE9 is not UTF-8\n");
+            "18: Name: byte 0xE9 is not UTF-8; F: \"x\" is not a number\n");
   EXPECT_EQ(database.records.count(), 1u) << "the row that fits";
 }
 
 TEST_F(Table, TextThatIsNoTableIsRefusedWhole) {
   describe(R"({"name": "Name", "type": "text"})");
   EXPECT_EQ(import(""), "there is no header row that names the fields");
-  EXPECT_EQ(import("Name,Nmae\n"), "line 1: the database has no field \"Nmae\"");
+  EXPECT_EQ(import("Name,Nmae\n"), "line 1: the database has no field \"Nmae\"; there is \"Name\"");
   EXPECT_EQ(import("Name,Name\n"), "line 1: the column \"Name\" stands there more than once");
   EXPECT_EQ(import("Name\na\n\"b\n"), "line 3: a quote is opened and never closed");
   EXPECT_EQ(import("Name\n\"b\"c\n"), "line 2: text follows a closing quote");
+}
+
+TEST_F(Table, TextsOfOtherProgramsAreUnderstood) {
+  describe(R"({"name": "Name", "type": "text"}, {"name": "Day", "type": "date"},
+              {"name": "Ok", "type": "check box"}, {"name": "N", "type": "integer"},
+              {"name": "K", "type": "pop-up", "items": ["a", " b"]})");
+  form.dates = makeFormatSettings({2, 0, false}, LocaleInfo{});  // day.month.year
+  // Semicolons, header names in other case, blanks around what is no text.
+  EXPECT_EQ(import("NAME; day ;ok;n;k\n"
+                   " x; 5.9.2024 ;Yes; 7 ; a \n"
+                   "y;2024-05-09;off;; b\n"
+                   "z;5.9.24;;;\n"
+                   "z;1/2/2024;;;\n"),
+            "4: Day: \"5.9.24\" is not a date like 31.3.2024\n"
+            "5: Day: \"1/2/2024\" is not a date like 31.3.2024\n");
+  EXPECT_EQ(exported(), "Name,Day,Ok,N,K\n x,2024-09-05,1,7,a\ny,2024-05-09,0,, b\n");
+  EXPECT_EQ(import("Name,(reason)\nagain,was wrong\n"), "");
+  EXPECT_EQ(import("(reason),Name\n"),
+            "line 1: the database has no field \"(reason)\"; there is "
+            "\"Name\", \"Day\", \"Ok\", \"N\" or \"K\"");
+  form.delimiter = ',';
+  EXPECT_NE(import("Name;Day\n").find("no field \"Name;Day\""), std::string::npos);
 }
 
 TEST_F(Table, NumbersAreCountedOnAndGivenOnesKept) {

@@ -7,6 +7,8 @@
 #include <random>
 #include <set>
 
+#include "interchange/input_text.h"
+
 namespace tabelion {
 namespace {
 
@@ -148,6 +150,32 @@ TEST(TextEncoding, ADatabasesMarkWins) {
   EXPECT_TRUE(databaseEncoding(database, "1250").isUtf8());
   mark("NOSUCH");
   EXPECT_EQ(databaseEncoding(database, "1250").name(), "CP1250");
+}
+
+// How the text of a file is taken: `encoding|text`, with "?" where it was found out to be no UTF-8.
+std::string readAs(std::string_view bytes, std::string_view name = {},
+                   std::string_view fallback = "1252") {
+  const ByteView view(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
+  const auto input = InputText::read(view, name, *TextEncoding::open(fallback));
+  if (!input.ok()) return input.error().text;
+  return input->encoding() + (input->isGuess() ? "?|" : "|") + std::string(input->text());
+}
+
+TEST(InputText, IsFoundOutOrTakenAtItsWord) {
+  using namespace std::literals;
+  EXPECT_EQ(readAs("\xEF\xBB\xBFZoë"), "UTF-8|Zoë");
+  EXPECT_EQ(readAs("a\xEB"), "CP1252?|aë");
+  EXPECT_EQ(readAs("a\xEB", "", "1251"), "CP1251?|aл");
+  EXPECT_EQ(readAs("a\xEB", "", "UTF-8"), "CP1252?|aë") << "what it is not, it cannot be read as";
+  EXPECT_EQ(readAs("a\nb\xEB", "UTF-8"), "line 2: byte 0xEB is not UTF-8");
+  EXPECT_EQ(readAs("Zoë", "1252"), "CP1252|ZoÃ«");
+  EXPECT_EQ(readAs("\xFF\xFE"
+                   "a\0\xEB\0\x3D\xD8\x00\xDE"sv),
+            "UTF-16LE?|aë😀");
+  EXPECT_EQ(readAs("\xFE\xFF\0a"sv, "utf-16"), "UTF-16BE|a");
+  EXPECT_EQ(readAs("a\0\n\0\x3D\xD8"sv, "UTF-16LE"), "line 2: is not UTF-16");
+  EXPECT_EQ(readAs("a\0b"sv, "UTF-16LE"), "line 1: is not UTF-16");
+  EXPECT_NE(readAs("a", "klingon").find("klingon"), std::string::npos);
 }
 
 }  // namespace tabelion

@@ -9,6 +9,7 @@
 #include "query/report.h"
 #include "query/sort_fields.h"
 #include "query/text_case.h"
+#include "query/typed_tokens.h"
 
 namespace tabelion {
 namespace {
@@ -35,12 +36,6 @@ std::vector<NamedField> namedFields(const DatabaseRecord& schema, const TextEnco
     if (shared[i]) fields[i].name += fmt::format(" #{}", fields[i].slot);
   }
   return fields;
-}
-
-std::string_view trimmed(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(' ');
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
 Error unknownField(std::string_view name, const std::vector<NamedField>& fields) {
@@ -133,7 +128,7 @@ Result<std::vector<int>> chooseFields(const Database& database, const TextEncodi
   std::vector<int> slots;
   for (;;) {
     const std::size_t comma = names.find(',');
-    const auto slot = chooseField(database, encoding, trimmed(names.substr(0, comma)));
+    const auto slot = chooseField(database, encoding, withoutBlanks(names.substr(0, comma)));
     if (!slot.ok()) return slot.error();
     slots.push_back(*slot);
     if (comma == std::string_view::npos) return slots;

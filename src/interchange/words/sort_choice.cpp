@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "interchange/words/field_choice.h"
+#include "query/typed_tokens.h"
 
 namespace tabelion {
 namespace {
@@ -12,12 +13,6 @@ struct Level {
   bool forward = true;
 };
 
-std::string_view trimmed(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(' ');
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(' ') - first + 1);
-}
-
 // A field may have ":desc" at the end of its own name.
 Result<Level> chooseLevel(const Database& database, const TextEncoding& encoding,
                           std::string_view text) {
@@ -26,7 +21,7 @@ Result<Level> chooseLevel(const Database& database, const TextEncoding& encoding
   for (const std::string_view direction : {":asc", ":desc"}) {
     if (!text.ends_with(direction)) continue;
     forward = direction == ":asc";
-    text = trimmed(text.substr(0, text.size() - direction.size()));
+    text = withoutBlanks(text.substr(0, text.size() - direction.size()));
     break;
   }
   const auto slot = chooseField(database, encoding, text);
@@ -44,11 +39,12 @@ Result<SortSelection> chooseSort(const Database& database, const TextEncoding& e
   std::size_t level = 0;
   std::size_t end = levels.find(',');
   for (;; end = levels.find(',', end + 1)) {
-    const auto chosen = chooseLevel(database, encoding, trimmed(levels.substr(0, end)));
+    const auto chosen = chooseLevel(database, encoding, withoutBlanks(levels.substr(0, end)));
     const bool is_last = end == std::string_view::npos;
     if (!chosen.ok()) {
       if (!is_last) continue;
-      return chooseLevel(database, encoding, trimmed(levels.substr(0, levels.find(',')))).error();
+      return chooseLevel(database, encoding, withoutBlanks(levels.substr(0, levels.find(','))))
+          .error();
     }
     if (level == kSortLevels) {
       return makeError(ErrorKind::kInvalid,
