@@ -12,7 +12,7 @@
 namespace tabelion {
 namespace {
 
-std::string quoted(std::string_view text) {
+std::string inQuotes(std::string_view text) {
   std::string result(1, '"');
   for (const char c : text) {
     if (c == '"') result += c;
@@ -48,7 +48,7 @@ std::string itemWords(const Database& database, const TextEncoding& encoding,
                       const FilterBlock& criterion) {
   const PopupNames names(database.fields[criterion.field], encoding);
   const ByteView key = ByteView(criterion.value1).first(kPopupKeySize);
-  if (const std::string* name = names.nameOf(key)) return "is " + quoted(*name);
+  if (const std::string* name = names.nameOf(key)) return "is " + inQuotes(*name);
   const bool is_empty = std::all_of(key.begin(), key.end(), [](auto byte) { return byte == 0; });
   return is_empty ? "is empty" : "is ?" + toHex(key);
 }
@@ -148,7 +148,7 @@ std::string fieldWords(const Database& database, const TextEncoding& encoding, i
     return static_cast<unsigned char>(c) >= 0x80 || (c >= '0' && c <= '9') ||
            (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '.' || c == '-' || c == '_';
   });
-  return is_plain ? name : quoted(name);
+  return is_plain ? name : inQuotes(name);
 }
 
 std::string criterionWords(const Database& database, const TextEncoding& encoding,
@@ -160,7 +160,7 @@ std::string criterionWords(const Database& database, const TextEncoding& encodin
       return "is anything";
     case CriterionKind::kText: {
       const std::string text = areaText(criterion.value1);
-      return text.empty() ? "is empty" : "contains " + quoted(encoding.toUtf8(text));
+      return text.empty() ? "is empty" : "contains " + inQuotes(encoding.toUtf8(text));
     }
     case CriterionKind::kItem:
       return itemWords(database, encoding, criterion);
