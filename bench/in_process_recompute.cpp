@@ -34,7 +34,8 @@ struct Shop {
   bool open(const std::string& path) {
     database.path = path;
     if (openDatabase(database, engine) != 1) return false;
-    for (const std::size_t slot : {kGross, kSum}) database.schema.fields[slot].type = kCalculated;
+    for (const std::size_t slot : {kGross, kSum})
+      database.schema.fields[slot].type = FieldType::kCalculated;
     setFieldName(database.schema.fields[kGross], "Gross");
     setFieldName(database.schema.fields[kSum], "Sum");
     return true;

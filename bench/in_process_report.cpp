@@ -33,7 +33,7 @@ void registerReport(const Database& database) {
   settings.formats = makeFormatSettings({}, locale);
   for (const int slot : reportFields(database.schema)) {
     const FieldDefinition& field = database.schema.fields[static_cast<std::size_t>(slot)];
-    if (field.type != kDate && field.type != kTime) continue;
+    if (field.type != FieldType::kDate && field.type != FieldType::kTime) continue;
     const std::string name = "report on " + fieldName(field) + ", read from its text";
     benchmark::RegisterBenchmark(name.c_str(), report, std::cref(database), slot, settings)
         ->Unit(benchmark::kMillisecond);

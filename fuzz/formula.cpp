@@ -28,9 +28,10 @@ Database& shop() {
   static Database database;
   static const bool made = [] {
     initSchema(database.schema);
-    for (int slot = 0; slot <= kExternal; ++slot) {
+    for (int slot = 0; slot <= codeOf(kLastFieldType); ++slot) {
       FieldDefinition& field = database.schema.fields[static_cast<std::size_t>(slot)];
-      field.type = slot < static_cast<int>(kCalculatedFields) ? int{kCalculated} : slot;
+      field.type =
+          slot < static_cast<int>(kCalculatedFields) ? FieldType::kCalculated : FieldType{slot};
       if (slot < static_cast<int>(std::size(kNames))) setFieldName(field, kNames[slot]);
     }
     return true;

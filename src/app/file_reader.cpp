@@ -38,8 +38,8 @@ std::optional<StoredDatabase> readStoredDatabase(const std::string& path) {
   for (int slot = 0; slot < static_cast<int>(kFieldSlots); ++slot) {
     const FieldDefinition& field = database.schema.fields[static_cast<std::size_t>(slot)];
     if (!isValidType(field.type)) continue;
-    if (field.type == kText) stored.text_slots.push_back(slot);
-    if (field.type == kNote) stored.has_note = true;
+    if (field.type == FieldType::kText) stored.text_slots.push_back(slot);
+    if (field.type == FieldType::kNote) stored.has_note = true;
     for (std::size_t record = 0; record < stored.record_count; ++record) {
       stored.texts.push_back(encoding.toUtf8(
           editText(database, database.records[static_cast<std::uint32_t>(record)].bytes(), slot,

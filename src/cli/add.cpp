@@ -17,7 +17,8 @@ struct AddOptions {
 void cutEmptyNotes(const DatabaseRecord& schema, UnpackedRecord& record) {
   for (std::size_t slot = 0; slot < record.slots.size(); ++slot) {
     auto& value = record.slots[slot];
-    if (schema.fields[slot].type == kNote && value && !value->empty() && value->front() == 0) {
+    if (schema.fields[slot].type == FieldType::kNote && value && !value->empty() &&
+        value->front() == 0) {
       value->resize(1);
     }
   }

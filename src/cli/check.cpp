@@ -47,7 +47,7 @@ std::vector<Deviation> checkFormulas(ByteView file, const FileHeader& header, Cl
   };
   std::set<int> in_circle;
   for (int slot = 0; slot < kFieldSlots; ++slot) {
-    if (schema->fields[static_cast<std::size_t>(slot)].type != kCalculated) continue;
+    if (schema->fields[static_cast<std::size_t>(slot)].type != FieldType::kCalculated) continue;
     if (isCorrupt(decodeFormula(*schema, slot, FormatSettings{}))) {
       report(slot, fmt::format("the formula of \"{}\" is corrupt", nameOf(slot)));
     }

@@ -77,7 +77,7 @@ Json viewJson(const View& view, std::size_t index, const DatabaseRecord& schema,
   json["item6"] = view.item6;
   Json entries = Json::array();
   for (std::size_t slot = 0; slot < kFieldSlots; ++slot) {
-    if (schema.fields[slot].type == kUnused) continue;
+    if (schema.fields[slot].type == FieldType::kUnused) continue;
     const ViewEntry& entry = view.entries[slot];
     entries.push_back(Json{{"slot", slot},
                            {"column_width", entry.column_width},
@@ -176,8 +176,8 @@ std::vector<Json> dumpFields(const DatabaseRecord& schema, const TextEncoding& e
     if (field == standard.fields[slot]) continue;
     Json json{{"slot", slot},
               {"name", encoding.toUtf8(areaText(field.name))},
-              {"type", field.type},
-              {"type_name", std::string(fieldTypeName(field.type))}};
+              {"type", codeOf(field.type)},
+              {"type_name", std::string(traitsOf(field.type).name)}};
     json["width"] = field.width;
     json["option_a"] = field.option_a;
     json["option_b"] = field.option_b;
@@ -286,7 +286,7 @@ void RecordDump::putSlots(ByteView record, OutputBuffer& out) {
   for (std::size_t slot = 0; slot < kFieldSlots; ++slot) {
     const auto value = ended ? std::nullopt : walker.next();
     ended = !value;
-    if (!value && database_.schema.fields[slot].type == kUnused) continue;
+    if (!value && database_.schema.fields[slot].type == FieldType::kUnused) continue;
     out.put(fmt::format("{}{{\"slot\":{},\"field\":{}", separator, slot, names_[slot]));
     separator = ",";
     if (!value) {

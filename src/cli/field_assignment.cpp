@@ -39,7 +39,8 @@ Result<Target> chooseTarget(const Database& database, const TextEncoding& encodi
   if (name.ends_with(kKeySuffix)) {
     name.remove_suffix(kKeySuffix.size());
     const auto link = chooseField(database, encoding, name);
-    if (link.ok() && fieldAt(database, *link).type == kLinkField) return Target{*link, true};
+    if (link.ok() && fieldAt(database, *link).type == FieldType::kLinkField)
+      return Target{*link, true};
   }
   return slot.error();
 }
@@ -58,16 +59,16 @@ Result<Assignment> readAssignment(const Database& database, const TextEncoding& 
 }
 
 // Why nobody but the program gives this field a value; null when people do.
-const char* givenByProgram(int type) {
+const char* givenByProgram(FieldType type) {
   switch (type) {
-    case kAutoNumber:
-    case kLinkedField:
+    case FieldType::kAutoNumber:
+    case FieldType::kLinkedField:
       return "gets its number from the database";
-    case kCalculated:
+    case FieldType::kCalculated:
       return "gets its value from a formula";
-    case kLookup:
+    case FieldType::kLookup:
       return "shows a value of another database";
-    case kSeparator:
+    case FieldType::kSeparator:
       return "is a separator and has no value";
     default:
       return nullptr;
@@ -98,7 +99,7 @@ Result<Bytes> valueFor(const Database& database, const TextEncoding& encoding,
   const auto slot = static_cast<std::size_t>(assignment.target.slot);
   const FieldDefinition& field = database.schema.fields[slot];
   if (assignment.target.is_link_key) {
-    const auto key = parseAutoNumber(assignment.value, kLinkedField);
+    const auto key = parseAutoNumber(assignment.value, FieldType::kLinkedField);
     if (!key) {
       return about(assignment,
                    fmt::format("\"{}\" is not the number of a record", assignment.value));
@@ -106,7 +107,7 @@ Result<Bytes> valueFor(const Database& database, const TextEncoding& encoding,
     return linkValue(*key, linkText(previous), previous);
   }
   // What a form has no text for.
-  if (field.type == kPopup || field.type == kExternal) {
+  if (field.type == FieldType::kPopup || field.type == FieldType::kExternal) {
     return cellValue(database, encoding, assignment);
   }
   const Encoded text = encoding.fromUtf8(assignment.value);

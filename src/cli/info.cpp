@@ -45,7 +45,7 @@ Counts countParts(const Database& database, std::uint64_t size) {
   Counts counts;
   counts.size = size;
   for (const FieldDefinition& field : database.schema.fields) {
-    if (field.type == kUnused) continue;
+    if (field.type == FieldType::kUnused) continue;
     ++counts.fields;
     if (field.encrypt_flag != 0) ++counts.flagged_fields;
   }

@@ -42,21 +42,21 @@ void putNumbers(Json& json, const Numbers& numbers) {
 Json figuresJson(const ReportFigures& figures, const std::string& field) {
   Json json = versionedJson();
   json["field"] = field;
-  json["reported_as"] = fieldTypeName(figures.type);
+  json["reported_as"] = traitsOf(figures.type).name;
   json["records"] = figures.count;
   const ReportNumbers<std::int64_t>& whole = figures.whole;
   switch (figures.type) {
-    case kInteger:
+    case FieldType::kInteger:
       putNumbers(json, whole);
       break;
-    case kFloat:
+    case FieldType::kFloat:
       putNumbers(json, figures.real);
       break;
-    case kCheckBox:
+    case FieldType::kCheckBox:
       json["checked"] = figures.checked;
       json["not_checked"] = figures.count - figures.checked;
       break;
-    case kDate:
+    case FieldType::kDate:
       json["minimum"] = dateJson(whole.minimum);
       json["maximum"] = dateJson(whole.maximum);
       json["days_spanned"] = figures.count == 0 ? 0 : whole.maximum - whole.minimum;
@@ -77,10 +77,10 @@ Error notReported(const Database& database, const TextEncoding& encoding, int sl
   };
   std::vector<std::string> names;
   for (const int reported : reportFields(database.schema)) names.push_back(nameOf(reported));
-  const int type = database.schema.fields[static_cast<std::size_t>(slot)].type;
+  const FieldType type = database.schema.fields[static_cast<std::size_t>(slot)].type;
   return makeError(ErrorKind::kRefused,
                    fmt::format("\"{}\" is a field of type {}, of which there are no reports{}",
-                               nameOf(slot), fieldTypeName(type),
+                               nameOf(slot), traitsOf(type).name,
                                names.empty() ? "" : "; there are of " + alternatives(names)));
 }
 
@@ -103,7 +103,7 @@ ExitCode runReportCommand(const ReportOptions& options, CliContext& context) {
   }
   const QuerySettings settings = context.querySettings(*encoding);
   const ReportFigures figures = reportFigures(*database, *slot, settings);
-  if (figures.type == kUnused) {
+  if (figures.type == FieldType::kUnused) {
     Error error = notReported(*database, *encoding, *slot);
     error.text = options.file + ": " + error.text;
     return context.fail(error);

@@ -55,8 +55,9 @@ class TableOutput : public RowOutput {
     return source_.database.schema.fields[static_cast<std::size_t>(slot)];
   }
   static bool isNumber(const FieldDefinition& field) {
-    const int type = effectiveType(field);
-    return type == kInteger || type == kFloat || type == kAutoNumber;
+    const FieldType type = effectiveType(field);
+    return type == FieldType::kInteger || type == FieldType::kFloat ||
+           type == FieldType::kAutoNumber;
   }
 
   void load(ByteView record) {
@@ -74,14 +75,14 @@ class TableOutput : public RowOutput {
     const Value& value = values_[static_cast<std::size_t>(slot)];
     text_.clear();
     const bool is_masked = isMasked(field, record);
-    if (field.type == kLookup || is_masked) {
+    if (field.type == FieldType::kLookup || is_masked) {
       const TextOptions options{kNoBound, false, source_.settings.lookup};
       text_ = fieldText(source_.database, record, slot, source_.settings.formats, options).text;
     } else if (value.is_present) {
       appendValueText(text_, field, source_.database.fields[static_cast<std::size_t>(slot)],
                       value.bytes, source_.settings.formats);
     }
-    if (field.type == kCheckBox && !is_masked) {
+    if (field.type == FieldType::kCheckBox && !is_masked) {
       table_.add(text_ == "1" ? "[x]" : "[ ]");
     } else if (TextTable::isPlain(text_)) {
       table_.addPlain(text_);

@@ -67,9 +67,9 @@ class SchemaCheck {
     for (std::size_t slot = 0; slot < kFieldSlots; ++slot) {
       const FieldDefinition& field = schema_.fields[slot];
       const std::size_t offset = slot * kFieldDefinitionSize;
-      if (field.type != kUnused && !isValidType(field.type)) {
+      if (field.type != FieldType::kUnused && !isValidType(field.type)) {
         report("field definitions", offset,
-               fmt::format("field {} has type {}, which does not exist", slot, field.type));
+               fmt::format("field {} has type {}, which does not exist", slot, codeOf(field.type)));
       }
       if (!hasNul(field.name)) {
         report("field definitions", offset + 66,
@@ -133,48 +133,61 @@ class SchemaCheck {
   std::vector<DatabaseRecordPart> parts_;
 };
 
-// The bytes of a value of this type that hold its text.
-ByteView textPart(int type, ByteView value) {
-  switch (type) {
-    case kText:
-    case kFloat:
-    case kNote:
-    case kLongText:
-    case kTextVariant:
-    case kCalculated:
-    case kLookup:
-    case kText254:
+// The bytes of a value of this form that hold its text.
+ByteView textPart(ValueForm form, ByteView value) {
+  switch (form) {
+    case ValueForm::kText:
+    case ValueForm::kNote:
+    case ValueForm::kNumberText:
+    case ValueForm::kResult:
+    case ValueForm::kLookup:
       return value;
-    case kLinkField:
+    case ValueForm::kLink:
       return value.size() > kLinkHeadSize ? value.subspan(kLinkHeadSize) : ByteView();
-    default:
-      return {};
+    case ValueForm::kNone:
+    case ValueForm::kInteger:
+    case ValueForm::kKey:
+    case ValueForm::kPopupKey:
+    case ValueForm::kFlag:
+    case ValueForm::kDays:
+    case ValueForm::kClock:
+    case ValueForm::kBlock:
+      break;
   }
+  return {};
 }
 
-// The only length that a value of this type has, when it has one; 0 for the others.
-std::size_t fixedSize(const FieldDefinition& field) {
-  switch (field.type) {
-    case kInteger:
-    case kAutoNumber:
-    case kDate:
-    case kTime:
-    case kLinkedField:
-    case kPopup:
-    case kCheckBox:
-      return fieldValueSize(field);
-    default:
-      return 0;
+// The only length that a value of this form has, when it has one; 0 for the others.
+std::size_t fixedSize(const FieldTypeTraits& traits) {
+  switch (traits.form) {
+    case ValueForm::kInteger:
+    case ValueForm::kKey:
+    case ValueForm::kPopupKey:
+    case ValueForm::kFlag:
+    case ValueForm::kDays:
+    case ValueForm::kClock:
+      return traits.area;
+    case ValueForm::kNone:
+    case ValueForm::kText:
+    case ValueForm::kNote:
+    case ValueForm::kNumberText:
+    case ValueForm::kResult:
+    case ValueForm::kLink:
+    case ValueForm::kLookup:
+    case ValueForm::kBlock:
+      break;
   }
+  return 0;
 }
 
 void checkValue(const FieldDefinition& field, ByteView value, std::string_view where,
                 std::size_t offset, std::vector<Deviation>& found) {
-  const ByteView text = textPart(field.type, value);
+  const FieldTypeTraits traits = traitsOf(field.type);
+  const ByteView text = textPart(traits.form, value);
   if (!text.empty() && !hasNul(text)) {
     found.push_back({offset, fmt::format("{}: the text has no NUL", where)});
   }
-  const std::size_t size = fixedSize(field);
+  const std::size_t size = fixedSize(traits);
   if (size != 0 && !value.empty() && value.size() != size) {
     found.push_back(
         {offset, fmt::format("{}: the value has {} bytes, not {}", where, value.size(), size)});

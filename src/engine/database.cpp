@@ -252,8 +252,7 @@ std::uint32_t appendRecord(Database& database, Engine& engine, ByteView bytes, b
     std::uint32_t next_number = database.schema.next_auto_number;
     std::bitset<kFieldSlots> numbered;
     for (std::size_t slot = 0; slot < kFieldSlots; ++slot) {
-      const int type = database.schema.fields[slot].type;
-      if (type != kAutoNumber && type != kLinkedField) continue;
+      if (traitsOf(database.schema.fields[slot].type).source != ValueSource::kCounter) continue;
       record.slots[slot].emplace(4);
       storeLe32(record.slots[slot]->data(), next_number++);
       numbered.set(slot);

@@ -18,6 +18,7 @@ class ReadCodec {
   void be16(std::uint16_t& value) { value = reader_.readBe16(); }
   void be32(std::uint32_t& value) { value = reader_.readBe32(); }
   void unsigned16(std::int32_t& value) { value = reader_.readBe16(); }
+  void type(FieldType& value) { value = FieldType{reader_.readBe16()}; }
   void signed16(std::int32_t& value) { value = static_cast<std::int16_t>(reader_.readBe16()); }
   void low16(std::uint32_t& value) { value = reader_.readBe16(); }
   template <std::size_t N>
@@ -39,6 +40,7 @@ class WriteCodec {
   void be16(std::uint16_t value) { writer_.putBe16(value); }
   void be32(std::uint32_t value) { writer_.putBe32(value); }
   void unsigned16(std::int32_t value) { writer_.putBe16(static_cast<std::uint32_t>(value)); }
+  void type(FieldType value) { unsigned16(codeOf(value)); }
   void signed16(std::int32_t value) { writer_.putBe16(static_cast<std::uint32_t>(value)); }
   void low16(std::uint32_t value) { writer_.putBe16(value); }
   template <std::size_t N>
@@ -61,6 +63,7 @@ class PartCodec {
   void be16(std::uint16_t) { offset_ += 2; }
   void be32(std::uint32_t) { offset_ += 4; }
   void unsigned16(std::int32_t) { offset_ += 2; }
+  void type(FieldType) { offset_ += 2; }
   void signed16(std::int32_t) { offset_ += 2; }
   void low16(std::uint32_t) { offset_ += 2; }
   template <std::size_t N>
@@ -105,7 +108,7 @@ void codeSortKeys(Codec& codec, Keys& keys) {
 
 template <class Codec, class Field>
 void codeField(Codec& codec, Field& field) {
-  codec.unsigned16(field.type);
+  codec.type(field.type);
   codec.unsigned16(field.width);
   codec.byte(field.option_a);
   codec.byte(field.option_b);

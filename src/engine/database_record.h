@@ -33,8 +33,8 @@ static_assert(32 + 1 + 1 + 32 + 100 + 4 + 400 + 6 * kFilterBlockSize + 2 + 3 * k
               kViewSize);
 
 struct FieldDefinition {
-  std::int32_t type = kUnused;  // 16-bit in the file, as is width
-  std::int32_t width = 40;      // longest text of a text type; size of an external field
+  FieldType type = FieldType::kUnused;  // 16-bit in the file, as is width
+  std::int32_t width = 40;              // longest text of a text type; size of an external field
   std::uint8_t option_a = 0;
   std::uint8_t option_b = 1;
   std::int32_t column_width = 58;     // signed 16-bit in the file; list pixels / 1.5, 0 = hidden

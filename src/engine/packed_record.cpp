@@ -71,24 +71,26 @@ UnpackedRecord newRecord(const DatabaseRecord& schema) {
   for (int slot = 0; slot <= last; ++slot) {
     const FieldDefinition& field = schema.fields[static_cast<std::size_t>(slot)];
     Bytes value;
-    switch (field.type) {
-      case kInteger:
-      case kPopup:
-      case kCheckBox:
-      case kAutoNumber:
-      case kDate:
-      case kLinkedField:
-      case kExternal:
+    switch (traitsOf(field.type).form) {
+      case ValueForm::kInteger:
+      case ValueForm::kKey:
+      case ValueForm::kPopupKey:
+      case ValueForm::kFlag:
+      case ValueForm::kDays:
+      case ValueForm::kNote:
+      case ValueForm::kBlock:
         value.assign(fieldValueSize(field), 0);
         break;
-      case kTime:
+      case ValueForm::kClock:
         value = {0, 0, kNoTimeHour, 0};
         break;
-      case kNote:
-        value.assign(kNoteSize, 0);
+      case ValueForm::kNone:
+      case ValueForm::kText:
+      case ValueForm::kNumberText:
+      case ValueForm::kResult:
+      case ValueForm::kLink:
+      case ValueForm::kLookup:
         break;
-      default:
-        break;  // texts, numbers as text, links: empty
     }
     record.slots[static_cast<std::size_t>(slot)] = std::move(value);
   }
@@ -99,19 +101,11 @@ Bytes unpackValue(const FieldDefinition& field, ByteView stored) {
   const std::size_t size = fieldValueSize(field);
   Bytes value(size, 0);
   std::size_t take = std::min(stored.size(), size);
-  switch (field.type) {
-    case kUnused:
-    case kSeparator:
-    case kLookup:
-      return {};
-    case kNote:
-      if (stored.empty() || stored[0] == 0) take = 0;
-      break;
-    case kLinkField:
-      if (stored.size() <= kLinkHeadSize) take = std::min(take, kLinkHeadSize);
-      break;
-    default:
-      break;
+  const ValueForm form = traitsOf(field.type).form;
+  if (form == ValueForm::kLookup) return {};
+  if (form == ValueForm::kNote && (stored.empty() || stored[0] == 0)) take = 0;
+  if (form == ValueForm::kLink && stored.size() <= kLinkHeadSize) {
+    take = std::min(take, kLinkHeadSize);
   }
   std::copy_n(stored.begin(), take, value.begin());
   return value;

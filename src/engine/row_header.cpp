@@ -11,7 +11,7 @@ void buildShadow(const DatabaseRecord& real, DatabaseRecord& shadow) {
   std::copy(real.fields.begin(), real.fields.end() - 1, shadow.fields.begin() + 1);
   FieldDefinition& header = shadow.fields[0];
   header = FieldDefinition{};
-  header.type = kText;
+  header.type = FieldType::kText;
   header.width = 150;
   header.column_width = 0;
   header.export_flag = 0;

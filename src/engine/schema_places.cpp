@@ -126,57 +126,28 @@ bool setStoredFormula(FieldDefinition& field, const StoredFormula& formula) {
   return true;
 }
 
-int effectiveType(const FieldDefinition& field) {
-  if (field.type != kCalculated) return field.type;
+FieldType effectiveType(const FieldDefinition& field) {
+  if (field.type != FieldType::kCalculated) return field.type;
   switch (field.area_f[kResultKindOffset]) {
     case 0:
     case 4:
     case 5:
     case 6:
-      return kFloat;
+      return FieldType::kFloat;
     case 1:
-      return kInteger;
+      return FieldType::kInteger;
     case 2:
-      return kTime;
+      return FieldType::kTime;
     case 3:
-      return kDate;
+      return FieldType::kDate;
     default:
-      return kCalculated;
+      return FieldType::kCalculated;
   }
 }
 
 std::size_t fieldValueSize(const FieldDefinition& field) {
-  switch (field.type) {
-    case kText:
-    case kTextVariant:
-      return static_cast<std::size_t>(field.width) + 1;
-    case kInteger:
-    case kAutoNumber:
-    case kDate:
-    case kTime:
-    case kLinkedField:
-      return 4;
-    case kFloat:
-    case kCalculated:
-      return kNumberTextSize;
-    case kPopup:
-      return kPopupKeySize;
-    case kCheckBox:
-      return 1;
-    case kNote:
-      return kNoteSize;
-    case kLinkField:
-      return kLinkSize;
-    case kLongText:
-      return kLongTextSize;
-    case kLookup:
-    case kText254:
-      return kText254Size;
-    case kExternal:
-      return static_cast<std::size_t>(field.width);
-    default:
-      return 0;
-  }
+  const FieldTypeTraits traits = traitsOf(field.type);
+  return traits.area + (traits.area_adds_width ? static_cast<std::size_t>(field.width) : 0);
 }
 
 }  // namespace tabelion

@@ -83,7 +83,7 @@ bool setStoredFormula(FieldDefinition& field, const StoredFormula& formula);  //
 
 // The type that a consumer of the value asks for: a calculated field counts as the type of its
 // result kind (0 and 4 to 6 float, 1 integer, 2 time, 3 date, others stay 15).
-int effectiveType(const FieldDefinition& field);
+FieldType effectiveType(const FieldDefinition& field);
 
 // The size of the value area of a field of this definition (records unpacked).
 std::size_t fieldValueSize(const FieldDefinition& field);

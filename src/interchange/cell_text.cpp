@@ -260,14 +260,14 @@ std::optional<std::string> readExternal(std::string_view text, std::size_t size,
 }
 
 // A text is what stands there, blanks and all.
-bool isTextType(int type) {
+bool isTextType(FieldType type) {
   switch (type) {
-    case kText:
-    case kLongText:
-    case kTextVariant:
-    case kText254:
-    case kNote:
-    case kLookup:
+    case FieldType::kText:
+    case FieldType::kLongText:
+    case FieldType::kTextVariant:
+    case FieldType::kText254:
+    case FieldType::kNote:
+    case FieldType::kLookup:
       return true;
     default:
       return false;
@@ -275,11 +275,11 @@ bool isTextType(int type) {
 }
 
 // What an empty cell is stored as.
-void putNoValue(int type, Bytes& value) {
-  if (type == kTime) value.insert(value.end(), {0, 0, kNoTimeHour, 0});
-  if (type == kDate) putLe32(value, 0);
-  if (type == kPopup) value.resize(value.size() + kPopupKeySize);
-  if (type == kNote) value.push_back(0);
+void putNoValue(FieldType type, Bytes& value) {
+  if (type == FieldType::kTime) value.insert(value.end(), {0, 0, kNoTimeHour, 0});
+  if (type == FieldType::kDate) putLe32(value, 0);
+  if (type == FieldType::kPopup) value.resize(value.size() + kPopupKeySize);
+  if (type == FieldType::kNote) value.push_back(0);
 }
 
 }  // namespace
@@ -288,25 +288,25 @@ CellText cellText(const TableColumn& column, const PopupNames& popups, ByteView 
                   CellScratch& scratch) {
   if (stored.empty()) return {};
   switch (column.type) {
-    case kInteger:
-    case kAutoNumber:
+    case FieldType::kInteger:
+    case FieldType::kAutoNumber:
       return numberCell(static_cast<std::int32_t>(load32(stored)), scratch);
-    case kLinkedField:
+    case FieldType::kLinkedField:
       return numberCell(load32(stored), scratch);
-    case kFloat:
-    case kCalculated:
+    case FieldType::kFloat:
+    case FieldType::kCalculated:
       return numberTextCell(untilNul(stored), scratch);
-    case kPopup:
+    case FieldType::kPopup:
       return popupCell(popups, stored, scratch);
-    case kCheckBox:
+    case FieldType::kCheckBox:
       return {stored[0] != 0 ? "1" : "0"};
-    case kDate:
+    case FieldType::kDate:
       return dateCell(load32(stored), scratch);
-    case kTime:
+    case FieldType::kTime:
       return stored.size() < 3 ? CellText{} : timeCell(stored, scratch);
-    case kLinkField:
+    case FieldType::kLinkField:
       return linkCell(column.is_link_key, stored, scratch);
-    case kExternal:
+    case FieldType::kExternal:
       scratch.text = toHex(stored);
       return {scratch.text};
     default:
@@ -314,8 +314,8 @@ CellText cellText(const TableColumn& column, const PopupNames& popups, ByteView 
   }
 }
 
-std::optional<std::uint32_t> parseAutoNumber(std::string_view text, int type) {
-  if (type == kLinkedField) return parseNumber<std::uint32_t>(text);
+std::optional<std::uint32_t> parseAutoNumber(std::string_view text, FieldType type) {
+  if (type == FieldType::kLinkedField) return parseNumber<std::uint32_t>(text);
   const auto number = parseNumber<std::int32_t>(text);
   if (!number) return std::nullopt;
   return static_cast<std::uint32_t>(*number);
@@ -333,37 +333,37 @@ std::optional<std::string> readLinkCells(const TextEncoding& encoding, std::stri
 }
 
 std::optional<std::string> readCell(const CellReader& reader, std::string_view text, Bytes& value) {
-  const int type = reader.column.type;
-  if (!isTextType(type) && type != kPopup) text = withoutBlanks(text);
+  const FieldType type = reader.column.type;
+  if (!isTextType(type) && type != FieldType::kPopup) text = withoutBlanks(text);
   if (text.empty()) {
     putNoValue(type, value);
     return std::nullopt;
   }
   switch (type) {
-    case kInteger:
-    case kAutoNumber:
-    case kLinkedField: {
+    case FieldType::kInteger:
+    case FieldType::kAutoNumber:
+    case FieldType::kLinkedField: {
       const auto number = parseAutoNumber(text, type);
       if (!number) return fmt::format("\"{}\" is not a whole number of 32 bits", text);
       putLe32(value, *number);
       return std::nullopt;
     }
-    case kFloat:
-    case kCalculated:
-      return readNumberText(text, type == kCalculated, value);
-    case kPopup:
+    case FieldType::kFloat:
+    case FieldType::kCalculated:
+      return readNumberText(text, type == FieldType::kCalculated, value);
+    case FieldType::kPopup:
       return readPopup(reader.popups, text, value);
-    case kCheckBox: {
+    case FieldType::kCheckBox: {
       const auto is_checked = checkOfText(text);
       if (!is_checked) return fmt::format("\"{}\" is not 0 or 1, yes or no", text);
       value.push_back(*is_checked ? 1 : 0);
       return std::nullopt;
     }
-    case kDate:
+    case FieldType::kDate:
       return readDate(text, reader.dates, value);
-    case kTime:
+    case FieldType::kTime:
       return readTime(text, value);
-    case kExternal:
+    case FieldType::kExternal:
       return readExternal(text, fieldValueSize(reader.field), value);
     default:
       return readText(reader.encoding, text, fieldValueSize(reader.field) - 1, value);

@@ -54,7 +54,7 @@ std::optional<std::string> readCell(const CellReader& reader, std::string_view t
 std::optional<std::string> readLinkCells(const TextEncoding& encoding, std::string_view text,
                                          std::string_view key, Bytes& value);
 // A record number of an auto-number or relationship key column; none when it is not one.
-std::optional<std::uint32_t> parseAutoNumber(std::string_view text, int type);
+std::optional<std::uint32_t> parseAutoNumber(std::string_view text, FieldType type);
 
 // A decimal number, whole: sign, digits with a point among them, exponent.
 bool isDecimalNumber(std::string_view text);

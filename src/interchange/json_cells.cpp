@@ -23,11 +23,11 @@ bool isJsonNumber(std::string_view text) {
 
 bool isNumberColumn(const TableColumn& column) {
   switch (column.type) {
-    case kInteger:
-    case kFloat:
-    case kAutoNumber:
-    case kLinkedField:
-    case kCalculated:
+    case FieldType::kInteger:
+    case FieldType::kFloat:
+    case FieldType::kAutoNumber:
+    case FieldType::kLinkedField:
+    case FieldType::kCalculated:
       return true;
     default:
       return column.is_link_key;
@@ -57,7 +57,7 @@ void putJsonCell(OutputBuffer& to, TableRows& rows, std::size_t column) {
   const TableColumn& at = rows.columns()[column];
   if (cell.text.empty()) {
     to.put("null");
-  } else if (at.type == kCheckBox) {
+  } else if (at.type == FieldType::kCheckBox) {
     to.put(cell.text == "1" ? "true" : "false");
   } else if (isNumberColumn(at) && isJsonNumber(cell.text)) {
     to.put(cell.text);

@@ -16,30 +16,30 @@ namespace {
 constexpr int kDefaultToday = 2;
 constexpr int kDefaultNow = 2;
 
-Json typeJson(int type) {
-  if (type >= 0 && type <= kExternal) return std::string(fieldTypeName(type));
-  return type;
+Json typeJson(FieldType type) {
+  if (type == FieldType::kUnused || isValidType(type)) return std::string(traitsOf(type).name);
+  return codeOf(type);
 }
 
-int readType(const JsonNode& node) {
-  if (!node.present()) return kUnused;
-  if (!node.isText()) return static_cast<int>(node.integer(0, 65535, kUnused));
+FieldType readType(const JsonNode& node) {
+  if (!node.present()) return FieldType::kUnused;
+  if (!node.isText()) return FieldType{static_cast<std::int32_t>(node.integer(0, 65535, 0))};
   const std::string name = node.text("");
-  for (int type = kUnused; type <= kExternal; ++type) {
-    if (fieldTypeName(type) == name) return type;
+  for (std::int32_t code = 0; code <= codeOf(kLastFieldType); ++code) {
+    if (traitsOf(FieldType{code}).name == name) return FieldType{code};
   }
   node.refuse(fmt::format("unknown type \"{}\"", name));
-  return kUnused;
+  return FieldType::kUnused;
 }
 
-bool isDateOrTime(int type) {
-  return type == kDate || type == kTime;
+bool isDateOrTime(FieldType type) {
+  return type == FieldType::kDate || type == FieldType::kTime;
 }
 
 Json defaultOptionJson(const FieldDefinition& field) {
   const int option = fieldDefaultOption(field);
-  if (field.type == kDate && option == kDefaultToday) return "today";
-  if (field.type == kTime && option == kDefaultNow) return "now";
+  if (field.type == FieldType::kDate && option == kDefaultToday) return "today";
+  if (field.type == FieldType::kTime && option == kDefaultNow) return "now";
   return option;
 }
 
@@ -48,13 +48,13 @@ void readDefaultOption(const JsonNode& node, FieldDefinition& field) {
   int option = 0;
   if (node.isText()) {
     const std::string word = node.text("");
-    if (word == "today" && field.type == kDate) {
+    if (word == "today" && field.type == FieldType::kDate) {
       option = kDefaultToday;
-    } else if (word == "now" && field.type == kTime) {
+    } else if (word == "now" && field.type == FieldType::kTime) {
       option = kDefaultNow;
     } else if (word != "none") {
-      node.refuse(field.type == kDate ? "must be \"none\" or \"today\""
-                                      : "must be \"none\" or \"now\"");
+      node.refuse(field.type == FieldType::kDate ? "must be \"none\" or \"today\""
+                                                 : "must be \"none\" or \"now\"");
     }
   } else {
     option = static_cast<int>(node.integer(0, 255, 0));
@@ -235,15 +235,15 @@ void readOneField(const JsonNode& node, int slot, const TextEncoding& encoding,
   readNumber(json["option_a"], 0, 255, field.option_a);
   readNumber(json["option_b"], 0, 255, field.option_b);
   readNumber(json["option_c3"], 0, 255, field.option_c3);
-  if (field.type == kFloat) readNumber(json["decimals"], 0, 255, field.byte_g);
+  if (field.type == FieldType::kFloat) readNumber(json["decimals"], 0, 255, field.byte_g);
   if (isDateOrTime(field.type)) readDefaultOption(json["default"], field);
-  if (field.type == kLinkedField || field.type == kLinkField) {
+  if (field.type == FieldType::kLinkedField || field.type == FieldType::kLinkField) {
     readLink(json["link"], encoding, field);
   }
   // Read by readReferences, once every field has its name.
-  if (field.type == kLookup) (void)json["lookup"];
-  if (field.type == kCalculated) (void)json["formula"], (void)json["result"];
-  if (field.type == kExternal) readPlugin(json["plugin"], encoding, field);
+  if (field.type == FieldType::kLookup) (void)json["lookup"];
+  if (field.type == FieldType::kCalculated) (void)json["formula"], (void)json["result"];
+  if (field.type == FieldType::kExternal) readPlugin(json["plugin"], encoding, field);
   readItems(json["items"], slot, encoding, record);
   readRanges(json["ranges"], record);
   readRaw(json["raw"], field, record);
@@ -254,16 +254,16 @@ void readOneField(const JsonNode& node, int slot, const TextEncoding& encoding,
   }
 }
 
-bool refersToFields(int type) {
-  return type == kLookup || type == kCalculated;
+bool refersToFields(FieldType type) {
+  return type == FieldType::kLookup || type == FieldType::kCalculated;
 }
 
 // The settings that name other fields of `schema`.
 void readReferences(const JsonNode& node, const DatabaseRecord& schema, const FieldNames& names,
                     const TextEncoding& encoding, FieldDefinition& field) {
   JsonObject json(node);
-  if (field.type == kLookup) readLookup(json["lookup"], names, encoding, field);
-  if (field.type == kCalculated) readFormula(json, schema, encoding, field);
+  if (field.type == FieldType::kLookup) readLookup(json["lookup"], names, encoding, field);
+  if (field.type == FieldType::kCalculated) readFormula(json, schema, encoding, field);
   // Raw bytes have the last word, so they go in again over these.
   const JsonNode raw_node = json["raw"];
   if (!raw_node.present()) return;
@@ -280,21 +280,21 @@ void putTypeSettings(Json& json, const DatabaseRecord& schema, int slot, const F
   const FieldDefinition& field = schema.fields[static_cast<std::size_t>(slot)];
   FieldDefinition copy = field;
   switch (field.type) {
-    case kLinkedField:
-    case kLinkField:
+    case FieldType::kLinkedField:
+    case FieldType::kLinkField:
       if (setLinkSettings(copy, linkSettings(field))) json["link"] = linkJson(field, encoding);
       break;
-    case kLookup:
+    case FieldType::kLookup:
       if (setLookupSettings(copy, lookupSettings(field))) {
         json["lookup"] = lookupJson(field, names, encoding);
       }
       break;
-    case kExternal:
+    case FieldType::kExternal:
       if (setPluginSettings(copy, pluginSettings(field))) {
         json["plugin"] = pluginJson(field, encoding);
       }
       break;
-    case kCalculated:
+    case FieldType::kCalculated:
       if (setStoredFormula(copy, storedFormula(field))) putFormula(json, schema, slot, encoding);
       break;
     default:
@@ -310,7 +310,7 @@ Json namedFieldJson(const Database& database, int slot, const Database& standard
   const FieldRecord& record = database.fields[index];
   Json json = Json::object();
   if (field.name != plain.name) json["name"] = areaJson(field.name, encoding);
-  if (field.type != kUnused) json["type"] = typeJson(field.type);
+  if (field.type != FieldType::kUnused) json["type"] = typeJson(field.type);
   putUnless(json, "width", field.width, plain.width);
   putUnless(json, "column_width", field.column_width, plain.column_width);
   putFlagUnless(json, "export", field.export_flag, plain.export_flag);
@@ -319,7 +319,7 @@ Json namedFieldJson(const Database& database, int slot, const Database& standard
   putUnless(json, "option_a", field.option_a, plain.option_a);
   putUnless(json, "option_b", field.option_b, plain.option_b);
   putUnless(json, "option_c3", field.option_c3, plain.option_c3);
-  if (field.type == kFloat) putUnless(json, "decimals", fieldDecimals(field), 0);
+  if (field.type == FieldType::kFloat) putUnless(json, "decimals", fieldDecimals(field), 0);
   if (isDateOrTime(field.type) && fieldDefaultOption(field) != 0) {
     json["default"] = defaultOptionJson(field);
   }

@@ -87,7 +87,7 @@ FieldNames::FieldNames(const DatabaseRecord& schema, const TextEncoding& encodin
     : names_(kFieldSlots) {
   for (std::size_t slot = 0; slot < kFieldSlots; ++slot) {
     const FieldDefinition& field = schema.fields[slot];
-    if (field.type == kUnused) continue;
+    if (field.type == FieldType::kUnused) continue;
     const Json name = areaJson(field.name, encoding);
     if (name.is_string()) names_[slot] = name.get<std::string>();
   }

@@ -18,8 +18,8 @@ std::string lowerAscii(std::string text) {
   return text;
 }
 
-bool holdsAValue(int type) {
-  return isValidType(type) && type != kSeparator;
+bool holdsAValue(FieldType type) {
+  return isValidType(type) && type != FieldType::kSeparator;
 }
 
 // "Fruit > Apple": the texts of the nearest items above, one for each level, and the item's own.
@@ -44,7 +44,8 @@ std::vector<TableColumn> tableColumns(const DatabaseRecord& schema, const TextEn
     if (!holdsAValue(field.type)) continue;
     const std::string name = encoding.toUtf8(fieldName(field));
     columns.push_back({name, slot, field.type, false});
-    if (field.type == kLinkField) columns.push_back({name + ".key", slot, field.type, true});
+    if (field.type == FieldType::kLinkField)
+      columns.push_back({name + ".key", slot, field.type, true});
   }
   std::map<std::string, int> uses;
   for (const TableColumn& column : columns) ++uses[lowerAscii(column.name)];

@@ -17,7 +17,7 @@ namespace tabelion {
 struct TableColumn {
   std::string name;  // UTF-8, unique in the table also where case does not count
   int slot = 0;
-  int type = 0;  // a field type code
+  FieldType type = FieldType::kUnused;  // a field type code
   bool is_link_key = false;
 };
 

@@ -131,18 +131,18 @@ class SqlWriter : public Writer {
   static std::string_view typeOf(const TableColumn& column) {
     if (column.is_link_key) return "bigint";
     switch (column.type) {
-      case kInteger:
-      case kAutoNumber:
-      case kLinkedField:
+      case FieldType::kInteger:
+      case FieldType::kAutoNumber:
+      case FieldType::kLinkedField:
         return "bigint";
-      case kFloat:
-      case kCalculated:
+      case FieldType::kFloat:
+      case FieldType::kCalculated:
         return "numeric";
-      case kCheckBox:
+      case FieldType::kCheckBox:
         return "boolean";
-      case kDate:
+      case FieldType::kDate:
         return "date";
-      case kTime:
+      case FieldType::kTime:
         return "time";
       default:
         return "text";
@@ -154,13 +154,13 @@ class SqlWriter : public Writer {
   static bool fits(const TableColumn& column, std::string_view text) {
     if (text.empty()) return true;
     switch (column.type) {
-      case kFloat:
-      case kCalculated:
+      case FieldType::kFloat:
+      case FieldType::kCalculated:
         return isDecimalNumber(text);
-      case kTime:
+      case FieldType::kTime:
         return text.size() == 8 && text.substr(0, 2) < "24" && text.substr(3, 2) < "60" &&
                text.substr(6, 2) < "60";
-      case kDate: {
+      case FieldType::kDate: {
         if (text.size() != 10) return false;
         if (text.substr(5) != "02-29") return true;
         const int century = (text[0] - '0') * 10 + (text[1] - '0');
@@ -175,9 +175,10 @@ class SqlWriter : public Writer {
   void chooseTypes() {
     std::vector<std::size_t> doubtful;
     for (std::size_t i = 0; i < columnCount(); ++i) {
-      const int type = rows_.columns()[i].type;
+      const FieldType type = rows_.columns()[i].type;
       types_.push_back(typeOf(rows_.columns()[i]));
-      if (type == kFloat || type == kCalculated || type == kTime || type == kDate) {
+      if (type == FieldType::kFloat || type == FieldType::kCalculated || type == FieldType::kTime ||
+          type == FieldType::kDate) {
         doubtful.push_back(i);
       }
     }

@@ -18,8 +18,8 @@ namespace {
 
 constexpr std::size_t kNoCell = static_cast<std::size_t>(-1);
 
-bool isNumbered(int type) {
-  return type == kAutoNumber || type == kLinkedField;
+bool isNumbered(FieldType type) {
+  return type == FieldType::kAutoNumber || type == FieldType::kLinkedField;
 }
 
 // One field of the database and where a row has its text.
@@ -119,7 +119,7 @@ std::optional<std::string> Importer::plan(const std::vector<std::string_view>& h
     }
     slot.column = column;
     slot.cell = cellOf(column);
-    if (column.type == kPopup) {
+    if (column.type == FieldType::kPopup) {
       slot.popups = PopupNames(database_.fields[static_cast<std::size_t>(column.slot)], encoding_);
     }
   }
@@ -140,7 +140,7 @@ void Importer::beginRecord() {
 
 std::optional<std::string> Importer::putSlot(const SlotPlan& slot,
                                              const std::vector<std::string_view>& cells) {
-  if (slot.column.type == kUnused) return std::nullopt;
+  if (slot.column.type == FieldType::kUnused) return std::nullopt;
   const auto cellAt = [&](std::size_t cell) {
     return cell == kNoCell ? std::string_view() : cells[cell];
   };
@@ -161,7 +161,7 @@ std::optional<std::string> Importer::putSlot(const SlotPlan& slot,
     storeLe32(&record_[record_.size() - 4], number);
     return std::nullopt;
   }
-  if (slot.column.type == kLinkField) {
+  if (slot.column.type == FieldType::kLinkField) {
     return readLinkCells(encoding_, text, cellAt(slot.key_cell), record_);
   }
   const FieldDefinition& field =

@@ -9,8 +9,9 @@ TableRows::TableRows(const Database& database, const TextEncoding& encoding)
   int last_slot = -1;
   for (const TableColumn& column : columns_) {
     const auto slot = static_cast<std::size_t>(column.slot);
-    popups_.push_back(column.type == kPopup ? PopupNames(database_.fields[slot], encoding)
-                                            : PopupNames());
+    popups_.push_back(column.type == FieldType::kPopup
+                          ? PopupNames(database_.fields[slot], encoding)
+                          : PopupNames());
     is_flagged_.push_back(database_.schema.fields[slot].encrypt_flag != 0);
     last_slot = column.slot;
   }

@@ -34,7 +34,7 @@ Calculator::Calculator(const Database& database, const std::vector<int>& slots,
 
 void Calculator::add(int slot) {
   const auto index = static_cast<std::size_t>(slot);
-  if (database_.schema.fields[index].type != kCalculated) return;
+  if (database_.schema.fields[index].type != FieldType::kCalculated) return;
   Calculation calculation{index, decodeFormula(database_, slot, settings_.formats), {}, {}};
   const std::vector<Formula::Token>& tokens = calculation.formula.tokens;
   calculation.operands.resize(tokens.size());
@@ -99,7 +99,7 @@ double Calculator::numberOf(std::size_t slot) {
 double Calculator::readNumber(std::size_t slot) const {
   const FieldDefinition& field = database_.schema.fields[slot];
   if (isMaskedSlot(slot)) return 0;
-  if (field.type != kLookup) {
+  if (field.type != FieldType::kLookup) {
     return formulaNumber(field, database_.fields[slot], values_[slot], settings_.formats);
   }
   const LookupText* lookup = settings_.lookup;

@@ -39,42 +39,42 @@ FieldSearch::FieldSearch(const Database& database, int slot, const SearchText& s
 
 FieldSearch::Kind FieldSearch::kindOf(const FieldDefinition& field) {
   switch (field.type) {
-    case kText:
-    case kText254:
+    case FieldType::kText:
+    case FieldType::kText254:
       return Kind::kFolded;
-    case kLongText:
-    case kTextVariant:
+    case FieldType::kLongText:
+    case FieldType::kTextVariant:
       return Kind::kLongFolded;
-    case kFloat:
+    case FieldType::kFloat:
       return Kind::kAsItStands;
-    case kInteger:
-    case kAutoNumber:
+    case FieldType::kInteger:
+    case FieldType::kAutoNumber:
       return search_.text.empty() || isWithout(search_.text, kDigits) ? Kind::kNever
                                                                       : Kind::kNumber;
-    case kPopup:
+    case FieldType::kPopup:
       return preparePopup();
-    case kCheckBox:
+    case FieldType::kCheckBox:
       return search_.text == "1" || search_.text == "0" ? Kind::kCheckBox : Kind::kNever;
-    case kDate:
+    case FieldType::kDate:
       return prepareDate(Kind::kDate);
-    case kTime:
+    case FieldType::kTime:
       return prepareTime(Kind::kTime);
-    case kLinkField:
+    case FieldType::kLinkField:
       return Kind::kLink;
-    case kLookup:
+    case FieldType::kLookup:
       return settings_.lookup ? Kind::kLookup : Kind::kNever;
-    case kCalculated:
+    case FieldType::kCalculated:
       break;
     default:
       return Kind::kNever;
   }
   switch (effectiveType(field)) {
-    case kFloat:
-    case kInteger:
+    case FieldType::kFloat:
+    case FieldType::kInteger:
       return Kind::kResult;
-    case kTime:
+    case FieldType::kTime:
       return prepareTime(Kind::kResultTime);
-    case kDate:
+    case FieldType::kDate:
       return prepareDate(Kind::kResultDate);
     default:
       return Kind::kNever;

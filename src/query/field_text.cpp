@@ -46,17 +46,17 @@ void appendResult(std::string& into, const FieldDefinition& field, ByteView valu
                   const FormatSettings& settings, const Patterns& patterns) {
   const std::string_view stored = storedText(value);
   switch (effectiveType(field)) {
-    case kFloat:
-    case kInteger:
+    case FieldType::kFloat:
+    case FieldType::kInteger:
       into += stored;
       return;
-    case kTime: {
+    case FieldType::kTime: {
       const double seconds = numberOfText(stored, settings.choices.decimal_comma);
       if (!(std::fabs(seconds) <= kLargestCount)) break;
       appendDuration(into, static_cast<std::int64_t>(seconds));
       return;
     }
-    case kDate: {
+    case FieldType::kDate: {
       const double days = numberOfText(stored, settings.choices.decimal_comma);
       if (!(days > -1.0 && days <= static_cast<double>(UINT32_MAX))) break;
       appendDate(into, static_cast<std::uint32_t>(days), patterns.date);
@@ -73,51 +73,51 @@ bool appendTyped(std::string& into, const FieldDefinition& field, const FieldRec
                  ByteView value, const FormatSettings& settings, const Patterns& patterns,
                  bool raw) {
   switch (field.type) {
-    case kText:
-    case kFloat:
-    case kLongText:
-    case kTextVariant:
-    case kText254:
+    case FieldType::kText:
+    case FieldType::kFloat:
+    case FieldType::kLongText:
+    case FieldType::kTextVariant:
+    case FieldType::kText254:
       into += storedText(value);
       return true;
-    case kExternal:
-    case kLookup:
+    case FieldType::kExternal:
+    case FieldType::kLookup:
       return true;
-    case kUnused:
-    case kNote:
-    case kSeparator:
+    case FieldType::kUnused:
+    case FieldType::kNote:
+    case FieldType::kSeparator:
       return false;
     default:
       break;
   }
   if (value.empty()) return isValidType(field.type);
   switch (field.type) {
-    case kInteger:
-    case kAutoNumber:
+    case FieldType::kInteger:
+    case FieldType::kAutoNumber:
       appendInteger(into, static_cast<std::int32_t>(numberOfValue(value)));
       return true;
-    case kPopup:
+    case FieldType::kPopup:
       appendPopup(into, items, value);
       return true;
-    case kCheckBox:
+    case FieldType::kCheckBox:
       into += value[0] != 0 ? '1' : '0';
       return true;
-    case kDate:
+    case FieldType::kDate:
       appendDate(into, numberOfValue(value), patterns.date);
       return true;
-    case kTime:
+    case FieldType::kTime:
       appendTime(into, timeOfValue(value), patterns.time);
       return true;
-    case kLinkedField:
+    case FieldType::kLinkedField:
       if (raw) appendInteger(into, numberOfValue(value));
       return true;
-    case kLinkField:
+    case FieldType::kLinkField:
       if (raw)
         appendInteger(into, linkKey(value));
       else
         into += linkText(value);
       return true;
-    case kCalculated:
+    case FieldType::kCalculated:
       appendResult(into, field, value, settings, patterns);
       return true;
     default:
@@ -191,7 +191,7 @@ bool appendFieldText(std::string& into, const Database& database, ByteView recor
     if (!options.raw) into.append(std::min(value->size(), bound(options)), 'X');
     return false;
   }
-  if (field.type == kLookup) {
+  if (field.type == FieldType::kLookup) {
     appendLookup(into, record, slot, settings, options);
     return true;
   }
@@ -212,10 +212,10 @@ FieldText editText(const Database& database, ByteView record, int slot,
   if (!value) return {};
   const auto index = static_cast<std::size_t>(slot);
   const FieldDefinition& field = database.schema.fields[index];
-  if (isMasked(field, record) || field.type == kLookup) {
+  if (isMasked(field, record) || field.type == FieldType::kLookup) {
     return fieldText(database, record, slot, settings, options);
   }
-  if (field.type == kNote) return {std::string(storedText(*value)), true};
+  if (field.type == FieldType::kNote) return {std::string(storedText(*value)), true};
   FieldText result;
   result.has_value = appendTyped(result.text, field, database.fields[index], *value, settings,
                                  {settings.edit_date, settings.edit_time}, false);
@@ -227,13 +227,13 @@ bool hasValue(const Database& database, ByteView record, int slot, const FormatS
   if (!value) return false;
   const FieldDefinition& field = database.schema.fields[static_cast<std::size_t>(slot)];
   if (isMasked(field, record)) return false;
-  const int type = effectiveType(field);
+  const FieldType type = effectiveType(field);
   switch (type) {  // those that need no text
-    case kNote:
+    case FieldType::kNote:
       return !value->empty() && value->front() != 0;
-    case kLinkedField:
+    case FieldType::kLinkedField:
       return numberOfValue(*value) != 0;
-    case kLinkField:
+    case FieldType::kLinkField:
       return value->size() > kLinkHeadSize;
     default:
       break;
@@ -242,23 +242,23 @@ bool hasValue(const Database& database, ByteView record, int slot, const FormatS
       fieldText(database, record, slot, settings, {.capacity = kHasValueCapacity, .raw = true})
           .text;
   switch (type) {
-    case kText:
-    case kLongText:
-    case kTextVariant:
-    case kLookup:
+    case FieldType::kText:
+    case FieldType::kLongText:
+    case FieldType::kTextVariant:
+    case FieldType::kLookup:
       return !text.empty();
-    case kInteger:
-    case kText254:
+    case FieldType::kInteger:
+    case FieldType::kText254:
       return leadingInteger(text) != 0;
-    case kFloat:
+    case FieldType::kFloat:
       return numberOfText(text, settings.choices.decimal_comma) != 0;
-    case kPopup:
+    case FieldType::kPopup:
       return !text.empty() && text != kNoValueText;
-    case kCheckBox:
+    case FieldType::kCheckBox:
       return leadingInteger(text) == 1;
-    case kDate:
+    case FieldType::kDate:
       return !text.empty() && text != kNoDateText;
-    case kTime:
+    case FieldType::kTime:
       return !text.empty() && text != kNoTimeText;
     default:
       return true;

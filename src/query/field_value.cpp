@@ -195,12 +195,12 @@ Refusal putDuration(Bytes& into, const Input& input) {
 
 Refusal putResult(Bytes& into, const Input& input) {
   switch (effectiveType(input.field)) {
-    case kFloat:
-    case kInteger:
+    case FieldType::kFloat:
+    case FieldType::kInteger:
       return putNumber(into, input, DecimalMark::kAsTyped);
-    case kTime:
+    case FieldType::kTime:
       return putDuration(into, input);
-    case kDate: {
+    case FieldType::kDate: {
       if (withoutBlanks(input.text).empty()) return std::nullopt;
       const auto days = daysOfText(input);
       if (!days) return refusedDate();
@@ -223,7 +223,7 @@ Refusal putLinkText(Bytes& into, const Input& input) {
 // Whether the text is what a form shows for the value of before.
 bool isUnchanged(const Input& input) {
   if (input.previous.empty()) return false;
-  if (input.field.type == kNote) return storedText(input.previous) == input.text;
+  if (input.field.type == FieldType::kNote) return storedText(input.previous) == input.text;
   FormatSettings edited = input.settings;
   edited.show_date = edited.edit_date;
   edited.show_time = edited.edit_time;
@@ -235,33 +235,33 @@ bool isUnchanged(const Input& input) {
 Refusal putNewValue(Bytes& into, const Input& input) {
   const std::size_t area = fieldValueSize(input.field);
   switch (input.field.type) {
-    case kText:
-    case kTextVariant:
-    case kLongText:
-    case kText254:
+    case FieldType::kText:
+    case FieldType::kTextVariant:
+    case FieldType::kLongText:
+    case FieldType::kText254:
       return putText(into, input.text, area == 0 ? 0 : area - 1);
-    case kNote:
+    case FieldType::kNote:
       if (input.text.empty()) into.push_back(0);
       return putText(into, input.text, kNoteSize - 1);
-    case kInteger:
-    case kAutoNumber:
+    case FieldType::kInteger:
+    case FieldType::kAutoNumber:
       return putInteger(into, input.text, std::numeric_limits<std::int32_t>::min(),
                         std::numeric_limits<std::int32_t>::max());
-    case kLinkedField:
+    case FieldType::kLinkedField:
       return putInteger(into, input.text, 0, std::numeric_limits<std::uint32_t>::max());
-    case kFloat:
+    case FieldType::kFloat:
       return putNumber(into, input, DecimalMark::kPoint);
-    case kPopup:
+    case FieldType::kPopup:
       return putPopup(into, input);
-    case kCheckBox:
+    case FieldType::kCheckBox:
       return putCheckBox(into, input.text);
-    case kDate:
+    case FieldType::kDate:
       return putDate(into, input);
-    case kTime:
+    case FieldType::kTime:
       return putTime(into, input);
-    case kLinkField:
+    case FieldType::kLinkField:
       return putLinkText(into, input);
-    case kCalculated:
+    case FieldType::kCalculated:
       return putResult(into, input);
     default:
       return refused("belongs to a field that takes no text");

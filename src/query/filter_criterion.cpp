@@ -44,48 +44,48 @@ CriterionTest::CriterionTest(const Database& database, const FilterBlock& criter
   if (slot_ >= kFieldSlots) return;
   const FieldDefinition& field = database.schema.fields[criterion.field];
   switch (field.type) {
-    case kText:
-    case kLongText:
-    case kTextVariant:
-    case kText254:
-    case kLinkField:
-      kind_ = field.type == kLinkField ? Kind::kLink : Kind::kText;
+    case FieldType::kText:
+    case FieldType::kLongText:
+    case FieldType::kTextVariant:
+    case FieldType::kText254:
+    case FieldType::kLinkField:
+      kind_ = field.type == FieldType::kLinkField ? Kind::kLink : Kind::kText;
       word_ = lowerCaseText(areaText(criterion.value1));
       break;
-    case kInteger:
+    case FieldType::kInteger:
       setSigned(criterion, Kind::kSigned);
       break;
-    case kAutoNumber:
+    case FieldType::kAutoNumber:
       setRange(Kind::kUnsigned, criterion.number1, criterion.number2);
       break;
-    case kFloat:
+    case FieldType::kFloat:
       setNumbers(criterion);
       break;
-    case kPopup:
+    case FieldType::kPopup:
       kind_ = Kind::kPopup;
       std::copy_n(criterion.value1.begin(), key_.size(), key_.begin());
       break;
-    case kCheckBox:
+    case FieldType::kCheckBox:
       kind_ = Kind::kCheckBox;
       low_ = criterion.number1;
       break;
-    case kDate: {
+    case FieldType::kDate: {
       const DateRange range = dateBounds(criterion, settings);
       setRange(Kind::kUnsigned, range.from, range.to);
       break;
     }
-    case kTime:
+    case FieldType::kTime:
       setRange(Kind::kTime, timeNumber(criterion.value1), timeNumber(criterion.value2));
       break;
-    case kCalculated:
+    case FieldType::kCalculated:
       prepareCalculated(field, criterion);
       break;
-    case kUnused:
-    case kNote:
-    case kLinkedField:
-    case kSeparator:
-    case kLookup:
-    case kExternal:
+    case FieldType::kUnused:
+    case FieldType::kNote:
+    case FieldType::kLinkedField:
+    case FieldType::kSeparator:
+    case FieldType::kLookup:
+    case FieldType::kExternal:
       kind_ = Kind::kAlways;
       break;
     default:
@@ -95,16 +95,16 @@ CriterionTest::CriterionTest(const Database& database, const FilterBlock& criter
 
 void CriterionTest::prepareCalculated(const FieldDefinition& field, const FilterBlock& criterion) {
   switch (effectiveType(field)) {
-    case kInteger:
+    case FieldType::kInteger:
       return setSigned(criterion, Kind::kResult);
-    case kTime:
+    case FieldType::kTime:
       return setRange(Kind::kResult, secondsOfTime(timeOfValue(criterion.value1)),
                       secondsOfTime(timeOfValue(criterion.value2)));
-    case kDate:
+    case FieldType::kDate:
       // Days alone: the named ranges belong to date fields.
       return setRange(Kind::kResult, loadLe32(criterion.value1.data()),
                       loadLe32(criterion.value2.data()));
-    case kFloat:
+    case FieldType::kFloat:
       return setNumbers(criterion);
     default:
       break;

@@ -97,7 +97,8 @@ double numberOfField(const Database& database, ByteView record, int slot,
   const auto index = static_cast<std::size_t>(slot);
   const FieldDefinition& field = database.schema.fields[index];
   if (!value || isMasked(field, record)) return 0;
-  if (field.type != kLookup) return formulaNumber(field, database.fields[index], *value, formats);
+  if (field.type != FieldType::kLookup)
+    return formulaNumber(field, database.fields[index], *value, formats);
   return lookup && *lookup ? numberOfText((*lookup)(slot, record), formats.choices.decimal_comma)
                            : 0;
 }
@@ -107,7 +108,7 @@ double numberOfField(const Database& database, ByteView record, int slot,
 std::vector<int> referredSlots(const DatabaseRecord& schema, int slot, bool previous) {
   std::vector<int> slots;
   const FieldDefinition& field = schema.fields[static_cast<std::size_t>(slot)];
-  if (field.type != kCalculated) return slots;
+  if (field.type != FieldType::kCalculated) return slots;
   for (const StoredFormula::Token& token : storedFormula(field).tokens) {
     if (token.type != kFieldToken) continue;
     const auto reference = fieldReference(static_cast<std::int8_t>(token.value));
@@ -191,26 +192,26 @@ double formulaNumber(const FieldDefinition& field, const FieldRecord& items, Byt
                      const FormatSettings& formats) {
   if (value.empty()) return 0;
   switch (field.type) {
-    case kText:
-    case kFloat:
-    case kLongText:
-    case kTextVariant:
-    case kCalculated:
-    case kText254:
+    case FieldType::kText:
+    case FieldType::kFloat:
+    case FieldType::kLongText:
+    case FieldType::kTextVariant:
+    case FieldType::kCalculated:
+    case FieldType::kText254:
       return numberOfText(storedText(value), formats.choices.decimal_comma);
-    case kInteger:
-    case kAutoNumber:
+    case FieldType::kInteger:
+    case FieldType::kAutoNumber:
       return static_cast<std::int32_t>(numberOfValue(value));
-    case kDate:
-    case kLinkedField:
+    case FieldType::kDate:
+    case FieldType::kLinkedField:
       return numberOfValue(value);
-    case kLinkField:
+    case FieldType::kLinkField:
       return linkKey(value);
-    case kCheckBox:
+    case FieldType::kCheckBox:
       return value[0] != 0;
-    case kTime:
+    case FieldType::kTime:
       return secondsOfTime(timeOfValue(value));
-    case kPopup: {
+    case FieldType::kPopup: {
       std::array<std::uint8_t, kPopupKeySize> key{};
       std::copy_n(value.begin(), std::min(value.size(), key.size()), key.begin());
       const PopupItem* item = findItem(items, key);

@@ -3,13 +3,6 @@
 #include <bitset>
 
 namespace tabelion {
-namespace {
-
-bool hasListText(int type) {
-  return type != kNote && type != kLinkedField && type != kSeparator && type != kExternal;
-}
-
-}  // namespace
 
 std::vector<int> slotsInDisplayOrder(const DatabaseRecord& schema) {
   std::vector<int> slots;
@@ -27,7 +20,7 @@ std::vector<int> listedSlots(const DatabaseRecord& schema) {
   std::vector<int> slots = slotsInDisplayOrder(schema);
   std::erase_if(slots, [&](int slot) {
     const FieldDefinition& field = schema.fields[static_cast<std::size_t>(slot)];
-    return field.column_width < 1 || !hasListText(field.type);
+    return field.column_width < 1 || !traitsOf(field.type).lists;
   });
   return slots;
 }

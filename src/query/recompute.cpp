@@ -57,7 +57,7 @@ std::vector<int> slotsInOrderOfUse(const DatabaseRecord& schema) {
   std::bitset<kFieldSlots> seen;
   const std::function<void(int)> visit = [&](int slot) {
     const auto index = static_cast<std::size_t>(slot);
-    if (seen[index] || schema.fields[index].type != kCalculated) return;
+    if (seen[index] || schema.fields[index].type != FieldType::kCalculated) return;
     seen.set(index);
     for (const StoredFormula::Token& token : storedFormula(schema.fields[index]).tokens) {
       const auto reference = fieldReference(static_cast<std::int8_t>(token.value));
@@ -69,8 +69,8 @@ std::vector<int> slotsInOrderOfUse(const DatabaseRecord& schema) {
   return slots;
 }
 
-bool isOfOtherFields(int type) {
-  return type == kCalculated || type == kText254;
+bool isOfOtherFields(FieldType type) {
+  return type == FieldType::kCalculated || type == FieldType::kText254;
 }
 
 bool sortUsesOtherFields(const DatabaseRecord& schema) {

@@ -28,11 +28,11 @@ void fillDefaults(const DatabaseRecord& schema, UnpackedRecord& record, const Ca
     if (isMasked(field, record.prefix)) continue;
     const int option = fieldDefaultOption(field);
     auto& value = record.slots[i];
-    if (field.type == kDate && (option == kTodayWhenEmpty || option == kTodayWhenEmptyToo) &&
-        isEmptyDate(value)) {
+    if (field.type == FieldType::kDate &&
+        (option == kTodayWhenEmpty || option == kTodayWhenEmptyToo) && isEmptyDate(value)) {
       value = Bytes(4);
       storeLe32(value->data(), daysSince1904(now.month, now.day, now.year));
-    } else if (field.type == kTime && option == kTodayWhenEmpty && isEmptyTime(value)) {
+    } else if (field.type == FieldType::kTime && option == kTodayWhenEmpty && isEmptyTime(value)) {
       value = Bytes{static_cast<std::uint8_t>(now.second), static_cast<std::uint8_t>(now.minute),
                     static_cast<std::uint8_t>(now.hour), 0};
     }
@@ -53,7 +53,7 @@ std::uint32_t storeRecord(Database& database, Engine& engine, std::uint32_t posi
     if (position == kNoPosition) return kNoPosition;
     // The numbers that it was given just now may be part of a formula.
     for (int slot = 0; slot < kFieldSlots; ++slot) {
-      if (database.schema.fields[static_cast<std::size_t>(slot)].type == kCalculated) {
+      if (database.schema.fields[static_cast<std::size_t>(slot)].type == FieldType::kCalculated) {
         recomputeField(database, slot, position, settings);
       }
     }

@@ -39,7 +39,7 @@ class FollowedRecord {
 
 bool hasDependents(const Database& database) {
   for (int slot = 0; slot < kFieldSlots; ++slot) {
-    if (database.schema.fields[static_cast<std::size_t>(slot)].type == kCalculated &&
+    if (database.schema.fields[static_cast<std::size_t>(slot)].type == FieldType::kCalculated &&
         usesOtherRecords(database, slot)) {
       return true;
     }

@@ -18,19 +18,6 @@ constexpr std::int64_t kFirstMaximum = -2000000;
 constexpr std::int64_t kFirstDayMinimum = 50000;
 constexpr std::int64_t kFirstSecondMinimum = 86400;
 
-bool isReported(int type) {
-  switch (type) {
-    case kInteger:
-    case kFloat:
-    case kCheckBox:
-    case kDate:
-    case kTime:
-      return true;
-    default:
-      return false;
-  }
-}
-
 // Calls visit(value) for each record that passes. The value is empty where its text would be: not
 // there, without bytes, enciphered.
 template <class Visit>
@@ -90,12 +77,12 @@ class DayReader {
       : field_(database.schema.fields[static_cast<std::size_t>(slot)]),
         items_(database.fields[static_cast<std::size_t>(slot)]),
         formats_(formats),
-        reads_back_(field_.type == kDate && readsBack(formats)),
-        known_(field_.type == kDate && !reads_back_ ? kKnownDays : 0, kUnknown) {}
+        reads_back_(field_.type == FieldType::kDate && readsBack(formats)),
+        known_(field_.type == FieldType::kDate && !reads_back_ ? kKnownDays : 0, kUnknown) {}
 
   std::int64_t operator()(ByteView value) {
     if (value.empty()) return 0;
-    if (field_.type != kDate) return readText(value);
+    if (field_.type != FieldType::kDate) return readText(value);
     const std::uint32_t day = numberOfValue(value);
     if (reads_back_ && day <= kLastDay) return day;
     if (day >= known_.size()) return readText(value);
@@ -146,8 +133,9 @@ class SecondsReader {
       : field_(database.schema.fields[static_cast<std::size_t>(slot)]),
         items_(database.fields[static_cast<std::size_t>(slot)]),
         formats_(formats),
-        known_(field_.type == kTime && minutesDecide(formats.show_time) ? kKnownMinutes : 0,
-               kUnknown) {}
+        known_(
+            field_.type == FieldType::kTime && minutesDecide(formats.show_time) ? kKnownMinutes : 0,
+            kUnknown) {}
 
   std::int64_t operator()(ByteView value) {
     if (value.empty()) return 0;
@@ -185,7 +173,7 @@ class SecondsReader {
 void tallyIntegers(const Database& database, int slot, const RecordFilter& filter,
                    ReportFigures& figures) {
   NumberTally<std::int64_t> tally;
-  if (database.schema.fields[static_cast<std::size_t>(slot)].type == kInteger) {
+  if (database.schema.fields[static_cast<std::size_t>(slot)].type == FieldType::kInteger) {
     forEachValue(database, slot, filter, [&](ByteView value) {
       tally.add(static_cast<std::int32_t>(numberOfValue(value)));
     });
@@ -266,8 +254,8 @@ void tallyTimes(const Database& database, int slot, const RecordFilter& filter,
 std::vector<int> reportFields(const DatabaseRecord& schema) {
   std::vector<int> slots;
   for (int slot = 0; slot < kFieldSlots; ++slot) {
-    const int type = schema.fields[static_cast<std::size_t>(slot)].type;
-    if (isReported(type) || type == kCalculated) slots.push_back(slot);
+    const FieldType type = schema.fields[static_cast<std::size_t>(slot)].type;
+    if (traitsOf(type).reports || type == FieldType::kCalculated) slots.push_back(slot);
   }
   return slots;
 }
@@ -276,22 +264,22 @@ ReportFigures reportFigures(const Database& database, int slot, const QuerySetti
                             const LinkFilter* link) {
   ReportFigures figures;
   if (slot < 0 || slot >= kFieldSlots) return figures;
-  const int type = effectiveType(database.schema.fields[static_cast<std::size_t>(slot)]);
-  if (!isReported(type)) return figures;
+  const FieldType type = effectiveType(database.schema.fields[static_cast<std::size_t>(slot)]);
+  if (!traitsOf(type).reports) return figures;
   figures.type = type;
   const RecordFilter filter(database, settings, link);
   const FormatSettings& formats = settings.formats;
   switch (type) {
-    case kInteger:
+    case FieldType::kInteger:
       tallyIntegers(database, slot, filter, figures);
       break;
-    case kFloat:
+    case FieldType::kFloat:
       tallyFloats(database, slot, filter, formats.choices.decimal_comma, figures);
       break;
-    case kCheckBox:
+    case FieldType::kCheckBox:
       tallyChecks(database, slot, filter, figures);
       break;
-    case kDate:
+    case FieldType::kDate:
       tallyDates(database, slot, filter, formats, figures);
       break;
     default:
@@ -304,7 +292,7 @@ ReportFigures reportFigures(const Database& database, int slot, const QuerySetti
 std::string runReport(const Database& database, int slot, const QuerySettings& settings,
                       const LinkFilter* link) {
   const ReportFigures figures = reportFigures(database, slot, settings, link);
-  if (figures.type == kUnused) return {};
+  if (figures.type == FieldType::kUnused) return {};
   return reportText(figures, database.schema.fields[static_cast<std::size_t>(slot)],
                     settings.formats);
 }

@@ -35,8 +35,8 @@ struct ReportNumbers {
 // What a report found. Records without a value count as well, as what no text reads as.
 struct ReportFigures {
   // As what the field is reported, a field type code: a calculated field as the type of its
-  // result; kUnused: there is no report for it, and nothing below counts.
-  int type = 0;
+  // result; FieldType::kUnused: there is no report for it, and nothing below counts.
+  FieldType type = FieldType::kUnused;
   std::int64_t count = 0;             // of records
   ReportNumbers<std::int64_t> whole;  // 2; 8 in days from 1904-01-01; 9 in seconds
   ReportNumbers<double> real;         // 3

@@ -38,8 +38,9 @@ std::string integerLines(const ReportFigures& figures) {
 
 std::string floatLines(const ReportFigures& figures, const FieldDefinition& field,
                        const FormatSettings& formats) {
-  const int decimals = field.type == kCalculated ? resultDecimals(storedFormula(field).result_kind)
-                                                 : fieldDecimals(field);
+  const int decimals = field.type == FieldType::kCalculated
+                           ? resultDecimals(storedFormula(field).result_kind)
+                           : fieldDecimals(field);
   return numberLines(figures.count, figures.real, "\t", [&](double value) {
     return numberText(value, decimals, formats.choices.decimal_comma);
   });
@@ -102,15 +103,15 @@ std::string reportText(const ReportFigures& figures, const FieldDefinition& fiel
                        const FormatSettings& formats) {
   const std::string title = fmt::format("Report for {}\r\n", fieldName(field));
   switch (figures.type) {
-    case kInteger:
+    case FieldType::kInteger:
       return title + integerLines(figures);
-    case kFloat:
+    case FieldType::kFloat:
       return title + floatLines(figures, field, formats);
-    case kCheckBox:
+    case FieldType::kCheckBox:
       return title + checkLines(figures, formats);
-    case kDate:
+    case FieldType::kDate:
       return title + dateLines(figures, formats);
-    case kTime:
+    case FieldType::kTime:
       return title + timeLines(figures, formats);
     default:
       return {};

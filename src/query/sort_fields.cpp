@@ -8,19 +8,6 @@
 namespace tabelion {
 namespace {
 
-bool hasOrder(const FieldDefinition& field) {
-  switch (field.type) {
-    case kUnused:
-    case kNote:
-    case kLinkedField:
-    case kSeparator:
-    case kExternal:
-      return false;
-    default:
-      return true;
-  }
-}
-
 bool isSlot(int slot) {
   return slot >= 0 && slot < kFieldSlots;
 }
@@ -46,10 +33,10 @@ std::string sortRefusal(const Database& database, int slot) {
     return fmt::format("This field ({}) is flagged for encrypted, and therefore cannot be sorted!",
                        name);
   }
-  if (!hasOrder(field)) {
+  if (!traitsOf(field.type).sorts) {
     return fmt::format("This type of field ({}) cannot currently be sorted!", name);
   }
-  if (field.type == kCalculated && usesOtherRecords(database, slot)) {
+  if (field.type == FieldType::kCalculated && usesOtherRecords(database, slot)) {
     return fmt::format(
         "Since this field ({}) references other records, it's value is relative to it's position, "
         "meaning that it cannot be the basis for a sort!",
@@ -61,7 +48,7 @@ std::string sortRefusal(const Database& database, int slot) {
 std::vector<std::string> sortFieldNames(const Database& database) {
   std::vector<std::string> names;
   for (const FieldDefinition& field : database.schema.fields) {
-    if (hasOrder(field)) names.push_back(fieldName(field));
+    if (traitsOf(field.type).sorts) names.push_back(fieldName(field));
   }
   return names;
 }

@@ -21,36 +21,36 @@ bool countsInWholeNumbers(const FieldDefinition& field) {
 
 SortKind kindOf(const FieldDefinition& field) {
   switch (field.type) {
-    case kText:
-    case kLongText:
-    case kTextVariant:
-    case kText254:
+    case FieldType::kText:
+    case FieldType::kLongText:
+    case FieldType::kTextVariant:
+    case FieldType::kText254:
       return SortKind::kText;
-    case kInteger:
-    case kAutoNumber:
-    case kDate:
+    case FieldType::kInteger:
+    case FieldType::kAutoNumber:
+    case FieldType::kDate:
       return SortKind::kInteger;
-    case kFloat:
+    case FieldType::kFloat:
       return SortKind::kReal;
-    case kPopup:
-    case kCheckBox:
-    case kTime:
+    case FieldType::kPopup:
+    case FieldType::kCheckBox:
+    case FieldType::kTime:
       return SortKind::kNumber;
-    case kLinkField:
+    case FieldType::kLinkField:
       return SortKind::kLink;
-    case kCalculated:
+    case FieldType::kCalculated:
       return countsInWholeNumbers(field) ? SortKind::kNumber : SortKind::kReal;
     default:
       return SortKind::kAlwaysEqual;
   }
 }
 
-std::size_t numberBytesOf(int type) {
+std::size_t numberBytesOf(FieldType type) {
   switch (type) {
-    case kPopup:
-    case kCheckBox:
+    case FieldType::kPopup:
+    case FieldType::kCheckBox:
       return 1;
-    case kTime:
+    case FieldType::kTime:
       return 3;
     default:
       return sizeof(std::int64_t);
@@ -79,7 +79,7 @@ SortLevel::SortLevel(const Database& database, int slot, bool forward,
   type_ = database.schema.fields[index].type;
   kind_ = kindOf(database.schema.fields[index]);
   number_bytes_ = numberBytesOf(type_);
-  if (type_ == kPopup) rankItems(database.fields[index]);
+  if (type_ == FieldType::kPopup) rankItems(database.fields[index]);
 }
 
 void SortLevel::rankItems(const FieldRecord& items) {
@@ -140,11 +140,11 @@ SortOperand SortLevel::operandOf(const std::optional<ByteView>& value) const {
       operand.real = numberOfText(storedText(*value), decimal_comma_);
       break;
     case SortKind::kNumber:
-      if (type_ == kPopup) {
+      if (type_ == FieldType::kPopup) {
         operand.number = rankOf(*value);
-      } else if (type_ == kCheckBox) {
+      } else if (type_ == FieldType::kCheckBox) {
         operand.number = value->empty() ? 0 : value->front();
-      } else if (type_ == kTime) {
+      } else if (type_ == FieldType::kTime) {
         const TimeValue time = timeOfValue(*value);
         operand.number = time.second | time.minute << 8 | time.hour << 16;
       } else {

@@ -65,7 +65,7 @@ class SortLevel {
   std::int64_t rankOf(ByteView value) const;
 
   int slot_;
-  int type_;
+  FieldType type_;
   bool forward_;
   bool decimal_comma_;
   SortKind kind_;

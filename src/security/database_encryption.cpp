@@ -21,7 +21,7 @@ void forRecordsThatAre(bool enciphered, const Database& database, const std::siz
 std::size_t mostGrowth(const DatabaseRecord& schema) {
   std::size_t growth = sizeof(HeadBlock);
   for (const FieldDefinition& field : schema.fields) {
-    if (field.encrypt_flag != 0) growth += field.type == kNote ? kNoteSize : 2;
+    if (field.encrypt_flag != 0) growth += field.type == FieldType::kNote ? kNoteSize : 2;
   }
   return growth;
 }

@@ -6,48 +6,24 @@
 namespace tabelion {
 namespace {
 
-// The forms of a value, by what stands in front of its cipher text.
-enum class Form { kAsIs, kWhole, kLengthOfOneByte, kLengthOfTwoBytes, kLink, kNote };
-
-Form formOf(int type) {
-  switch (type) {
-    case kText:
-    case kFloat:
-    case kTextVariant:
-    case kCalculated:
-    case kText254:
-      return Form::kLengthOfOneByte;
-    case kLongText:
-      return Form::kLengthOfTwoBytes;
-    case kLinkField:
-      return Form::kLink;
-    case kNote:
-      return Form::kNote;
-    case kLookup:
-      return Form::kAsIs;
-    default:
-      return Form::kWhole;
-  }
-}
-
 constexpr std::size_t kCheckedNoteBytes = kNoteSize - 1;  // the last of a note takes no part
 
 // Bytes that stay in clear before the length of the text, and the width of that length.
-std::size_t clearHead(Form form) {
-  return form == Form::kLink ? kLinkHeadSize : 0;
+std::size_t clearHead(CipherForm form) {
+  return form == CipherForm::kLink ? kLinkHeadSize : 0;
 }
-std::size_t lengthWidth(Form form) {
-  return form == Form::kLengthOfTwoBytes ? 2 : 1;
+std::size_t lengthWidth(CipherForm form) {
+  return form == CipherForm::kLengthOfTwoBytes ? 2 : 1;
 }
 
 // Whether the value has no part that is enciphered.
-bool staysAsItIs(Form form, ByteView value) {
+bool staysAsItIs(CipherForm form, ByteView value) {
   switch (form) {
-    case Form::kAsIs:
+    case CipherForm::kAsIs:
       return true;
-    case Form::kNote:
+    case CipherForm::kNote:
       return value.empty() || value[0] == 0;
-    case Form::kLink:
+    case CipherForm::kLink:
       return value.size() <= kLinkHeadSize;
     default:
       return false;
@@ -62,7 +38,7 @@ std::size_t textLength(ByteView text) {
 }
 
 // Appends the enciphered form of a value and adds its clear bytes to the checksum.
-void putEnciphered(Bytes& into, Form form, ByteView value, const ExpandedKey& key,
+void putEnciphered(Bytes& into, CipherForm form, ByteView value, const ExpandedKey& key,
                    std::uint8_t& sum) {
   if (staysAsItIs(form, value)) {
     into.insert(into.end(), value.begin(), value.end());
@@ -71,9 +47,9 @@ void putEnciphered(Bytes& into, Form form, ByteView value, const ExpandedKey& ke
   const std::size_t begin = into.size();
   std::size_t first = begin;  // of the bytes to encipher
   std::size_t count = value.size();
-  if (form == Form::kWhole) {
+  if (form == CipherForm::kWhole) {
     into.insert(into.end(), value.begin(), value.end());
-  } else if (form == Form::kNote) {
+  } else if (form == CipherForm::kNote) {
     into.insert(into.end(), value.begin(), value.end());
     into.resize(begin + std::max(value.size(), kNoteSize));
     sum = static_cast<std::uint8_t>(sum + value[0]);
@@ -96,7 +72,7 @@ void putEnciphered(Bytes& into, Form form, ByteView value, const ExpandedKey& ke
 
 // The text behind its length, still enciphered. A length of one byte that agrees with the number
 // of bytes there are, modulo 256, means all of them.
-ByteView textBehindLength(Form form, ByteView value) {
+ByteView textBehindLength(CipherForm form, ByteView value) {
   const std::size_t at = clearHead(form);
   const std::size_t width = lengthWidth(form);
   if (value.size() < at + width) return {};
@@ -111,27 +87,27 @@ ByteView textBehindLength(Form form, ByteView value) {
 }
 
 // Behind a text its NUL; a number is as long as its area.
-void closeText(Bytes& into, int type, std::size_t length) {
-  if (length == 0 && type != kLinkField) return;
+void closeText(Bytes& into, FieldType type, std::size_t length) {
+  if (length == 0 && type != FieldType::kLinkField) return;
   into.push_back(0);
-  const bool is_number = type == kFloat || type == kCalculated;
+  const bool is_number = type == FieldType::kFloat || type == FieldType::kCalculated;
   if (is_number && length + 1 < kNumberTextSize)
     into.resize(into.size() + kNumberTextSize - length - 1);
 }
 
 // Appends the clear form of a value and adds it to the checksum.
-void putDeciphered(Bytes& into, int type, ByteView value, const ExpandedKey& key,
+void putDeciphered(Bytes& into, FieldType type, ByteView value, const ExpandedKey& key,
                    std::uint8_t& sum) {
-  const Form form = formOf(type);
+  const CipherForm form = traitsOf(type).cipher;
   const std::size_t begin = into.size();
   if (staysAsItIs(form, value)) {
     into.insert(into.end(), value.begin(), value.end());
     return;
   }
-  if (form == Form::kWhole || form == Form::kNote) {
+  if (form == CipherForm::kWhole || form == CipherForm::kNote) {
     into.insert(into.end(), value.begin(), value.end());
     auto enciphered = std::span(into).subspan(begin);
-    if (form == Form::kNote) {
+    if (form == CipherForm::kNote) {
       sum = static_cast<std::uint8_t>(sum + value[0]);
       enciphered = enciphered.first(std::min(enciphered.size(), kCheckedNoteBytes)).subspan(1);
     }
@@ -213,8 +189,8 @@ FlaggedFields::FlaggedFields(const DatabaseRecord& schema) : schema_(schema) {
 bool EncryptRecordFront(const FlaggedFields& flagged, ByteView record, const ExpandedKey& key,
                         const StampSource& new_stamp, RecordFront& into) {
   std::uint8_t sum = 0;
-  copyWithFlaggedValues(flagged, record, into, [&](Bytes& to, int type, ByteView value) {
-    putEnciphered(to, formOf(type), value, key, sum);
+  copyWithFlaggedValues(flagged, record, into, [&](Bytes& to, FieldType type, ByteView value) {
+    putEnciphered(to, traitsOf(type).cipher, value, key, sum);
   });
   if (!hasStamp(record)) stampRecord(into.bytes, new_stamp());
   if (isTooLong(into, record)) return false;
@@ -230,7 +206,7 @@ int DecryptRecordFront(const FlaggedFields& flagged, ByteView record, const Expa
   into.bytes.clear();
   if (!hasStamp(record)) return kHeaderUnreadable;
   std::uint8_t sum = 0;
-  copyWithFlaggedValues(flagged, record, into, [&](Bytes& to, int type, ByteView value) {
+  copyWithFlaggedValues(flagged, record, into, [&](Bytes& to, FieldType type, ByteView value) {
     putDeciphered(to, type, value, key, sum);
   });
   if (sum != record[1 + kStampChecksumOffset] || isTooLong(into, record)) {
@@ -267,9 +243,9 @@ std::vector<OverlongValue> OverlongValues(const DatabaseRecord& schema, ByteView
     const auto value = walker.next();
     if (!value) return found;
     const FieldDefinition& field = schema.fields[static_cast<std::size_t>(slot)];
-    const Form form = formOf(field.type);
+    const CipherForm form = traitsOf(field.type).cipher;
     if (field.encrypt_flag == 0 || staysAsItIs(form, *value) ||
-        (form != Form::kLengthOfOneByte && form != Form::kLink)) {
+        (form != CipherForm::kLengthOfOneByte && form != CipherForm::kLink)) {
       continue;
     }
     const std::size_t length = textLength(value->subspan(clearHead(form)));

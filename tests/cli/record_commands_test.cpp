@@ -116,7 +116,7 @@ TEST_F(RecordCommands, RefusedValuesChangeNothing) {
 TEST_F(RecordCommands, EncipheredValuesAreLeftAlone) {
   Database database;
   initSchema(database.schema);
-  for (std::size_t slot : {0, 1}) database.schema.fields[slot].type = kText;
+  for (std::size_t slot : {0, 1}) database.schema.fields[slot].type = FieldType::kText;
   setFieldName(database.schema.fields[0], "Open");
   setFieldName(database.schema.fields[1], "Secret");
   database.schema.fields[1].encrypt_flag = 1;

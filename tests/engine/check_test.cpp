@@ -13,8 +13,8 @@ namespace {
 class Check : public DatabaseFixture {
  protected:
   Check() {
-    addField(0, kText, "Name");
-    addField(1, kDate, "Day");
+    addField(0, FieldType::kText, "Name");
+    addField(1, FieldType::kDate, "Day");
     database.fields[0].items.resize(2);
     database.fields[0].items[0].text = "one";
     addText("first");

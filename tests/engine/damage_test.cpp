@@ -9,7 +9,7 @@ namespace {
 class Damage : public DatabaseFixture {
  protected:
   void SetUp() override {
-    addField(0, kText, "Name");
+    addField(0, FieldType::kText, "Name");
     for (int i = 0; i < 5; ++i) addText("record");
     database.fields[0].items.resize(2);
     database.fields[0].items[0].text = "one";

@@ -22,7 +22,7 @@ class DatabaseFixture : public ::testing::Test {
     database.path = kPath;
   }
 
-  void addField(int slot, int type, const std::string& name) {
+  void addField(int slot, FieldType type, const std::string& name) {
     FieldDefinition& field = database.schema.fields[static_cast<std::size_t>(slot)];
     field.type = type;
     setFieldName(field, name);

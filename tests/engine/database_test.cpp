@@ -35,7 +35,7 @@ TEST_F(Saving, StampsTheModificationDateInUtcAndMarksChanges) {
 }
 
 TEST_F(Saving, OpenedFileComesBackByteForByte) {
-  addField(0, kText, "Name");
+  addField(0, FieldType::kText, "Name");
   for (int i = 0; i < 50; ++i) addText("record " + std::to_string(i));
   for (std::size_t i = 0; i < 20; ++i) {
     database.records[static_cast<std::uint32_t>(i)].attributes = static_cast<std::uint8_t>(i);
@@ -79,7 +79,7 @@ TEST_F(Saving, OpenedFileComesBackByteForByte) {
 TEST_F(Saving, FailedWriteClearsTheDirtyFlag) {
   save();
   const Bytes old = file();
-  addField(0, kText, "Name");
+  addField(0, FieldType::kText, "Name");
   addText("lost?");
   files.read_only.insert(kPath);
   EXPECT_EQ(saveDatabase(database, engine), 0);
@@ -107,7 +107,7 @@ TEST_F(Opening, MissingFileAndForeignFileAreReported) {
 }
 
 TEST_F(Opening, UniqueIdsMapToListIndexesWithoutTheExtensionRecord) {
-  addField(0, kText, "Name");
+  addField(0, FieldType::kText, "Name");
   addText("a");
   addText("b");
   database.schema_unique_id = {9, 9, 9};
@@ -124,7 +124,7 @@ TEST_F(Opening, UniqueIdsMapToListIndexesWithoutTheExtensionRecord) {
 }
 
 TEST_F(Opening, StoredCurrentRecordAndPendingSortAreTakenUp) {
-  addField(0, kText, "Name");
+  addField(0, FieldType::kText, "Name");
   addText("a");
   addText("b");
   std::vector<std::string> steps;
@@ -153,8 +153,8 @@ TEST_F(Opening, StoredCurrentRecordAndPendingSortAreTakenUp) {
 }
 
 TEST_F(Opening, RowHeaderShowsAShadowOfTheSchema) {
-  addField(0, kText, "Name");
-  addField(1, kDate, "Born");
+  addField(0, FieldType::kText, "Name");
+  addField(1, FieldType::kDate, "Born");
   database.schema.display_order[0] = 1;
   database.schema.display_order[1] = 0;
   setRowHeader(database, true);

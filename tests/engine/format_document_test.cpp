@@ -18,9 +18,9 @@ class FormatDocument : public DatabaseFixture {
     clock.local_now = {.year = 2026, .month = 11, .day = 21, .hour = 9, .minute = 30};
     engine.random = [] { return 0x1234u; };
     initHeader("Films", database.header);
-    addField(0, kText, "Title");
-    addField(1, kPopup, "On");
-    addField(2, kCheckBox, "Seen");
+    addField(0, FieldType::kText, "Title");
+    addField(1, FieldType::kPopup, "On");
+    addField(2, FieldType::kCheckBox, "Seen");
     for (const char* text : {"Tape", "Disc"}) {
       PopupItem item;
       item.key[0] = static_cast<std::uint8_t>(text[0]);

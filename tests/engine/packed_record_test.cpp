@@ -80,24 +80,26 @@ TEST(PackedRecords, BytesThatMakeNoSlotAreKeptBehindTheEnd) {
 
 TEST(PackedRecords, ValuesUnpackByTheRuleOfTheirType) {
   FieldDefinition field;
-  const auto unpacked = [&field](int type, Bytes stored) {
+  const auto unpacked = [&field](FieldType type, Bytes stored) {
     field.type = type;
     field.width = 5;
     return unpackValue(field, stored);
   };
-  EXPECT_EQ(unpacked(kText, {'a', 'b'}), (Bytes{'a', 'b', 0, 0, 0, 0}));
-  EXPECT_EQ(unpacked(kText, {}), Bytes(6, 0));
-  EXPECT_EQ(unpacked(kText, {'1', '2', '3', '4', '5', '6', '7'}).size(), 6u);
-  EXPECT_EQ(unpacked(kDate, {1, 2}), (Bytes{1, 2, 0, 0})) << "short values read as padded";
-  EXPECT_EQ(unpacked(kNote, {0, 'x', 'y'}), Bytes(2001, 0));
-  EXPECT_EQ(unpacked(kNote, {'x', 0, 'y'})[2], 'y');
+  EXPECT_EQ(unpacked(FieldType::kText, {'a', 'b'}), (Bytes{'a', 'b', 0, 0, 0, 0}));
+  EXPECT_EQ(unpacked(FieldType::kText, {}), Bytes(6, 0));
+  EXPECT_EQ(unpacked(FieldType::kText, {'1', '2', '3', '4', '5', '6', '7'}).size(), 6u);
+  EXPECT_EQ(unpacked(FieldType::kDate, {1, 2}), (Bytes{1, 2, 0, 0}))
+      << "short values read as padded";
+  EXPECT_EQ(unpacked(FieldType::kNote, {0, 'x', 'y'}), Bytes(2001, 0));
+  EXPECT_EQ(unpacked(FieldType::kNote, {'x', 0, 'y'})[2], 'y');
   Bytes link(24, 7);
-  EXPECT_EQ(unpacked(kLinkField, link).size(), 280u);
-  EXPECT_EQ(unpacked(kLinkField, link)[24], 0);
+  EXPECT_EQ(unpacked(FieldType::kLinkField, link).size(), 280u);
+  EXPECT_EQ(unpacked(FieldType::kLinkField, link)[24], 0);
   link.insert(link.end(), {'h', 'i', 0});
-  EXPECT_EQ(unpacked(kLinkField, link)[25], 'i');
-  EXPECT_EQ(unpacked(kExternal, {1, 2, 3, 4, 5, 6}), (Bytes{1, 2, 3, 4, 5}));
-  for (const int type : {kUnused, kSeparator, kLookup}) EXPECT_TRUE(unpacked(type, {1}).empty());
+  EXPECT_EQ(unpacked(FieldType::kLinkField, link)[25], 'i');
+  EXPECT_EQ(unpacked(FieldType::kExternal, {1, 2, 3, 4, 5, 6}), (Bytes{1, 2, 3, 4, 5}));
+  for (const FieldType type : {FieldType::kUnused, FieldType::kSeparator, FieldType::kLookup})
+    EXPECT_TRUE(unpacked(type, {1}).empty());
 }
 
 }  // namespace

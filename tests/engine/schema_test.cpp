@@ -167,7 +167,7 @@ TEST(SchemaPlaces, SettingsOfAFieldComeBackAndKeepOutOfEachOthersWay) {
   EXPECT_EQ(linkSettings(field), link) << "a refused setting changes nothing";
 
   FieldDefinition formula_field;
-  formula_field.type = kCalculated;
+  formula_field.type = FieldType::kCalculated;
   StoredFormula formula;
   for (std::uint8_t i = 0; i < kMaxFormulaTokens; ++i) {
     formula.tokens.push_back(
@@ -192,14 +192,16 @@ TEST(SchemaPlaces, SettingsOfAFieldComeBackAndKeepOutOfEachOthersWay) {
 
 TEST(SchemaPlaces, CalculatedFieldsCountAsTheirResultKind) {
   FieldDefinition field;
-  field.type = kCalculated;
-  const int expected[] = {kFloat, kInteger, kTime, kDate, kFloat, kFloat, kFloat, kCalculated};
+  field.type = FieldType::kCalculated;
+  const FieldType expected[] = {FieldType::kFloat, FieldType::kInteger,   FieldType::kTime,
+                                FieldType::kDate,  FieldType::kFloat,     FieldType::kFloat,
+                                FieldType::kFloat, FieldType::kCalculated};
   for (std::uint8_t kind = 0; kind < 8; ++kind) {
     field.area_f[kResultKindOffset] = kind;
     EXPECT_EQ(effectiveType(field), expected[kind]) << int{kind};
   }
-  field.type = kText;
-  EXPECT_EQ(effectiveType(field), kText);
+  field.type = FieldType::kText;
+  EXPECT_EQ(effectiveType(field), FieldType::kText);
 }
 
 }  // namespace

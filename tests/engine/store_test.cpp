@@ -6,9 +6,9 @@ namespace {
 using Store = DatabaseFixture;
 
 TEST_F(Store, NewRecordsGetNumbersAndStamps) {
-  addField(0, kText, "Name");
-  addField(1, kAutoNumber, "No");
-  addField(2, kLinkedField, "Tasks");
+  addField(0, FieldType::kText, "Name");
+  addField(1, FieldType::kAutoNumber, "No");
+  addField(2, FieldType::kLinkedField, "Tasks");
   clock.local_now = {.year = 2026, .month = 11, .day = 21, .hour = 3, .minute = 7};
   ASSERT_EQ(addText("one"), 0u);
   ASSERT_EQ(addText("two"), 1u);

@@ -67,12 +67,13 @@ TEST_F(SchemaJson, ShortDescriptionMakesAWholeDatabase) {
             "cher");
   EXPECT_EQ(database.schema.fields[0].width, 30);
   EXPECT_EQ(database.schema.fields[0].column_width, 58);
-  EXPECT_EQ(database.schema.fields[1].type, kUnused);
+  EXPECT_EQ(database.schema.fields[1].type, FieldType::kUnused);
   EXPECT_EQ(fieldName(database.schema.fields[1]), "Field 2");
   ASSERT_EQ(database.fields[7].items.size(), 2u);
   EXPECT_EQ(database.fields[7].items[1].level(), 1);
   EXPECT_NE(database.fields[7].items[0].key, database.fields[7].items[1].key);
-  EXPECT_EQ(database.schema.fields[8].type, kDate) << "slots go on from the last one given";
+  EXPECT_EQ(database.schema.fields[8].type, FieldType::kDate)
+      << "slots go on from the last one given";
   EXPECT_EQ(fieldDefaultOption(database.schema.fields[8]), 2);
   EXPECT_EQ(schemaToJson(database, encoding()), json) << "and comes back as short";
 }
@@ -165,7 +166,9 @@ TEST_F(SchemaJson, AnyBytesOfASchemaSurviveTheWayThroughTheDescription) {
     }
     ASSERT_TRUE(readDatabaseRecord(bytes, database.schema));
     for (FieldDefinition& field : database.schema.fields) {
-      if (below(3) == 0) field.type = static_cast<int>(below(kExternal + 1));
+      if (below(3) == 0) {
+        field.type = FieldType{static_cast<std::int32_t>(below(19))};
+      }
     }
     for (FieldRecord& field : database.fields) {
       field.attributes = static_cast<std::uint8_t>(random());

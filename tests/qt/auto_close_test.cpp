@@ -41,8 +41,8 @@ void AutoCloseTest::whatIsOnTheScreenIsStoredAndEverythingCloses() {
   QFETCH(int, top);
   QFETCH(bool, menu);
   PhoneWorld world;
-  const std::string path =
-      world.add("Diary", {{"Title"}, {"Text", kNote}, {"Kind", kPopup}}, {{"Monday"}});
+  const std::string path = world.add(
+      "Diary", {{"Title"}, {"Text", FieldType::kNote}, {"Kind", FieldType::kPopup}}, {{"Monday"}});
   QtDialogs dialogs({{240, 320}, 1});
   Platform platform{world.files, world.clock,    world.locale, world.settings,
                     dialogs,     world.instance, "/samples"};

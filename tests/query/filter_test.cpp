@@ -71,50 +71,55 @@ TEST(Filter, ComparesTheStoredValueByType) {
     return RecordFilter(one.database, criteria, kSettings).passes(one.record);
   };
   FilterBlock criterion = criterionOn(0);
-  for (const int type : {1, 12, 14, 17}) {
-    EXPECT_TRUE(passes(OneField(type, bytesOf(std::string_view("\0", 1))), criterion)) << type;
-    EXPECT_FALSE(passes(OneField(type, bytesOf("a")), criterion)) << type;
+  for (const FieldType type :
+       {FieldType::kText, FieldType::kLongText, FieldType::kTextVariant, FieldType::kText254}) {
+    EXPECT_TRUE(passes(OneField(type, bytesOf(std::string_view("\0", 1))), criterion))
+        << codeOf(type);
+    EXPECT_FALSE(passes(OneField(type, bytesOf("a")), criterion)) << codeOf(type);
   }
   setAreaText(criterion.value1, "RIVER");
-  EXPECT_TRUE(passes(OneField(kText, bytesOf("by the River")), criterion));
-  EXPECT_FALSE(passes(OneField(kText, bytesOf(std::string_view("by\0the river", 12))), criterion));
+  EXPECT_TRUE(passes(OneField(FieldType::kText, bytesOf("by the River")), criterion));
+  EXPECT_FALSE(passes(OneField(FieldType::kText, bytesOf(std::string_view("by\0the river", 12))),
+                      criterion));
 
   // A link has a text only behind its head.
-  EXPECT_TRUE(passes(OneField(kLinkField, linkValue(5, "river")), criterion));
-  EXPECT_FALSE(passes(OneField(kLinkField, Bytes(24)), criterionOn(0)));
-  EXPECT_TRUE(passes(OneField(kLinkField, Bytes(25)), criterionOn(0)));
+  EXPECT_TRUE(passes(OneField(FieldType::kLinkField, linkValue(5, "river")), criterion));
+  EXPECT_FALSE(passes(OneField(FieldType::kLinkField, Bytes(24)), criterionOn(0)));
+  EXPECT_TRUE(passes(OneField(FieldType::kLinkField, Bytes(25)), criterionOn(0)));
 
   // Signed and unsigned.
   criterion = criterionOn(0);
   criterion.number1 = static_cast<std::uint32_t>(-5);
   criterion.number2 = 7;
-  EXPECT_TRUE(passes(OneField(kInteger, {0xFB, 0xFF, 0xFF, 0xFF}), criterion));
-  EXPECT_FALSE(passes(OneField(kAutoNumber, {0xFF, 0xFF, 0xFF, 0xFF}), criterion));
+  EXPECT_TRUE(passes(OneField(FieldType::kInteger, {0xFB, 0xFF, 0xFF, 0xFF}), criterion));
+  EXPECT_FALSE(passes(OneField(FieldType::kAutoNumber, {0xFF, 0xFF, 0xFF, 0xFF}), criterion));
 
   // A named range of days only in a date field; no date in its own.
   criterion = criterionOn(0);
   criterion.number1 = kNoDateRange;
-  EXPECT_TRUE(passes(OneField(kDate, Bytes(4)), criterion));
-  EXPECT_FALSE(passes(OneField(kDate, {1, 0, 0, 0}), criterion));
+  EXPECT_TRUE(passes(OneField(FieldType::kDate, Bytes(4)), criterion));
+  EXPECT_FALSE(passes(OneField(FieldType::kDate, {1, 0, 0, 0}), criterion));
 
   // No time is behind every time.
   criterion = criterionOn(0);
   criterion.value2 = {59, 59, 23};
-  EXPECT_TRUE(passes(OneField(kTime, {59, 59, 23, 7}), criterion));
-  EXPECT_FALSE(passes(OneField(kTime, {0, 0, kNoTimeHour, 0}), criterion));
+  EXPECT_TRUE(passes(OneField(FieldType::kTime, {59, 59, 23, 7}), criterion));
+  EXPECT_FALSE(passes(OneField(FieldType::kTime, {0, 0, kNoTimeHour, 0}), criterion));
   criterion.value2[2] = kNoTimeHour;
-  EXPECT_TRUE(passes(OneField(kTime, {0, 0, kNoTimeHour, 0}), criterion));
+  EXPECT_TRUE(passes(OneField(FieldType::kTime, {0, 0, kNoTimeHour, 0}), criterion));
 
   // Types that cannot be filtered let pass what has the field at all.
-  EXPECT_TRUE(passes(OneField(kNote, {0}), criterion));
-  EXPECT_FALSE(passes(OneField(kNote, {0}), criterionOn(1)));
-  EXPECT_FALSE(passes(OneField(kNote, {0}), criterionOn(300)));
+  EXPECT_TRUE(passes(OneField(FieldType::kNote, {0}), criterion));
+  EXPECT_FALSE(passes(OneField(FieldType::kNote, {0}), criterionOn(1)));
+  EXPECT_FALSE(passes(OneField(FieldType::kNote, {0}), criterionOn(300)));
 }
 
 // Fields of every kind that is compared in its own way, and their values as a test knows them.
-constexpr std::array<int, 13> kTypes = {
-    kText,       kInteger,    kFloat,      kPopup,     kCheckBox,   kDate, kTime,
-    kCalculated, kCalculated, kCalculated, kLinkField, kAutoNumber, kNote};
+constexpr std::array<FieldType, 13> kTypes = {
+    FieldType::kText,       FieldType::kInteger,    FieldType::kFloat,     FieldType::kPopup,
+    FieldType::kCheckBox,   FieldType::kDate,       FieldType::kTime,      FieldType::kCalculated,
+    FieldType::kCalculated, FieldType::kCalculated, FieldType::kLinkField, FieldType::kAutoNumber,
+    FieldType::kNote};
 constexpr std::array<int, 13> kKinds = {0, 0, 0, 0, 0, 0, 0, 1, 2, 5, 0, 0, 0};
 // Values and limits are a few small numbers, so that they meet.
 using Values = std::vector<int>;  // of the slots that the record has
@@ -129,24 +134,24 @@ Bytes textBytes(const std::string& text) {
   return bytes;
 }
 
-Bytes storedValue(int type, int number) {
+Bytes storedValue(FieldType type, int number) {
   const auto byte = static_cast<std::uint8_t>(number);
   switch (type) {
-    case kText:
+    case FieldType::kText:
       return textBytes(wordOf(number));
-    case kFloat:
-    case kCalculated:
+    case FieldType::kFloat:
+    case FieldType::kCalculated:
       return textBytes(std::to_string(number));
-    case kPopup: {
+    case FieldType::kPopup: {
       Bytes key(kPopupKeySize, 9);
       key.back() = byte;
       return key;
     }
-    case kCheckBox:
+    case FieldType::kCheckBox:
       return {byte};
-    case kTime:
+    case FieldType::kTime:
       return {byte, 0, 0, 0};
-    case kLinkField:
+    case FieldType::kLinkField:
       return linkValue(1, wordOf(number));
     default:
       return {byte, 0, 0, 0};
@@ -160,17 +165,17 @@ FilterBlock criterionBetween(std::size_t slot, int low, int high) {
   const auto put = [](std::array<std::uint8_t, 40>& area, const Bytes& bytes) {
     std::copy(bytes.begin(), bytes.end(), area.begin());
   };
-  const bool has_text = kTypes[slot] == kText || kTypes[slot] == kLinkField;
+  const bool has_text = kTypes[slot] == FieldType::kText || kTypes[slot] == FieldType::kLinkField;
   if (has_text) {
     put(criterion.value1, textBytes(lowerCaseText(wordOf(low))));
   } else if (kKinds[slot] == 2) {
-    put(criterion.value1, storedValue(kTime, low));
-    put(criterion.value2, storedValue(kTime, high));
+    put(criterion.value1, storedValue(FieldType::kTime, low));
+    put(criterion.value2, storedValue(FieldType::kTime, high));
   } else {
     put(criterion.value1, storedValue(kTypes[slot], low));
     put(criterion.value2, storedValue(kTypes[slot], high));
   }
-  if (kTypes[slot] == kDate) criterion.number1 = kCustomDateRange;
+  if (kTypes[slot] == FieldType::kDate) criterion.number1 = kCustomDateRange;
   return criterion;
 }
 
@@ -178,15 +183,15 @@ bool plainTest(const Values& values, std::size_t slot, int low, int high) {
   if (slot >= values.size()) return false;
   const int value = values[slot];
   switch (kTypes[slot]) {
-    case kText:
-    case kLinkField: {
+    case FieldType::kText:
+    case FieldType::kLinkField: {
       const std::string word = wordOf(low);
       return word.empty() ? wordOf(value).empty() : wordOf(value).find(word) != std::string::npos;
     }
-    case kPopup:
-    case kCheckBox:
+    case FieldType::kPopup:
+    case FieldType::kCheckBox:
       return value == low;
-    case kNote:
+    case FieldType::kNote:
       return true;
     default:
       return low <= value && value <= high;
@@ -244,7 +249,7 @@ RC_GTEST_PROP(Filter, IndexEqualsAPlainEvaluation, ()) {
 }
 
 TEST(Filter, LinkFilterComparesTheStoredForm) {
-  OneField one(kLinkedField, {7, 0, 0, 0});
+  OneField one(FieldType::kLinkedField, {7, 0, 0, 0});
   EXPECT_TRUE(RecordFilter(one.database, kSettings).passesEverything());
   LinkFilter link{0, "7"};
   EXPECT_TRUE(RecordFilter(one.database, kSettings, &link).passes(one.record));

@@ -42,31 +42,33 @@ RC_GTEST_PROP(TextCase, ContainsAnyCaseEqualsAPlainSearch, ()) {
 }
 
 TEST(Find, TextsAreFoldedAndEmptyOnesNeverFound) {
-  for (const int type : {kText, kText254, kLongText, kTextVariant}) {
+  for (const FieldType type :
+       {FieldType::kText, FieldType::kText254, FieldType::kLongText, FieldType::kTextVariant}) {
     const OneField one(type, bytesOf("By the River"));
-    EXPECT_TRUE(finds(one, "THE RIVER")) << type;
-    EXPECT_TRUE(finds(one, "BY", kBegins)) << type;
-    EXPECT_FALSE(finds(one, "river", kBegins)) << type;
-    EXPECT_FALSE(finds(one, "river", kCase)) << type;
-    EXPECT_TRUE(finds(one, "River", kCase)) << type;
-    EXPECT_FALSE(finds(OneField(type, {0}), "")) << type;
+    EXPECT_TRUE(finds(one, "THE RIVER")) << codeOf(type);
+    EXPECT_TRUE(finds(one, "BY", kBegins)) << codeOf(type);
+    EXPECT_FALSE(finds(one, "river", kBegins)) << codeOf(type);
+    EXPECT_FALSE(finds(one, "river", kCase)) << codeOf(type);
+    EXPECT_TRUE(finds(one, "River", kCase)) << codeOf(type);
+    EXPECT_FALSE(finds(OneField(type, {0}), "")) << codeOf(type);
     OneField encrypted(type, bytesOf("By the River"));
     encrypted.encrypt();
-    EXPECT_FALSE(finds(encrypted, "river")) << type;
+    EXPECT_FALSE(finds(encrypted, "river")) << codeOf(type);
   }
   // Behind 2000 characters a long text stands as it is.
-  const OneField longest(kLongText, bytesOf(std::string(1999, '.') + "AB"));
+  const OneField longest(FieldType::kLongText, bytesOf(std::string(1999, '.') + "AB"));
   EXPECT_FALSE(finds(longest, "AB"));
   EXPECT_TRUE(finds(longest, ".a"));
   EXPECT_TRUE(finds(longest, "AB", kCase));
 
-  EXPECT_TRUE(finds(OneField(kLinkField, linkValue(4, "River")), "river"));
-  EXPECT_FALSE(finds(OneField(kLinkField, Bytes(24)), ""));
-  for (const int type : {kUnused, kNote, kLinkedField, kSeparator, kExternal}) {
-    EXPECT_FALSE(finds(OneField(type, bytesOf("1")), "1")) << type;
+  EXPECT_TRUE(finds(OneField(FieldType::kLinkField, linkValue(4, "River")), "river"));
+  EXPECT_FALSE(finds(OneField(FieldType::kLinkField, Bytes(24)), ""));
+  for (const FieldType type : {FieldType::kUnused, FieldType::kNote, FieldType::kLinkedField,
+                               FieldType::kSeparator, FieldType::kExternal}) {
+    EXPECT_FALSE(finds(OneField(type, bytesOf("1")), "1")) << codeOf(type);
   }
 
-  OneField popup(kPopup, Bytes(kPopupKeySize, 0));
+  OneField popup(FieldType::kPopup, Bytes(kPopupKeySize, 0));
   popup.addItem(1, "Rowing");
   EXPECT_TRUE(finds(popup, "no value"));
   EXPECT_FALSE(finds(popup, "row"));
@@ -77,35 +79,35 @@ TEST(Find, TextsAreFoldedAndEmptyOnesNeverFound) {
 }
 
 TEST(Find, KeptOddities) {
-  const OneField minus(kInteger, {0xFB, 0xFF, 0xFF, 0xFF});
+  const OneField minus(FieldType::kInteger, {0xFB, 0xFF, 0xFF, 0xFF});
   EXPECT_FALSE(finds(minus, "-5"));
   EXPECT_TRUE(finds(minus, "5"));
   EXPECT_FALSE(finds(minus, "5", kBegins));
-  EXPECT_TRUE(finds(OneField(kAutoNumber, {112, 0, 0, 0}), "12"));
-  EXPECT_FALSE(finds(OneField(kInteger, Bytes(4)), ""));
+  EXPECT_TRUE(finds(OneField(FieldType::kAutoNumber, {112, 0, 0, 0}), "12"));
+  EXPECT_FALSE(finds(OneField(FieldType::kInteger, Bytes(4)), ""));
 
-  EXPECT_TRUE(finds(OneField(kCheckBox, {1}), "1"));
-  EXPECT_TRUE(finds(OneField(kCheckBox, {0}), "0"));
-  EXPECT_FALSE(finds(OneField(kCheckBox, {2}), "1"));
-  EXPECT_FALSE(finds(OneField(kCheckBox, {1}), ""));
+  EXPECT_TRUE(finds(OneField(FieldType::kCheckBox, {1}), "1"));
+  EXPECT_TRUE(finds(OneField(FieldType::kCheckBox, {0}), "0"));
+  EXPECT_FALSE(finds(OneField(FieldType::kCheckBox, {2}), "1"));
+  EXPECT_FALSE(finds(OneField(FieldType::kCheckBox, {1}), ""));
 
-  EXPECT_FALSE(finds(OneField(kFloat, bytesOf("1E5")), "1e5"));
-  EXPECT_TRUE(finds(OneField(kFloat, bytesOf("1e5")), "1E5"));
+  EXPECT_FALSE(finds(OneField(FieldType::kFloat, bytesOf("1E5")), "1e5"));
+  EXPECT_TRUE(finds(OneField(FieldType::kFloat, bytesOf("1e5")), "1E5"));
 
-  const OneField no_date(kDate, Bytes(4));
+  const OneField no_date(FieldType::kDate, Bytes(4));
   EXPECT_TRUE(finds(no_date, "No Date", kCase));
   EXPECT_FALSE(finds(no_date, "No Date"));
   EXPECT_FALSE(finds(no_date, "NO DATE", kCase));
-  const OneField date(kDate, {1, 0, 0, 0});
+  const OneField date(FieldType::kDate, {1, 0, 0, 0});
   EXPECT_TRUE(finds(date, "1/2/19", kBegins));
   EXPECT_FALSE(finds(date, "2 Jan"));
 
-  const OneField afternoon(kTime, {9, 5, 13, 0});
+  const OneField afternoon(FieldType::kTime, {9, 5, 13, 0});
   EXPECT_TRUE(finds(afternoon, "1:05:09PM", kCase));
   EXPECT_FALSE(finds(afternoon, "1:05:09PM"));
-  EXPECT_TRUE(finds(OneField(kTime, {0, 0, kNoTimeHour, 0}), "No Time", kCase));
+  EXPECT_TRUE(finds(OneField(FieldType::kTime, {0, 0, kNoTimeHour, 0}), "No Time", kCase));
 
-  OneField result(kCalculated, bytesOf("3600"));
+  OneField result(FieldType::kCalculated, bytesOf("3600"));
   EXPECT_TRUE(finds(result, "360"));
   result.field().area_f[kResultKindOffset] = 2;  // 0x0E10: minute 14, second 16
   EXPECT_TRUE(finds(result, "12:14:16"));
@@ -117,13 +119,14 @@ TEST(Find, KeptOddities) {
   const LookupText lookup = [](int, ByteView) { return std::string("Shown there"); };
   QuerySettings settings = kSettings;
   settings.lookup = &lookup;
-  EXPECT_TRUE(finds(OneField(kLookup, {}), "Shown", kCase, settings));
-  EXPECT_FALSE(finds(OneField(kLookup, {}), "Shown", kAny, settings));
+  EXPECT_TRUE(finds(OneField(FieldType::kLookup, {}), "Shown", kCase, settings));
+  EXPECT_FALSE(finds(OneField(FieldType::kLookup, {}), "Shown", kAny, settings));
 }
 
 RC_GTEST_PROP(Find, WalksEveryFieldOfEveryRecordThatPasses, ()) {
-  constexpr std::array<int, 8> kTypes = {kText, kInteger, kFloat,      kPopup,
-                                         kDate, kTime,    kCalculated, kNote};
+  constexpr std::array<FieldType, 8> kTypes = {
+      FieldType::kText, FieldType::kInteger, FieldType::kFloat,      FieldType::kPopup,
+      FieldType::kDate, FieldType::kTime,    FieldType::kCalculated, FieldType::kNote};
   Database database;
   initSchema(database.schema);
   for (std::size_t slot = 0; slot < kTypes.size(); ++slot) {

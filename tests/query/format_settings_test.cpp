@@ -54,7 +54,7 @@ TEST(FormatSettings, MatchingChoicesReadWhatTheLocaleShows) {
 // as files are read.
 TEST(FormatSettings, EditedDatesReadBackUnderEveryLocale) {
   FieldDefinition field;
-  field.type = kDate;
+  field.type = FieldType::kDate;
   for (const auto& [pattern, separator] : kDatePatterns) {
     const LocaleInfo locale = localeOf(pattern, separator);
     for (int format = -1; format < 7; ++format) {
@@ -73,7 +73,7 @@ TEST(FormatSettings, EditedDatesReadBackUnderEveryLocale) {
 
 TEST(FormatSettings, EditedTimesReadBackUnderEveryLocale) {
   FieldDefinition field;
-  field.type = kTime;
+  field.type = FieldType::kTime;
   for (const auto& [pattern, separator] : kTimePatterns) {
     for (const auto& [morning, afternoon] : kDesignators) {
       LocaleInfo locale = localeOf("M/d/yyyy", "/", pattern, separator);

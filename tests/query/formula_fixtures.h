@@ -48,14 +48,14 @@ struct FormulaDatabase {
   FormulaDatabase() { initSchema(database.schema); }
 
   FieldDefinition& field(int slot) { return database.schema.fields[std::size_t(slot)]; }
-  int addField(int type, std::string_view name = "") {
+  int addField(FieldType type, std::string_view name = "") {
     field(fields).type = type;
     if (!name.empty()) setFieldName(field(fields), name);
     return fields++;
   }
   int addFormula(Tokens tokens, int kind = 5, std::vector<std::string> constants = {},
                  std::string_view name = "") {
-    const int slot = addField(kCalculated, name);
+    const int slot = addField(FieldType::kCalculated, name);
     setFormula(slot, std::move(tokens), kind, std::move(constants));
     return slot;
   }

@@ -120,32 +120,32 @@ TEST(Formula, FieldsOfEveryTypeHaveANumber) {
   item.key[0] = 7;
   item.text = "12 months";
   std::vector<std::string> values;
-  const auto add = [&](int type, std::string value) {
+  const auto add = [&](FieldType type, std::string value) {
     values.push_back(std::move(value));
     return world.addField(type);
   };
   const std::vector<std::pair<int, double>> expected = {
-      {add(kText, "2.5 kg\0"s), 2.5},
-      {add(kInteger, "\xFE\xFF\xFF\xFF"s), -2},
-      {add(kFloat, "-12.50\0"s), -12.5},
-      {add(kPopup, "\x07"s + std::string(13, '\0')), 12},
-      {add(kPopup, std::string(14, '\0')), 0},
-      {add(kCheckBox, "\x05"s), 1},
-      {add(kLinkedField, "\xFE\xFF\xFF\xFF"s), 4294967294.0},
-      {add(kNote, "8\0"s), 0},
-      {add(kDate, "\x2C\x01\x00\x00"s), 300},
-      {add(kTime, "\x05\x02\x01\x00"s), 3725},
-      {add(kTime, "\x00\x00\xFF\x00"s), 0},
-      {add(kLinkField, "\x09\x00\x00\x00"s + std::string(20, '\0') + "4 doors\0"s), 9},
-      {add(kSeparator, ""), 0},
-      {add(kCalculated, "1e3\0"s), 1000},
-      {add(kText254, "17"), 17},
-      {add(kDate, ""), 0},
-      {add(kTime, ""), 0},
+      {add(FieldType::kText, "2.5 kg\0"s), 2.5},
+      {add(FieldType::kInteger, "\xFE\xFF\xFF\xFF"s), -2},
+      {add(FieldType::kFloat, "-12.50\0"s), -12.5},
+      {add(FieldType::kPopup, "\x07"s + std::string(13, '\0')), 12},
+      {add(FieldType::kPopup, std::string(14, '\0')), 0},
+      {add(FieldType::kCheckBox, "\x05"s), 1},
+      {add(FieldType::kLinkedField, "\xFE\xFF\xFF\xFF"s), 4294967294.0},
+      {add(FieldType::kNote, "8\0"s), 0},
+      {add(FieldType::kDate, "\x2C\x01\x00\x00"s), 300},
+      {add(FieldType::kTime, "\x05\x02\x01\x00"s), 3725},
+      {add(FieldType::kTime, "\x00\x00\xFF\x00"s), 0},
+      {add(FieldType::kLinkField, "\x09\x00\x00\x00"s + std::string(20, '\0') + "4 doors\0"s), 9},
+      {add(FieldType::kSeparator, ""), 0},
+      {add(FieldType::kCalculated, "1e3\0"s), 1000},
+      {add(FieldType::kText254, "17"), 17},
+      {add(FieldType::kDate, ""), 0},
+      {add(FieldType::kTime, ""), 0},
   };
   world.database.fields[3].items.push_back(item);
-  const int lookup = add(kLookup, "");
-  const int absent = world.addField(kInteger);
+  const int lookup = add(FieldType::kLookup, "");
+  const int absent = world.addField(FieldType::kInteger);
   const Bytes record = world.addRecord(values);
   const FormatSettings formats = isoSettings();
   const LookupText shown = [](int, ByteView) { return "6.5 miles"s; };
@@ -177,7 +177,7 @@ TEST(Formula, FieldsOfEveryTypeHaveANumber) {
 
 TEST(Formula, UseOfOtherRecordsIsSeenThroughEveryFieldReferredTo) {
   FormulaDatabase world;
-  const int amount = world.addField(kFloat);
+  const int amount = world.addField(FieldType::kFloat);
   const int balance = world.addFormula({previousOf(1), fieldOf(amount), op(2)});
   const int twice = world.addFormula({fieldOf(balance), constant(0), op(1)}, 5, {"2"});
   const int above = world.addFormula({fieldOf(twice), constant(0), op(10)}, 1, {"2"});

@@ -15,8 +15,8 @@ const std::vector<std::string> kNames = {"Price", "Quantity", "Warranty until", 
 
 struct Shop : FormulaDatabase {
   Shop() {
-    for (const std::string& name : kNames) addField(kFloat, name);
-    setFieldName(field(addField(kFloat)), "");
+    for (const std::string& name : kNames) addField(FieldType::kFloat, name);
+    setFieldName(field(addField(FieldType::kFloat)), "");
   }
   DatabaseRecord& schema() { return database.schema; }
 

@@ -42,7 +42,7 @@ struct OneField {
   UnpackedRecord unpacked;
   Bytes record;
 
-  OneField(int type, Bytes value) {
+  OneField(FieldType type, Bytes value) {
     initSchema(database.schema);
     field().type = type;
     unpacked.prefix.assign(23, 0);

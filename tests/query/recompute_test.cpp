@@ -18,7 +18,7 @@ struct Books {
 
 // Amount and balance: the balance is the one before plus the amount.
 struct Account : Books {
-  int amount = world.addField(kInteger, "Amount");
+  int amount = world.addField(FieldType::kInteger, "Amount");
   int balance = world.addFormula({previousOf(1), fieldOf(0), op(2)});
 
   std::vector<std::string> balances() const {
@@ -83,9 +83,9 @@ TEST(Recompute, ACorruptFormulaIsReportedForEachRecordAndStoresMinusOne) {
 TEST(Recompute, LeavesEverythingElseAsItIs) {
   Books books;
   const int twice = books.world.addFormula({fieldOf(1), fieldOf(1), op(2)}, 1);
-  const int amount = books.world.addField(kInteger);
+  const int amount = books.world.addField(FieldType::kInteger);
   const int triple = books.world.addFormula({fieldOf(0), fieldOf(1), op(2)}, 1);
-  const int text = books.world.addField(kText);
+  const int text = books.world.addField(FieldType::kText);
   const Bytes right = books.world.addRecord({"14\0\xEE"s, integer(7), "21\0"s, "kept\0"s});
   const Bytes wrong = books.world.addRecord({"1"s, integer(-7), "", "kept\0"s});
   const Bytes cut = books.world.addRecord({"14\0"s, integer(7)});
@@ -203,7 +203,7 @@ TEST(Recompute, StaleOrderIsPutRightBeforeOrAfter) {
   EXPECT_EQ(account.database.schema.sort_pending, 0);
 
   Books plain;
-  plain.world.addField(kInteger);
+  plain.world.addField(FieldType::kInteger);
   plain.database.schema.sort_pending = 1;
   recomputeAll(plain.database, plain.settings);
   EXPECT_EQ(plain.database.schema.sort_pending, 1) << "there is nothing to work out here";

@@ -19,10 +19,10 @@ struct Ledger {
   QuerySettings settings{.formats = isoSettings(), .now = clock.local(), .lookup = nullptr};
   FormulaDatabase world;
   Database& database = world.database;
-  int day = world.addField(kInteger);
-  int amount = world.addField(kInteger);
+  int day = world.addField(FieldType::kInteger);
+  int amount = world.addField(FieldType::kInteger);
   int balance = world.addFormula({previousOf(2), fieldOf(1), op(2)}, 1);
-  int serial = world.addField(kAutoNumber);
+  int serial = world.addField(FieldType::kAutoNumber);
   int twice = world.addFormula({fieldOf(3), fieldOf(3), op(2)}, 1);
 
   Ledger() { database.schema.sort[0] = {static_cast<std::uint8_t>(day), 1}; }
@@ -116,7 +116,7 @@ TEST(RecordChange, GroupsAreChosenByTheFilter) {
 TEST(RecordChange, DefaultsFillEmptyValuesButNoEncipheredOnes) {
   Ledger ledger;
   FieldDefinition& field = ledger.world.field(ledger.day);
-  field.type = kDate;
+  field.type = FieldType::kDate;
   setFieldDefaultOption(field, 2);
   UnpackedRecord record = newRecord(ledger.database.schema);
   fillDefaults(ledger.database.schema, record, {.year = 2024, .month = 2, .day = 29});

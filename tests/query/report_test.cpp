@@ -25,14 +25,14 @@ class Report : public ::testing::Test {
  protected:
   Report() { settings.formats = chosen(0); }
 
-  void fill(int type, const std::vector<Bytes>& values, int result_kind = 0) {
+  void fill(FieldType type, const std::vector<Bytes>& values, int result_kind = 0) {
     database.records.clear();
     initSchema(database.schema);
-    database.schema.fields[0].type = kText;
+    database.schema.fields[0].type = FieldType::kText;
     FieldDefinition& field = database.schema.fields[1];
     field.type = type;
     setFieldName(field, "F");
-    if (type == kCalculated) {
+    if (type == FieldType::kCalculated) {
       StoredFormula formula;
       formula.result_kind = static_cast<std::uint8_t>(result_kind);
       ASSERT_TRUE(setStoredFormula(field, formula));
@@ -57,70 +57,72 @@ class Report : public ::testing::Test {
 
 TEST_F(Report, ListsTheFieldsThatCanBeReported) {
   initSchema(database.schema);
-  for (int type = kText; type <= kExternal; ++type) {
-    database.schema.fields[static_cast<std::size_t>(type)].type = type;
+  for (int code = 1; code <= codeOf(kLastFieldType); ++code) {
+    database.schema.fields[static_cast<std::size_t>(code)].type = FieldType{code};
   }
   EXPECT_THAT(reportFields(database.schema),
-              ElementsAre(kInteger, kFloat, kCheckBox, kDate, kTime, kCalculated));
-  EXPECT_EQ(runReport(database, kText, settings), "");
+              ElementsAre(codeOf(FieldType::kInteger), codeOf(FieldType::kFloat),
+                          codeOf(FieldType::kCheckBox), codeOf(FieldType::kDate),
+                          codeOf(FieldType::kTime), codeOf(FieldType::kCalculated)));
+  EXPECT_EQ(runReport(database, codeOf(FieldType::kText), settings), "");
   EXPECT_EQ(runReport(database, -1, settings), "");
 }
 
 TEST_F(Report, IntegersAndTheirTotals) {
-  fill(kInteger, {number(1), number(2), number(2)});
+  fill(FieldType::kInteger, {number(1), number(2), number(2)});
   EXPECT_EQ(report(),
             "Report for F\r\n"
             "Number of Entries:\r\n\t3\r\nMinimum Value:\r\n\t1\r\nMaximum Value:\r\n\t2\r\n"
             "Sum:\r\n\t\t5\r\nMinimum Total:\r\n\t1\r\nMaximum Total:\r\n\t5\r\n"
             "Average:\r\n\t\t2");
-  fill(kInteger, {number(-5), number(10), {}});
+  fill(FieldType::kInteger, {number(-5), number(10), {}});
   EXPECT_THAT(report(), HasSubstr("Number of Entries:\r\n\t3\r\n")) << "no value counts as 0";
   EXPECT_THAT(report(), HasSubstr("Minimum Total:\r\n\t-5\r\nMaximum Total:\r\n\t5\r\n"));
-  fill(kInteger, {number(-1), number(-2), number(-2)});
+  fill(FieldType::kInteger, {number(-1), number(-2), number(-2)});
   EXPECT_THAT(report(), EndsWith("Average:\r\n\t\t-1")) << "towards zero";
-  fill(kInteger, std::vector<Bytes>(3, number(INT32_MAX)));
+  fill(FieldType::kInteger, std::vector<Bytes>(3, number(INT32_MAX)));
   EXPECT_THAT(report(), HasSubstr("Sum:\r\n\t\t6442450941\r\n")) << "64 bits";
-  fill(kCalculated, {bytesOf("12"), bytesOf("-4"), bytesOf("Error!")}, 1);
+  fill(FieldType::kCalculated, {bytesOf("12"), bytesOf("-4"), bytesOf("Error!")}, 1);
   EXPECT_THAT(report(), HasSubstr("Minimum Value:\r\n\t-4\r\nMaximum Value:\r\n\t12\r\n"));
 }
 
 TEST_F(Report, ExtremesStartWhereTheyAlwaysDid) {
-  fill(kInteger, {number(3000000)});
+  fill(FieldType::kInteger, {number(3000000)});
   EXPECT_THAT(report(),
               HasSubstr("Minimum Value:\r\n\t2000000\r\nMaximum Value:\r\n\t3000000\r\n"));
   EXPECT_THAT(report(), HasSubstr("Minimum Total:\r\n\t2000000\r\n"));
-  fill(kFloat, {bytesOf("-3e6")});
+  fill(FieldType::kFloat, {bytesOf("-3e6")});
   EXPECT_THAT(report(), HasSubstr("Maximum Value:\r\n\t-2000000\r\n"));
-  fill(kDate, {{0, 0, 0, 0}});
+  fill(FieldType::kDate, {{0, 0, 0, 0}});
   EXPECT_THAT(report(), EndsWith("Minimum Value:\r\n\t11/22/2040\r\nMaximum Value:\r\n\tNO DATE\r\n"
                                  "Days Spanned:\r\n\t-50000"));
-  fill(kDate, {number(51000)});
+  fill(FieldType::kDate, {number(51000)});
   EXPECT_THAT(report(), HasSubstr("Minimum Value:\r\n\t11/22/2040\r\n")) << "later dates";
   EXPECT_THAT(report(), EndsWith("Days Spanned:\r\n\t1000"));
 }
 
 TEST_F(Report, NoRecords) {
-  fill(kInteger, {});
+  fill(FieldType::kInteger, {});
   EXPECT_EQ(report(),
             "Report for F\r\n"
             "Number of Entries:\r\n\t0\r\nMinimum Value:\r\n\t0\r\nMaximum Value:\r\n\t0\r\n"
             "Sum:\r\n\t\t0\r\nMinimum Total:\r\n\t2000000\r\nMaximum Total:\r\n\t-2000000\r\n"
             "Average:\r\n\t\t0");
-  fill(kFloat, {});
+  fill(FieldType::kFloat, {});
   EXPECT_THAT(report(), HasSubstr("Minimum Value:\r\n\t0\r\nMaximum Value:\r\n\t0\r\n"));
   EXPECT_THAT(report(), EndsWith("Average:\r\n\t0"));
-  fill(kCheckBox, {});
+  fill(FieldType::kCheckBox, {});
   EXPECT_THAT(report(), EndsWith("Percentage Checked:\r\n\t 0.00\r\n"
                                  "Percentage Not-Checked:\r\n\t100.00\r\n"));
-  fill(kDate, {});
+  fill(FieldType::kDate, {});
   EXPECT_THAT(report(), EndsWith("Days Spanned:\r\n\t0"));
-  fill(kTime, {});
+  fill(FieldType::kTime, {});
   EXPECT_THAT(report(), EndsWith("Minimum Value:\r\n\t12:00:00AM\r\nMaximum Value:\r\n\t12:00:00AM"
                                  "\r\nAverage Time:\r\n\t12:00:00AM\r\nTotal Time:\t12:00:00AM"));
 }
 
 TEST_F(Report, FloatsHaveTheFieldsDecimalsAndTheUsersComma) {
-  fill(kFloat, {bytesOf("1.5"), bytesOf("-2"), bytesOf("abc")});
+  fill(FieldType::kFloat, {bytesOf("1.5"), bytesOf("-2"), bytesOf("abc")});
   setFieldDecimals(database.schema.fields[1], 2);
   settings.formats = chosen(0, 0, true);
   EXPECT_EQ(report(),
@@ -131,15 +133,15 @@ TEST_F(Report, FloatsHaveTheFieldsDecimalsAndTheUsersComma) {
   const std::pair<int, const char*> kinds[] = {
       {0, "2,5000"}, {4, "2,500"}, {5, "2,50"}, {6, "2,5"}};
   for (const auto& [kind, text] : kinds) {
-    fill(kCalculated, {bytesOf("2,5")}, kind);
+    fill(FieldType::kCalculated, {bytesOf("2,5")}, kind);
     EXPECT_THAT(report(), EndsWith(std::string("\t") + text)) << kind;
   }
-  fill(kCalculated, {bytesOf("2.5")}, 9);
+  fill(FieldType::kCalculated, {bytesOf("2.5")}, 9);
   EXPECT_EQ(report(), "") << "a result of no kind";
 }
 
 TEST_F(Report, ChecksAndTheirPercentages) {
-  fill(kCheckBox, {{1}, {0}, {}});
+  fill(FieldType::kCheckBox, {{1}, {0}, {}});
   EXPECT_THAT(report(), EndsWith("Items Checked:\r\n\t1\r\nItems Not-Checked:\r\n\t2\r\n"
                                  "Percentage Checked:\r\n\t33.33\r\n"
                                  "Percentage Not-Checked:\r\n\t66.67\r\n"));
@@ -148,21 +150,21 @@ TEST_F(Report, ChecksAndTheirPercentages) {
 }
 
 TEST_F(Report, TimesAndTheirTotal) {
-  fill(kTime, {timeBytes(13, 0, 59), timeBytes(12, 0)});
+  fill(FieldType::kTime, {timeBytes(13, 0, 59), timeBytes(12, 0)});
   EXPECT_EQ(report(),
             "Report for F\r\nNumber of Entries:\r\n\t2\r\nMinimum Value:\r\n\t12:00:00PM\r\n"
             "Maximum Value:\r\n\t1:00:00PM\r\nAverage Time:\r\n\t12:30:00PM\r\n"
             "Total Time:\r\n\t1 Day(s), 1:00:00AM")
       << "seconds are not read";
-  fill(kTime, {timeBytes(255, 0)});
+  fill(FieldType::kTime, {timeBytes(255, 0)});
   EXPECT_EQ(reportFigures(database, 1, settings).whole.sum, 918000);
   EXPECT_THAT(report(), HasSubstr("Maximum Value:\r\n\tNo Time\r\n"));
-  fill(kCalculated, {bytesOf("5400"), bytesOf("600")}, 2);
+  fill(FieldType::kCalculated, {bytesOf("5400"), bytesOf("600")}, 2);
   EXPECT_THAT(report(), EndsWith("Total Time:\t1:40:00AM")) << "durations read as times";
 }
 
 TEST_F(Report, EncipheredAndFilteredRecordsAndAbsentFields) {
-  fill(kInteger, {number(7), number(9)});
+  fill(FieldType::kInteger, {number(7), number(9)});
   database.schema.fields[1].encrypt_flag = 1;
   UnpackedRecord enciphered;
   enciphered.prefix.assign(23, 0);
@@ -198,7 +200,7 @@ TEST_F(Report, DatesAndTimesAreReadAsTheyAreShown) {
     for (int choice = 0; choice < 7; ++choice) {
       settings.formats = makeFormatSettings({choice, choice, false}, locale);
       for (const std::uint32_t day : days) {
-        fill(kDate, {number(day), number(day)});
+        fill(FieldType::kDate, {number(day), number(day)});
         const CalendarDate read = dateOfText(dateText(day, settings.formats), settings.formats);
         const std::uint32_t expected = daysSince1904(read.month, read.day, read.year);
         EXPECT_EQ(reportFigures(database, 1, settings).whole.sum, std::int64_t{expected} * 2)
@@ -213,7 +215,7 @@ TEST_F(Report, DatesAndTimesAreReadAsTheyAreShown) {
         const TypedTime read = timeOfText(timeText(time, settings.formats), settings.formats);
         seconds += (read.hour * 60 + read.minute) * 60;
       }
-      fill(kTime, values);
+      fill(FieldType::kTime, values);
       EXPECT_EQ(reportFigures(database, 1, settings).whole.sum, seconds)
           << locale.time_pattern << " by " << choice;
     }

@@ -15,8 +15,11 @@ class SortFields : public testing::Test {
  protected:
   SortFields() {
     initSchema(database.schema);
-    const std::initializer_list<std::pair<const char*, int>> fields = {
-        {"Name", kText}, {"Remarks", kNote}, {"Born", kDate}, {"Total", kCalculated}};
+    const std::initializer_list<std::pair<const char*, FieldType>> fields = {
+        {"Name", FieldType::kText},
+        {"Remarks", FieldType::kNote},
+        {"Born", FieldType::kDate},
+        {"Total", FieldType::kCalculated}};
     for (std::size_t i = 0; const auto& [name, type] : fields) {
       database.schema.fields[i].type = type;
       setFieldName(database.schema.fields[i++], name);
@@ -33,14 +36,18 @@ class SortFields : public testing::Test {
 
 TEST_F(SortFields, RefusalsNameTheField) {
   EXPECT_EQ(sortRefusal(database, 1), "This type of field (Remarks) cannot currently be sorted!");
-  for (const int type : {kUnused, kLinkedField, kSeparator, kExternal}) {
+  for (const FieldType type :
+       {FieldType::kUnused, FieldType::kLinkedField, FieldType::kSeparator, FieldType::kExternal}) {
     database.schema.fields[0].type = type;
     EXPECT_EQ(sortRefusal(database, 0), "This type of field (Name) cannot currently be sorted!");
   }
-  for (const int type : {kText, kInteger, kFloat, kPopup, kCheckBox, kAutoNumber, kDate, kTime,
-                         kLinkField, kLongText, kTextVariant, kLookup, kText254}) {
+  for (const FieldType type :
+       {FieldType::kText, FieldType::kInteger, FieldType::kFloat, FieldType::kPopup,
+        FieldType::kCheckBox, FieldType::kAutoNumber, FieldType::kDate, FieldType::kTime,
+        FieldType::kLinkField, FieldType::kLongText, FieldType::kTextVariant, FieldType::kLookup,
+        FieldType::kText254}) {
     database.schema.fields[0].type = type;
-    EXPECT_TRUE(isSortable(database, 0)) << type;
+    EXPECT_TRUE(isSortable(database, 0)) << codeOf(type);
   }
   EXPECT_TRUE(isSortable(database, 3));
   setFormula({{kFieldToken, static_cast<std::uint8_t>(-3)}});  // the date of the record before

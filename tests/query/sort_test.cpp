@@ -19,7 +19,7 @@ struct Table {
   Database database;
   FormatSettings formats = chosen(0);
 
-  explicit Table(const std::vector<int>& types) {
+  explicit Table(const std::vector<FieldType>& types) {
     initSchema(database.schema);
     for (std::size_t i = 0; i < types.size(); ++i) database.schema.fields[i].type = types[i];
   }
@@ -55,7 +55,7 @@ struct Table {
   }
 };
 
-Table oneColumn(int type, const std::vector<Bytes>& values) {
+Table oneColumn(FieldType type, const std::vector<Bytes>& values) {
   Table table({type});
   for (const Bytes& value : values) table.add({value});
   table.level(0, 0);
@@ -104,26 +104,26 @@ T pick(std::initializer_list<T> values) {
 }
 
 // A value of the type, out of few so that many are equal.
-Bytes someValue(int type, bool far_apart) {
+Bytes someValue(FieldType type, bool far_apart) {
   switch (type) {
-    case kInteger:
-    case kDate:
+    case FieldType::kInteger:
+    case FieldType::kDate:
       return number(far_apart ? pick({2000000000, -2000000000, -2147483647 - 1, 0, 147483648})
                               : *rc::gen::inRange(-3, 9));
-    case kFloat:
-    case kCalculated:
+    case FieldType::kFloat:
+    case FieldType::kCalculated:
       return bytesOf(pick({"", "-0", "0", "12.5", "-3.25", "9", "1e300", "words", "12.25"}));
-    case kPopup: {
+    case FieldType::kPopup: {
       Bytes key(kPopupKeySize, 0);
       key[0] = static_cast<std::uint8_t>(*rc::gen::inRange(0, 5));
       return key;
     }
-    case kCheckBox:
+    case FieldType::kCheckBox:
       return {static_cast<std::uint8_t>(*rc::gen::inRange(0, 3))};
-    case kTime:
+    case FieldType::kTime:
       return {static_cast<std::uint8_t>(*rc::gen::inRange(0, 3)), 7,
               pick<std::uint8_t>({0, 23, 255}), 9};
-    case kLinkField: {
+    case FieldType::kLinkField: {
       Bytes link(pick<std::size_t>({0, 24, 25, 24}), 0);
       if (link.size() == 25)
         link.insert(link.begin() + 24, static_cast<std::uint8_t>(pick({'a', 'B'})));
@@ -136,10 +136,12 @@ Bytes someValue(int type, bool far_apart) {
 }
 
 Table someTable() {
-  std::vector<int> types;
+  std::vector<FieldType> types;
   for (int i = 0; i < 4; ++i) {
-    types.push_back(pick<int>({kText, kInteger, kFloat, kPopup, kCheckBox, kDate, kTime, kLinkField,
-                               kLongText, kCalculated, kNote}));
+    types.push_back(pick<FieldType>({FieldType::kText, FieldType::kInteger, FieldType::kFloat,
+                                     FieldType::kPopup, FieldType::kCheckBox, FieldType::kDate,
+                                     FieldType::kTime, FieldType::kLinkField, FieldType::kLongText,
+                                     FieldType::kCalculated, FieldType::kNote}));
   }
   Table table(types);
   for (std::size_t i = 0; i < types.size(); ++i) {
@@ -172,16 +174,16 @@ Table someTable() {
 
 TEST(Sort, TextsNumbersAndChoicesCompareByWhatTheySay) {
   using namespace std::string_literals;
-  Table texts = oneColumn(kText, {bytesOf("zeta"), bytesOf("Eta\0zzz"s), bytesOf("eta"),
-                                  bytesOf("\xC9ta"), bytesOf("etage")});
+  Table texts = oneColumn(FieldType::kText, {bytesOf("zeta"), bytesOf("Eta\0zzz"s), bytesOf("eta"),
+                                             bytesOf("\xC9ta"), bytesOf("etage")});
   EXPECT_EQ(texts.compare(1, 2), 0);
   EXPECT_EQ(texts.compare(0, 1), 1);
   EXPECT_EQ(texts.compare(0, 1, false), -1);
   EXPECT_EQ(texts.compare(3, 0), 1);  // bytes above the letters are not folded
   EXPECT_EQ(texts.compare(2, 4), -1);
 
-  Table numbers =
-      oneColumn(kFloat, {bytesOf("9"), bytesOf("10,5"), bytesOf("x"), bytesOf("10.2"), {}});
+  Table numbers = oneColumn(FieldType::kFloat,
+                            {bytesOf("9"), bytesOf("10,5"), bytesOf("x"), bytesOf("10.2"), {}});
   EXPECT_EQ(numbers.compare(2, 4), 0);  // what is no number is 0
   EXPECT_EQ(numbers.compare(0, 1), -1);
   EXPECT_EQ(numbers.compare(1, 3), -1);
@@ -190,12 +192,12 @@ TEST(Sort, TextsNumbersAndChoicesCompareByWhatTheySay) {
 
   for (const auto& [kind, expected] :
        {std::pair{0, -1}, {1, 0}, {2, 0}, {3, 0}, {4, -1}, {6, -1}}) {
-    Table results = oneColumn(kCalculated, {bytesOf("7.25"), bytesOf("7.5")});
+    Table results = oneColumn(FieldType::kCalculated, {bytesOf("7.25"), bytesOf("7.5")});
     results.database.schema.fields[0].area_f[kResultKindOffset] = static_cast<std::uint8_t>(kind);
     EXPECT_EQ(results.compare(0, 1), expected) << kind;
   }
 
-  Table places = oneColumn(kPopup, {Bytes(14, 1), Bytes(14, 2), Bytes(14, 3)});
+  Table places = oneColumn(FieldType::kPopup, {Bytes(14, 1), Bytes(14, 2), Bytes(14, 3)});
   for (const auto& [key, text] : {std::pair{1, "rome"}, {2, "Oslo"}}) {
     PopupItem item;
     item.key.fill(static_cast<std::uint8_t>(key));
@@ -204,17 +206,18 @@ TEST(Sort, TextsNumbersAndChoicesCompareByWhatTheySay) {
   }
   EXPECT_EQ(places.sorted(), (std::vector<int>{2, 1, 0}));  // "No Value", "Oslo", "rome"
 
-  Table boxes = oneColumn(kCheckBox, {{1}, {0}, {2}, {}});
+  Table boxes = oneColumn(FieldType::kCheckBox, {{1}, {0}, {2}, {}});
   EXPECT_EQ(boxes.compare(0, 1), 1);
   EXPECT_EQ(boxes.compare(0, 2), -1);
   EXPECT_EQ(boxes.compare(1, 3), 0);
-  for (const int type : {kNote, kLinkedField, kLookup, kExternal}) {
-    EXPECT_EQ(oneColumn(type, {{1, 0, 0, 0}, {2, 0, 0, 0}}).compare(0, 1), 0) << type;
+  for (const FieldType type :
+       {FieldType::kNote, FieldType::kLinkedField, FieldType::kLookup, FieldType::kExternal}) {
+    EXPECT_EQ(oneColumn(type, {{1, 0, 0, 0}, {2, 0, 0, 0}}).compare(0, 1), 0) << codeOf(type);
   }
 }
 
 TEST(Sort, IntegersFarApartOrderTheWrongWayRound) {
-  for (const int type : {kInteger, kAutoNumber, kDate}) {
+  for (const FieldType type : {FieldType::kInteger, FieldType::kAutoNumber, FieldType::kDate}) {
     Table table = oneColumn(type, {number(-2000000000), number(2000000000)});
     EXPECT_EQ(table.sorted(), (std::vector<int>{1, 0}));
     table.level(0, 0, false);
@@ -227,11 +230,12 @@ TEST(Sort, IntegersFarApartOrderTheWrongWayRound) {
 }
 
 TEST(Sort, NoTimeComesLastAndNoLinkFirst) {
-  Table times = oneColumn(kTime, {{0, 0, 255, 0}, {59, 59, 23, 0}, {0, 1, 0, 0}, {9, 0, 0, 200}});
+  Table times =
+      oneColumn(FieldType::kTime, {{0, 0, 255, 0}, {59, 59, 23, 0}, {0, 1, 0, 0}, {9, 0, 0, 200}});
   EXPECT_EQ(times.sorted(), (std::vector<int>{3, 2, 1, 0}));
   Bytes empty_text(25, 0);
   Bytes anna(25, 'a');
-  Table links = oneColumn(kLinkField, {anna, empty_text, Bytes(24, 9), {}});
+  Table links = oneColumn(FieldType::kLinkField, {anna, empty_text, Bytes(24, 9), {}});
   EXPECT_EQ(links.compare(2, 3), 0);
   EXPECT_EQ(links.compare(2, 1), -1);
   EXPECT_EQ(links.compare(1, 0), -1);
@@ -239,7 +243,7 @@ TEST(Sort, NoTimeComesLastAndNoLinkFirst) {
 }
 
 TEST(Sort, ARecordWithoutTheFieldIsBeforeAnother) {
-  Table table({kText, kText});
+  Table table({FieldType::kText, FieldType::kText});
   for (const Slots& slots : {Slots{}, {bytesOf("a")}, {}}) table.add(slots);
   for (const bool forward : {true, false}) {
     EXPECT_EQ(table.compare(0, 1, forward), -1);
@@ -251,7 +255,7 @@ TEST(Sort, ARecordWithoutTheFieldIsBeforeAnother) {
 
 TEST(Sort, LevelsEndAtTheFirstWithoutAField) {
   const auto sortedBy = [](std::array<int, 3> levels) {
-    Table table({kInteger, kInteger, kInteger});
+    Table table({FieldType::kInteger, FieldType::kInteger, FieldType::kInteger});
     table.add({number(1), number(5), number(2)});
     table.add({number(1), number(5), number(1)});
     table.add({number(0), number(9), number(9)});
@@ -264,7 +268,7 @@ TEST(Sort, LevelsEndAtTheFirstWithoutAField) {
   };
   EXPECT_EQ(sortedBy({0, 1, 2}), (std::vector<int>{2, 1, 0}));
   EXPECT_EQ(sortedBy({-1, 0, 2}), (std::vector<int>{0, 1, 2}));
-  Table level_three({kInteger, kInteger});
+  Table level_three({FieldType::kInteger, FieldType::kInteger});
   level_three.add({number(1), number(2)});
   level_three.add({number(1), number(1)});
   level_three.level(0, 0);
@@ -276,7 +280,8 @@ TEST(Sort, LevelsEndAtTheFirstWithoutAField) {
 }
 
 TEST(Sort, WithoutAFirstLevelASavedRecordStaysUnlessALowerOneIsSet) {
-  Table table = oneColumn(kInteger, {number(1), number(2), number(2), number(3), number(2)});
+  Table table =
+      oneColumn(FieldType::kInteger, {number(1), number(2), number(2), number(3), number(2)});
   table.level(0, -1);
   EXPECT_EQ(replaceInOrder(table.database, 2, table.formats), 2u);
   table.level(1, 0);  // a lower level alone compares nothing, and yet the record moves
@@ -286,14 +291,14 @@ TEST(Sort, WithoutAFirstLevelASavedRecordStaysUnlessALowerOneIsSet) {
 // Every record lacks the field that was just added, so each is before each other. A scan for every
 // pivot would take minutes here.
 TEST(Sort, AFieldThatNoRecordHasYetTakesNoTime) {
-  Table table({kCheckBox, kText});
+  Table table({FieldType::kCheckBox, FieldType::kText});
   for (int i = 0; i < kMaxRecords; ++i) table.add({Bytes{static_cast<std::uint8_t>(i % 3 == 0)}});
   table.level(0, 0);
   table.level(1, 1);
   std::vector<int> order = table.sorted();
   std::sort(order.begin(), order.end());
   EXPECT_EQ(std::unique(order.begin(), order.end()) - order.begin(), kMaxRecords);
-  Table few({kCheckBox, kText});
+  Table few({FieldType::kCheckBox, FieldType::kText});
   for (int i = 0; i < 500; ++i) few.add({Bytes{static_cast<std::uint8_t>(i % 3 == 0)}});
   few.level(0, 0);
   few.level(1, 1);

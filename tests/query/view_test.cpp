@@ -16,8 +16,9 @@ class ViewTest : public ::testing::Test {
  protected:
   ViewTest() {
     initSchema(database.schema);
-    const std::pair<const char*, int> fields[] = {
-        {"Name", kText}, {"Amount", kInteger}, {"Paid", kCheckBox}};
+    const std::pair<const char*, FieldType> fields[] = {{"Name", FieldType::kText},
+                                                        {"Amount", FieldType::kInteger},
+                                                        {"Paid", FieldType::kCheckBox}};
     for (std::size_t slot = 0; slot < std::size(fields); ++slot) {
       setFieldName(database.schema.fields[slot], fields[slot].first);
       database.schema.fields[slot].type = fields[slot].second;

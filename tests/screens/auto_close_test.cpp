@@ -16,7 +16,8 @@ class AutoClose : public testing::Test {
   void SetUp() override {
     app.preferences.auto_close_enabled = true;
     app.preferences.auto_close_period_ms = 60000;
-    path = world.add("Diary", {{"Title"}, {"Text", kNote}, {"At", kTime}}, {{"Monday"}});
+    path = world.add("Diary", {{"Title"}, {"Text", FieldType::kNote}, {"At", FieldType::kTime}},
+                     {{"Monday"}});
   }
   static auto timerRuns(bool expected) {
     return [expected](FakeDialog& dialog) {

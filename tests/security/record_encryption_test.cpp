@@ -25,12 +25,13 @@ Bytes bytesOf(std::string_view text, std::size_t zeros = 1) {
   return bytes;
 }
 
-bool isText(int type) {
-  return type == kText || type == kLongText || type == kTextVariant || type == kText254;
+bool isText(FieldType type) {
+  return type == FieldType::kText || type == FieldType::kLongText ||
+         type == FieldType::kTextVariant || type == FieldType::kText254;
 }
 
 // A value in the form in which records store it.
-rc::Gen<Bytes> storedValue(int type) {
+rc::Gen<Bytes> storedValue(FieldType type) {
   const auto text =
       rc::gen::nonEmpty(rc::gen::container<std::string>(rc::gen::inRange('\x01', '\x7f')));
   if (isText(type)) {
@@ -38,19 +39,19 @@ rc::Gen<Bytes> storedValue(int type) {
                           rc::gen::map(text, [](const std::string& t) { return bytesOf(t); }));
   }
   switch (type) {
-    case kFloat:
-    case kCalculated:
+    case FieldType::kFloat:
+    case FieldType::kCalculated:
       return rc::gen::map(text, [](std::string t) {
         t.resize(std::min<std::size_t>(t.size(), kNumberTextSize - 1));
         return bytesOf(t, kNumberTextSize - t.size());
       });
-    case kNote:
+    case FieldType::kNote:
       return rc::gen::map(text, [](const std::string& t) {
         Bytes note = bytesOf(t, kNoteSize - t.size());
         note.back() = 9;  // takes no part, and stays
         return note;
       });
-    case kLinkField:
+    case FieldType::kLinkField:
       return rc::gen::map(
           text, [](const std::string& t) { return bytesOf(std::string(kLinkHeadSize, 'k') + t); });
     default:
@@ -72,7 +73,7 @@ Case makeCase(bool canonical) {
   const int slots = *rc::gen::inRange(0, 12);
   for (int i = 0; i < slots; ++i) {
     FieldDefinition& field = made.schema.fields[static_cast<std::size_t>(i)];
-    field.type = *rc::gen::inRange(0, 20);
+    field.type = FieldType{*rc::gen::inRange(0, 20)};
     field.encrypt_flag = *rc::gen::arbitrary<bool>() ? 1 : 0;
     record.slots[static_cast<std::size_t>(i)] =
         canonical ? *storedValue(field.type)
@@ -129,7 +130,7 @@ RC_GTEST_PROP(RecordEncryption, TheRightPasswordAlwaysOpens, (const std::string&
   RC_ASSERT(twice == once);
 }
 
-Case oneField(int type, Bytes value) {
+Case oneField(FieldType type, Bytes value) {
   Case made;
   made.schema.fields[0].type = type;
   made.schema.fields[0].encrypt_flag = 1;
@@ -140,7 +141,7 @@ Case oneField(int type, Bytes value) {
 }
 
 // The stored form of a value, enciphered and deciphered again with a password of its own.
-std::pair<Bytes, Bytes> forms(int type, Bytes value) {
+std::pair<Bytes, Bytes> forms(FieldType type, Bytes value) {
   const Case made = oneField(type, std::move(value));
   Bytes record = enciphered(made, "abc");
   const ByteView hidden = *slotValue(record, 0);
@@ -152,57 +153,60 @@ std::pair<Bytes, Bytes> forms(int type, Bytes value) {
 
 TEST(RecordEncryption, FormsByType) {
   const Bytes tab = {'T', 'a', 'b', 0};
-  const auto [text, text_clear] = forms(kText, tab);
+  const auto [text, text_clear] = forms(FieldType::kText, tab);
   EXPECT_EQ(text.size(), 4u);
   EXPECT_EQ(text[0], 3) << "one byte of length, no NUL";
-  const auto [long_text, long_clear] = forms(kLongText, tab);
+  const auto [long_text, long_clear] = forms(FieldType::kLongText, tab);
   EXPECT_EQ(long_text.size(), 5u);
   EXPECT_EQ(loadLe16(long_text.data()), 3) << "two bytes of length";
   EXPECT_TRUE(std::equal(text.begin() + 1, text.end(), long_text.begin() + 2))
       << "every value starts from the key";
   EXPECT_EQ(long_clear, tab);
 
-  EXPECT_EQ(forms(kText, {}).first, Bytes{0});
-  EXPECT_EQ(forms(kText, {}).second, Bytes());
-  EXPECT_EQ(forms(kText, {'a', 'b'}).second, (Bytes{'a', 'b', 0})) << "a text gets its NUL";
-  EXPECT_EQ(forms(kText, {0}).second, Bytes()) << "an empty text has no bytes";
-  EXPECT_EQ(forms(kFloat, {'1', 0}).second, bytesOf("1", 16)) << "numbers have 17 bytes";
+  EXPECT_EQ(forms(FieldType::kText, {}).first, Bytes{0});
+  EXPECT_EQ(forms(FieldType::kText, {}).second, Bytes());
+  EXPECT_EQ(forms(FieldType::kText, {'a', 'b'}).second, (Bytes{'a', 'b', 0}))
+      << "a text gets its NUL";
+  EXPECT_EQ(forms(FieldType::kText, {0}).second, Bytes()) << "an empty text has no bytes";
+  EXPECT_EQ(forms(FieldType::kFloat, {'1', 0}).second, bytesOf("1", 16)) << "numbers have 17 bytes";
 
   const Bytes link = bytesOf(std::string(24, 'k') + "Zoe");
-  const auto [hidden_link, clear_link] = forms(kLinkField, link);
+  const auto [hidden_link, clear_link] = forms(FieldType::kLinkField, link);
   EXPECT_EQ(hidden_link.size(), 24u + 1 + 3);
   EXPECT_EQ(hidden_link[24], 3);
   EXPECT_TRUE(std::equal(link.begin(), link.begin() + 24, hidden_link.begin()));
   EXPECT_EQ(clear_link, link);
 
   const Bytes note = bytesOf("note", kNoteSize - 4);
-  const auto [hidden_note, clear_note] = forms(kNote, note);
+  const auto [hidden_note, clear_note] = forms(FieldType::kNote, note);
   EXPECT_EQ(hidden_note.size(), kNoteSize);
   EXPECT_EQ(hidden_note[0], 'n');
   EXPECT_EQ(hidden_note[2000], 0) << "the last byte takes no part";
   EXPECT_EQ(clear_note, note);
-  EXPECT_EQ(forms(kNote, bytesOf("note")).second, note) << "a note has 2001 bytes from then on";
-  EXPECT_EQ(forms(kNote, {0, 'x'}).first, (Bytes{0, 'x'}));
+  EXPECT_EQ(forms(FieldType::kNote, bytesOf("note")).second, note)
+      << "a note has 2001 bytes from then on";
+  EXPECT_EQ(forms(FieldType::kNote, {0, 'x'}).first, (Bytes{0, 'x'}));
 
-  EXPECT_EQ(forms(kInteger, {1, 2, 3, 4}).first.size(), 4u);
-  EXPECT_EQ(forms(kLookup, {1, 2}).first, (Bytes{1, 2}));
+  EXPECT_EQ(forms(FieldType::kInteger, {1, 2, 3, 4}).first.size(), 4u);
+  EXPECT_EQ(forms(FieldType::kLookup, {1, 2}).first, (Bytes{1, 2}));
 }
 
 TEST(RecordEncryption, TextsLongerThanTheirLengthByteAreNamedAndComeBackWhole) {
   const Bytes text = bytesOf(std::string(300, 'x'));
-  const auto [hidden, clear] = forms(kText, text);
+  const auto [hidden, clear] = forms(FieldType::kText, text);
   EXPECT_EQ(hidden[0], 300 - 256);
   EXPECT_EQ(clear, text);
-  const Case made = oneField(kText, text);
+  const Case made = oneField(FieldType::kText, text);
   const auto named = OverlongValues(made.schema, made.record);
   ASSERT_EQ(named.size(), 1u);
   EXPECT_EQ(named[0].length, 300u);
-  EXPECT_TRUE(OverlongValues(made.schema, oneField(kText, bytesOf("short")).record).empty());
-  EXPECT_TRUE(OverlongValues(oneField(kLongText, {}).schema, made.record).empty());
+  EXPECT_TRUE(
+      OverlongValues(made.schema, oneField(FieldType::kText, bytesOf("short")).record).empty());
+  EXPECT_TRUE(OverlongValues(oneField(FieldType::kLongText, {}).schema, made.record).empty());
 }
 
 TEST(RecordEncryption, WrongPasswordsAndRecordsWithoutStampAreLeftAlone) {
-  const Case made = oneField(kText, bytesOf("secret"));
+  const Case made = oneField(FieldType::kText, bytesOf("secret"));
   Bytes record = enciphered(made, "abc");
   EXPECT_EQ(record[0], kStampedPrefix) << "it got a stamp";
   EXPECT_EQ(record[1 + kStampChecksumOffset], 's' + 'e' + 'c' + 'r' + 'e' + 't' - 512);
@@ -219,7 +223,7 @@ TEST(RecordEncryption, WrongPasswordsAndRecordsWithoutStampAreLeftAlone) {
   EXPECT_EQ(record[1 + kStampChecksumOffset], 0);
   EXPECT_EQ(decipher(nothing_flagged.schema, record, "any"), kRecordDecrypted);
 
-  Case full = oneField(kLongText, Bytes(kMaxRecordSize - 10, 'x'));
+  Case full = oneField(FieldType::kLongText, Bytes(kMaxRecordSize - 10, 'x'));
   ExpandedKey key;
   MakeKey("abc", key);
   EXPECT_FALSE(EncryptRecordFields(full.schema, full.record, key, testStamp, record))

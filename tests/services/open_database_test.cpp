@@ -144,7 +144,7 @@ TEST(OpenDatabase, DamagedFileIsExplainedAndLeavesTheSlotEmpty) {
   world.phone.says(u"Could not read file", u"ERROR");
   world.phone.play([&] { EXPECT_EQ(OpenDatabaseFile(app, path, neverAsked), kOpenRefused); });
   EXPECT_FALSE(IsDatabaseOpen(app));
-  EXPECT_EQ(CurrentDatabase(app).schema.fields[0].type, kUnused);
+  EXPECT_EQ(CurrentDatabase(app).schema.fields[0].type, FieldType::kUnused);
   EXPECT_TRUE(world.files.lock(path, "second").ok());
 }
 

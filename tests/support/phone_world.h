@@ -23,7 +23,7 @@ namespace tabelion {
 
 struct TestField {
   std::string name;
-  int type = kText;
+  FieldType type = FieldType::kText;
   int width = 40;
 };
 using TestRows = std::vector<std::vector<std::string>>;  // dates and times in ISO form

@@ -80,39 +80,39 @@ std::optional<std::int64_t> secondsOfDuration(std::string_view text) {
 
 CriterionKind criterionKind(const FieldDefinition& field) {
   switch (field.type) {
-    case kText:
-    case kLongText:
-    case kTextVariant:
-    case kText254:
-    case kLinkField:
+    case FieldType::kText:
+    case FieldType::kLongText:
+    case FieldType::kTextVariant:
+    case FieldType::kText254:
+    case FieldType::kLinkField:
       return CriterionKind::kText;
-    case kInteger:
+    case FieldType::kInteger:
       return CriterionKind::kInteger;
-    case kFloat:
+    case FieldType::kFloat:
       return CriterionKind::kNumber;
-    case kPopup:
+    case FieldType::kPopup:
       return CriterionKind::kItem;
-    case kCheckBox:
+    case FieldType::kCheckBox:
       return CriterionKind::kCheckBox;
-    case kAutoNumber:
+    case FieldType::kAutoNumber:
       return CriterionKind::kAutoNumber;
-    case kDate:
+    case FieldType::kDate:
       return CriterionKind::kDate;
-    case kTime:
+    case FieldType::kTime:
       return CriterionKind::kTime;
-    case kCalculated:
+    case FieldType::kCalculated:
       break;
     default:
       return CriterionKind::kNothing;
   }
   switch (effectiveType(field)) {
-    case kFloat:
+    case FieldType::kFloat:
       return CriterionKind::kNumber;
-    case kInteger:
+    case FieldType::kInteger:
       return CriterionKind::kInteger;
-    case kTime:
+    case FieldType::kTime:
       return CriterionKind::kDuration;
-    case kDate:
+    case FieldType::kDate:
       return CriterionKind::kDays;
     default:
       return CriterionKind::kNothing;

@@ -48,19 +48,6 @@ Error unknownField(std::string_view name, const std::vector<NamedField>& fields)
   return makeError(ErrorKind::kInvalid, text);
 }
 
-bool isSearched(const FieldDefinition& field) {
-  switch (field.type) {
-    case kUnused:
-    case kNote:
-    case kLinkedField:
-    case kSeparator:
-    case kExternal:
-      return false;
-    default:
-      return isValidType(field.type);
-  }
-}
-
 bool hasUse(const Database& database, int slot, FieldUse use) {
   const FieldDefinition& field = database.schema.fields[static_cast<std::size_t>(slot)];
   switch (use) {
@@ -73,7 +60,7 @@ bool hasUse(const Database& database, int slot, FieldUse use) {
     case FieldUse::kReport:
       break;
     case FieldUse::kFind:
-      return isSearched(field);
+      return traitsOf(field.type).finds;
   }
   return false;
 }

@@ -156,7 +156,7 @@ void FilterParser::readCondition(WordReader& words, bool is_first, bool is_last)
   const FieldDefinition& field = database_.schema.fields[criterion.field];
   if (criterionKind(field) == CriterionKind::kNothing) {
     return words.fail(field_at, fmt::format("records cannot be filtered by a field of type {}",
-                                            fieldTypeName(field.type)));
+                                            traitsOf(field.type).name));
   }
   if (criteria_.size() == kFilterCriteria) {
     return words.fail(begin, fmt::format("a filter has at most {} conditions", kFilterCriteria));

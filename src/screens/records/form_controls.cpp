@@ -9,9 +9,9 @@ namespace {
 
 constexpr std::size_t kButtonCharacters = 10;
 
-bool isText(int type) {
-  return type == kText || type == kLongText || type == kTextVariant || type == kText254 ||
-         type == kNote;
+bool isText(FieldType type) {
+  return type == FieldType::kText || type == FieldType::kLongText ||
+         type == FieldType::kTextVariant || type == FieldType::kText254 || type == FieldType::kNote;
 }
 
 bool hasLineBreak(const std::u16string& text) {
@@ -20,36 +20,37 @@ bool hasLineBreak(const std::u16string& text) {
 
 }  // namespace
 
-ControlKind FormControlKind(int type, const std::u16string& text) {
+ControlKind FormControlKind(FieldType type, const std::u16string& text) {
   switch (type) {
-    case kPopup:
+    case FieldType::kPopup:
       return ControlKind::kChoice;
-    case kCheckBox:
+    case FieldType::kCheckBox:
       return ControlKind::kCheckBox;
-    case kNote:
+    case FieldType::kNote:
       return ControlKind::kButton;
-    case kExternal:
+    case FieldType::kExternal:
       return ControlKind::kLabel;
     default:
       return isText(type) && hasLineBreak(text) ? ControlKind::kButton : ControlKind::kEdit;
   }
 }
 
-bool IsShownOnly(int type) {
-  return type == kAutoNumber || type == kCalculated || type == kLookup || type == kLinkedField ||
-         type == kLinkField || type == kExternal;
+bool IsShownOnly(FieldType type) {
+  return type == FieldType::kAutoNumber || type == FieldType::kCalculated ||
+         type == FieldType::kLookup || type == FieldType::kLinkedField ||
+         type == FieldType::kLinkField || type == FieldType::kExternal;
 }
 
-Picture FormIconPicture(int type) {
+Picture FormIconPicture(FieldType type) {
   switch (type) {
-    case kInteger:
-    case kFloat:
+    case FieldType::kInteger:
+    case FieldType::kFloat:
       return Picture::kFieldNumber;
-    case kPopup:
+    case FieldType::kPopup:
       return Picture::kFieldPopup;
-    case kDate:
+    case FieldType::kDate:
       return Picture::kFieldDate;
-    case kTime:
+    case FieldType::kTime:
       return Picture::kFieldTime;
     default:
       return Picture::kFieldText;
@@ -58,18 +59,18 @@ Picture FormIconPicture(int type) {
 
 int MaxTypedLength(const FieldDefinition& field) {
   switch (field.type) {
-    case kText:
-    case kTextVariant:
+    case FieldType::kText:
+    case FieldType::kTextVariant:
       return std::max(1, field.width);
-    case kLongText:
+    case FieldType::kLongText:
       return static_cast<int>(kLongTextSize) - 1;
-    case kText254:
+    case FieldType::kText254:
       return static_cast<int>(kText254Size) - 1;
-    case kNote:
+    case FieldType::kNote:
       return static_cast<int>(kNoteSize) - 1;
-    case kFloat:
+    case FieldType::kFloat:
       return static_cast<int>(kNumberTextSize) - 1;
-    case kInteger:
+    case FieldType::kInteger:
       return 11;
     default:
       return 0;

@@ -9,10 +9,10 @@
 namespace tabelion {
 
 // A text of several lines gets a button, as a note does, since a box has one line.
-ControlKind FormControlKind(int type, const std::u16string& text);
+ControlKind FormControlKind(FieldType type, const std::u16string& text);
 // What nobody types: numbers that the program gives, results, and links, which are followed.
-bool IsShownOnly(int type);
-Picture FormIconPicture(int type);
+bool IsShownOnly(FieldType type);
+Picture FormIconPicture(FieldType type);
 
 // The longest text that can be typed, in characters, 0 = no bound; how many bytes they take is
 // checked when the value is stored.

@@ -26,26 +26,26 @@ constexpr int kIconSize = 20;
 constexpr int kSeparatorStep = 22;
 constexpr int kNoteWidth = 80;
 
-RowShape shapeOf(int type) {
+RowShape shapeOf(FieldType type) {
   switch (type) {
-    case kPopup:
+    case FieldType::kPopup:
       return {9, 12, 16, Top::kLabel, 22, Top::kLabel, true, 26};
-    case kDate:
-    case kTime:
+    case FieldType::kDate:
+    case FieldType::kTime:
       return {9, 12, 16, Top::kLabel, 24, Top::kValue, true, 26};
-    case kCheckBox:
+    case FieldType::kCheckBox:
       return {1, 3, 16, Top::kValue2, 24, Top::kValue, false, 26};
-    case kAutoNumber:
-    case kCalculated:
-    case kText254:
+    case FieldType::kAutoNumber:
+    case FieldType::kCalculated:
+    case FieldType::kText254:
       return {1, 3, 16, Top::kLabel, 22, Top::kLabel, false, 24};
-    case kNote:
+    case FieldType::kNote:
       return {1, 3, 16, Top::kLabel, 24, Top::kValue, false, 26, kNoteWidth};
-    case kLinkedField:
-    case kExternal:
+    case FieldType::kLinkedField:
+    case FieldType::kExternal:
       return {1, 3, 24, Top::kValue, 24, Top::kValue, false, 26};
-    case kLinkField:
-    case kLookup:
+    case FieldType::kLinkField:
+    case FieldType::kLookup:
       return {1, 3, 24, Top::kValue, 24, Top::kValue2, false, 26};
     default:  // texts and numbers
       return {9, 12, 16, Top::kLabel, 22, Top::kValue, true, 24};
@@ -79,7 +79,7 @@ FormLayout LayoutEditForm(const DatabaseRecord& schema, int screen_width) {
   for (const int slot : slotsInDisplayOrder(schema)) {
     const FieldDefinition& field = schema.fields[static_cast<std::size_t>(slot)];
     if (field.record_view_flag == 0) continue;
-    if (field.type == kSeparator) {
+    if (field.type == FieldType::kSeparator) {
       tops.advance(kSeparatorStep);
       continue;
     }

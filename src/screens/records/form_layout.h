@@ -17,7 +17,7 @@ inline constexpr int kCorruptWidth = 86;  // from here on the database is taken 
 
 struct FormRow {
   int slot = 0;
-  int type = 0;
+  FieldType type = FieldType::kUnused;
   Rect label;
   Rect value;
   std::optional<Rect> icon;  // 20×20 at the left, behind the label

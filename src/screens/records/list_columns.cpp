@@ -35,7 +35,7 @@ std::vector<ListColumn> MakeListColumns(const Application& app, const DatabaseRe
 std::u16string ListCellText(Application& app, std::uint32_t record, int slot) {
   const Database& database = CurrentDatabase(app);
   // A lookup's text is the other database's, which the list does not open.
-  if (database.schema.fields[static_cast<std::size_t>(slot)].type == kLookup) return {};
+  if (database.schema.fields[static_cast<std::size_t>(slot)].type == FieldType::kLookup) return {};
   return ScreenText(
       app, fieldText(database, database.records[record].bytes(), slot, app.level().formats).text);
 }
@@ -58,7 +58,7 @@ void PaintListRow(Application& app, int row, const RowPainting& row_painting, Li
     }
     const int slot = row_painting.slots[i];
     const std::u16string text = ListCellText(app, record, slot);
-    if (database.schema.fields[static_cast<std::size_t>(slot)].type == kCheckBox) {
+    if (database.schema.fields[static_cast<std::size_t>(slot)].type == FieldType::kCheckBox) {
       painter.picture({cell.x, cell.y},
                       text.starts_with(u'1') ? Picture::kChecked : Picture::kUnchecked);
     } else if (!text.empty()) {

@@ -23,9 +23,9 @@ void replaceAll(std::u16string& text, std::u16string_view from, std::u16string_v
 }
 
 // What an empty date or time shows while nobody is in its box; none for other types.
-std::u16string placeholderOf(int type) {
-  if (type == kDate) return FromUtf8(kNoDateText);
-  if (type == kTime) return FromUtf8(kNoTimeText);
+std::u16string placeholderOf(FieldType type) {
+  if (type == FieldType::kDate) return FromUtf8(kNoDateText);
+  if (type == FieldType::kTime) return FromUtf8(kNoTimeText);
   return {};
 }
 
@@ -214,7 +214,8 @@ bool RecordForm::Collect(Dialog& dialog, UnpackedRecord& record, Unaccepted unac
 // that a number that came from elsewhere can be cleared.
 void RecordForm::OnEdited(Dialog& dialog, ControlId value_control) {
   Field* field = FieldOf(value_control);
-  if (field == nullptr || field->row.type != kFloat || field->kind != ControlKind::kEdit) return;
+  if (field == nullptr || field->row.type != FieldType::kFloat || field->kind != ControlKind::kEdit)
+    return;
   Control& control = dialog.control(value_control);
   const std::u16string now = control.text();
   if (now.size() < field->text.size() ||

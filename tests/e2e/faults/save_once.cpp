@@ -33,7 +33,7 @@ Bytes makeRecord(const std::string& text) {
 
 int make(Database& database, Engine& engine, int records) {
   initDatabase(database, engine);
-  database.schema.fields[0].type = kText;
+  database.schema.fields[0].type = FieldType::kText;
   for (int i = 0; i < records; ++i) {
     appendRecord(database, engine, makeRecord("record " + std::to_string(i)), false);
   }

@@ -25,7 +25,7 @@ class FieldChoice : public ::testing::Test {
   }
   void addField(int slot, std::string_view name) {
     FieldDefinition& field = database.schema.fields[static_cast<std::size_t>(slot)];
-    field.type = kText;
+    field.type = FieldType::kText;
     setFieldName(field, name);
   }
   int slot(std::string_view name) {
@@ -63,11 +63,13 @@ TEST_F(FieldChoice, ListsAreSplitAtCommasThatAreNotInAName) {
 }
 
 TEST_F(FieldChoice, ListsHaveTheFieldsThatCanBeUsed) {
-  const auto change = [&](std::size_t at, int type) { database.schema.fields[at].type = type; };
-  change(1, kNote);
-  change(3, kFloat);
-  change(4, kLookup);
-  change(7, kSeparator);
+  const auto change = [&](std::size_t at, FieldType type) {
+    database.schema.fields[at].type = type;
+  };
+  change(1, FieldType::kNote);
+  change(3, FieldType::kFloat);
+  change(4, FieldType::kLookup);
+  change(7, FieldType::kSeparator);
   database.schema.fields[8].encrypt_flag = 1;
   EXPECT_THAT(fieldsFor(database, FieldUse::kAnything), ElementsAre(0, 1, 3, 4, 7, 8));
   EXPECT_THAT(fieldsFor(database, FieldUse::kFilter), ElementsAre(0, 3, 8));

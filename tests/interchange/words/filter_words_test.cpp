@@ -17,18 +17,18 @@ class FilterWords : public ::testing::Test {
  protected:
   FilterWords() {
     initSchema(database.schema);
-    addField("Title", kText);
-    addField("Year", kInteger);
-    addField("Price", kFloat);
-    addField("Kind", kPopup);
-    addField("Read", kCheckBox);
-    addField("Bought", kDate);
-    addField("At", kTime);
-    addField("Note", kNote);
-    addField("Lent for", kCalculated, 2);
-    addField("Due", kCalculated, 3);
-    addField("Or so", kText);
-    addField("Number", kAutoNumber);
+    addField("Title", FieldType::kText);
+    addField("Year", FieldType::kInteger);
+    addField("Price", FieldType::kFloat);
+    addField("Kind", FieldType::kPopup);
+    addField("Read", FieldType::kCheckBox);
+    addField("Bought", FieldType::kDate);
+    addField("At", FieldType::kTime);
+    addField("Note", FieldType::kNote);
+    addField("Lent for", FieldType::kCalculated, 2);
+    addField("Due", FieldType::kCalculated, 3);
+    addField("Or so", FieldType::kText);
+    addField("Number", FieldType::kAutoNumber);
     for (const char* text : {"Sea", "Salt and pepper", "Empty"}) {
       PopupItem item;
       item.key[0] = static_cast<std::uint8_t>(1 + database.fields[3].items.size());
@@ -36,7 +36,7 @@ class FilterWords : public ::testing::Test {
       database.fields[3].items.push_back(item);
     }
   }
-  void addField(std::string_view name, int type, int kind = 0) {
+  void addField(std::string_view name, FieldType type, int kind = 0) {
     FieldDefinition& field = database.schema.fields[fields_++];
     field.type = type;
     field.area_f[kResultKindOffset] = static_cast<std::uint8_t>(kind);

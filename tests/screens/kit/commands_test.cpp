@@ -76,7 +76,7 @@ TEST(Commands, EveryEntryComesBackAndChangesNothingByItself) {
   for (const TestRows& rows : {TestRows{}, TestRows{{"Berlin"}, {"Rome"}}}) {
     PhoneWorld world;
     Application app(world.platform);
-    const std::string path = world.add("Towns", {{"Name"}, {"Text", kNote}}, rows);
+    const std::string path = world.add("Towns", {{"Name"}, {"Text", FieldType::kNote}}, rows);
     const auto show_list = [&] { ShowRecordList(app, path); };
     const auto unchanged = [&](const MenuPath& entry) {
       EXPECT_EQ(world.read(path)->records.count(), rows.size()) << narrow(entry.back());

@@ -15,16 +15,16 @@ class EditRecord : public testing::Test {
  protected:
   void SetUp() override {
     database = world.make("Things",
-                          {{"Name", kText, 12},
-                           {"Count", kInteger},
-                           {"Price", kFloat},
-                           {"Kind", kPopup},
-                           {"Paid", kCheckBox},
-                           {"Number", kAutoNumber},
-                           {"Remark", kNote},
-                           {"Day", kDate},
-                           {"Hour", kTime},
-                           {"Long", kLongText}},
+                          {{"Name", FieldType::kText, 12},
+                           {"Count", FieldType::kInteger},
+                           {"Price", FieldType::kFloat},
+                           {"Kind", FieldType::kPopup},
+                           {"Paid", FieldType::kCheckBox},
+                           {"Number", FieldType::kAutoNumber},
+                           {"Remark", FieldType::kNote},
+                           {"Day", FieldType::kDate},
+                           {"Hour", FieldType::kTime},
+                           {"Long", FieldType::kLongText}},
                           {});
     for (const char* text : {"Tool", "Hammer", "Toy"}) {
       PopupItem item;

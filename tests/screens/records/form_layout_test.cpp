@@ -7,7 +7,7 @@
 namespace tabelion {
 namespace {
 
-std::unique_ptr<DatabaseRecord> schemaOf(const std::vector<int>& types) {
+std::unique_ptr<DatabaseRecord> schemaOf(const std::vector<FieldType>& types) {
   auto schema = std::make_unique<DatabaseRecord>();
   initSchema(*schema);
   for (std::size_t i = 0; i < types.size(); ++i) schema->fields[i].type = types[i];
@@ -17,46 +17,48 @@ std::unique_ptr<DatabaseRecord> schemaOf(const std::vector<int>& types) {
 // On a screen of 168 pixels S is 160, so with adjustment 0 the value column is 80 wide.
 TEST(FormLayout, PlacesEveryRowByItsType) {
   struct Case {
-    int type;
+    FieldType type;
     Rect label;
     Rect value;
     bool icon;
     int step;
   };
   const Case cases[] = {
-      {kText, {9, 7, 68, 16}, {80, 5, 80, 22}, true, 24},
-      {kInteger, {9, 7, 68, 16}, {80, 5, 80, 22}, true, 24},
-      {kFloat, {9, 7, 68, 16}, {80, 5, 80, 22}, true, 24},
-      {kLongText, {9, 7, 68, 16}, {80, 5, 80, 22}, true, 24},
-      {kTextVariant, {9, 7, 68, 16}, {80, 5, 80, 22}, true, 24},
-      {kPopup, {9, 7, 68, 16}, {80, 7, 80, 22}, true, 26},
-      {kDate, {9, 7, 68, 16}, {80, 5, 80, 24}, true, 26},
-      {kTime, {9, 7, 68, 16}, {80, 5, 80, 24}, true, 26},
-      {kCheckBox, {1, 8, 77, 16}, {80, 5, 80, 24}, false, 26},
-      {kAutoNumber, {1, 7, 77, 16}, {80, 7, 80, 22}, false, 24},
-      {kCalculated, {1, 7, 77, 16}, {80, 7, 80, 22}, false, 24},
-      {kText254, {1, 7, 77, 16}, {80, 7, 80, 22}, false, 24},
-      {kNote, {1, 7, 77, 16}, {80, 5, 80, 24}, false, 26},
-      {kLinkedField, {1, 5, 77, 24}, {80, 5, 80, 24}, false, 26},
-      {kExternal, {1, 5, 77, 24}, {80, 5, 80, 24}, false, 26},
-      {kLinkField, {1, 5, 77, 24}, {80, 8, 80, 24}, false, 26},
-      {kLookup, {1, 5, 77, 24}, {80, 8, 80, 24}, false, 26},
+      {FieldType::kText, {9, 7, 68, 16}, {80, 5, 80, 22}, true, 24},
+      {FieldType::kInteger, {9, 7, 68, 16}, {80, 5, 80, 22}, true, 24},
+      {FieldType::kFloat, {9, 7, 68, 16}, {80, 5, 80, 22}, true, 24},
+      {FieldType::kLongText, {9, 7, 68, 16}, {80, 5, 80, 22}, true, 24},
+      {FieldType::kTextVariant, {9, 7, 68, 16}, {80, 5, 80, 22}, true, 24},
+      {FieldType::kPopup, {9, 7, 68, 16}, {80, 7, 80, 22}, true, 26},
+      {FieldType::kDate, {9, 7, 68, 16}, {80, 5, 80, 24}, true, 26},
+      {FieldType::kTime, {9, 7, 68, 16}, {80, 5, 80, 24}, true, 26},
+      {FieldType::kCheckBox, {1, 8, 77, 16}, {80, 5, 80, 24}, false, 26},
+      {FieldType::kAutoNumber, {1, 7, 77, 16}, {80, 7, 80, 22}, false, 24},
+      {FieldType::kCalculated, {1, 7, 77, 16}, {80, 7, 80, 22}, false, 24},
+      {FieldType::kText254, {1, 7, 77, 16}, {80, 7, 80, 22}, false, 24},
+      {FieldType::kNote, {1, 7, 77, 16}, {80, 5, 80, 24}, false, 26},
+      {FieldType::kLinkedField, {1, 5, 77, 24}, {80, 5, 80, 24}, false, 26},
+      {FieldType::kExternal, {1, 5, 77, 24}, {80, 5, 80, 24}, false, 26},
+      {FieldType::kLinkField, {1, 5, 77, 24}, {80, 8, 80, 24}, false, 26},
+      {FieldType::kLookup, {1, 5, 77, 24}, {80, 8, 80, 24}, false, 26},
   };
   for (const Case& expected : cases) {
     const FormLayout layout = LayoutEditForm(*schemaOf({expected.type, expected.type}), 168);
-    ASSERT_EQ(layout.rows.size(), 2u) << expected.type;
-    EXPECT_EQ(layout.rows[0].label, expected.label) << expected.type;
-    EXPECT_EQ(layout.rows[0].value, expected.value) << expected.type;
+    ASSERT_EQ(layout.rows.size(), 2u) << codeOf(expected.type);
+    EXPECT_EQ(layout.rows[0].label, expected.label) << codeOf(expected.type);
+    EXPECT_EQ(layout.rows[0].value, expected.value) << codeOf(expected.type);
     EXPECT_EQ(layout.rows[0].icon,
               expected.icon ? std::optional(Rect{1, 12, 20, 20}) : std::nullopt)
-        << expected.type;
-    EXPECT_EQ(layout.rows[1].value.y - layout.rows[0].value.y, expected.step) << expected.type;
-    EXPECT_EQ(layout.rows[1].label.y - layout.rows[0].label.y, expected.step) << expected.type;
+        << codeOf(expected.type);
+    EXPECT_EQ(layout.rows[1].value.y - layout.rows[0].value.y, expected.step)
+        << codeOf(expected.type);
+    EXPECT_EQ(layout.rows[1].label.y - layout.rows[0].label.y, expected.step)
+        << codeOf(expected.type);
   }
 }
 
 TEST(FormLayout, SharesTheWidthByTheAdjustment) {
-  const auto schema = schemaOf({kText});
+  const auto schema = schemaOf({FieldType::kText});
   const auto valueWidth = [&](int adjustment, int screen) {
     schema->label_width_adjustment = static_cast<std::int16_t>(adjustment);
     return LayoutEditForm(*schema, screen).rows[0].value.width;
@@ -69,7 +71,8 @@ TEST(FormLayout, SharesTheWidthByTheAdjustment) {
 }
 
 TEST(FormLayout, FollowsTheDisplayOrderAndLeavesOutWhatTheFormHides) {
-  const auto schema = schemaOf({kText, kSeparator, kUnused, kInteger, kDate});
+  const auto schema = schemaOf({FieldType::kText, FieldType::kSeparator, FieldType::kUnused,
+                                FieldType::kInteger, FieldType::kDate});
   schema->display_order[0] = 3;
   schema->display_order[3] = 0;
   schema->display_order[4] = 3;  // twice, and a slot that there is not

@@ -9,8 +9,11 @@
 namespace tabelion {
 namespace {
 
-const std::vector<TestField> kBookFields = {
-    {"Title"}, {"Pages", kInteger}, {"Lent", kCheckBox}, {"Note", kNote}, {"Bought", kDate}};
+const std::vector<TestField> kBookFields = {{"Title"},
+                                            {"Pages", FieldType::kInteger},
+                                            {"Lent", FieldType::kCheckBox},
+                                            {"Note", FieldType::kNote},
+                                            {"Bought", FieldType::kDate}};
 const TestRows kBooks = {{"Emma", "474", "1", "old", "2020-05-09"},
                          {"Dubliners", "152", "0", "", ""},
                          {"Middlemarch", "880", "0", "long", "2021-12-31"}};
@@ -151,7 +154,7 @@ TEST(RecordList, FirstRowOpensRecordZero) {
 
 TEST(RecordList, EmptyDatabaseOpensAFormThatTakesNothing) {
   PhoneWorld world;
-  const std::string path = world.add("Empty", {{"Title"}, {"Read", kCheckBox}}, {});
+  const std::string path = world.add("Empty", {{"Title"}, {"Read", FieldType::kCheckBox}}, {});
   Application app(world.platform);
   world.phone.at(kRecordListScreen)
       .look([](FakeDialog& dialog) {
