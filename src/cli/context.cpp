@@ -7,6 +7,7 @@
 
 #include "engine/calendar.h"
 #include "engine/packed_record.h"
+#include "query/record_index.h"
 #include "security/access_rights.h"
 #include "security/database_encryption.h"
 #include "services/preferences.h"
@@ -66,6 +67,16 @@ CliContext::CliContext(CliPlatform& platform, Streams& the_streams, GlobalOption
   engine.message = [this](const std::string& text) {
     if (!engine_message_.empty()) engine_message_ += "; ";
     engine_message_ += text;
+  };
+  engine.steps.sort_and_rebuild = [this](Database& database) {
+    sortAndRecompute(database, querySettings(databaseCodePage(database) == "UTF-8"));
+  };
+  engine.steps.refresh = [this](Database& database) {
+    if (database.schema.sort_pending != 0) {
+      engine.steps.sort_and_rebuild(database);
+      database.schema.sort_pending = 0;
+    }
+    return 1;
   };
 }
 
@@ -227,6 +238,7 @@ bool CliContext::encipherAgain(Database& database) {
 
 ExitCode CliContext::save(Database& database) {
   if (deciphered_ && !encipherAgain(database)) return ExitCode::kRefused;
+  nameCurrentRecord(database);
   if (saveDatabase(database, engine)) return ExitCode::kDone;
   Error error = files.lastWriteError();
   if (error.text.empty()) error.text = database.path + ": too large to be written";
@@ -260,10 +272,13 @@ Result<TextEncoding> CliContext::encodingOf(const Database& database) {
 }
 
 QuerySettings CliContext::querySettings(const TextEncoding& encoding) {
+  return querySettings(encoding.isUtf8());
+}
+
+QuerySettings CliContext::querySettings(bool utf8) {
   const LocaleInfo locale = locale_.info();
   QuerySettings query;
-  query.formats =
-      makeFormatSettings(ReadFormatChoices(settings_, locale), locale, encoding.isUtf8());
+  query.formats = makeFormatSettings(ReadFormatChoices(settings_, locale), locale, utf8);
   query.now = clock.local();
   query.week_starts_monday = ReadNumberSetting(settings_, Setting::kWeekStart).value_or(0) == 1;
   return query;

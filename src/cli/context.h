@@ -106,6 +106,7 @@ class CliContext {
     std::set<RecordIdentity> others;  // that were in clear
   };
 
+  QuerySettings querySettings(bool utf8);
   bool mayOpen(const Database& database, ExitCode& failure);
   bool decipher(Database& database, ExitCode& failure);
   bool encipherAgain(Database& database);

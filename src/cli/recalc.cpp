@@ -68,11 +68,10 @@ ExitCode runRecalc(const RecalcOptions& options, CliContext& context) {
   Database& database = *opened->database;
   const TextEncoding& encoding = opened->encoding;
 
-  const bool was_stale = database.schema.sort_pending != 0;
+  const bool was_sorted = isDirty(database);  // when it was opened: its order was stale
   const auto order = orderOf(database);
   const RecomputeOutcome outcome = recomputeRecords(context, encoding, database);
-  const bool changed = outcome.summary.records > 0 || order != orderOf(database) ||
-                       was_stale != (database.schema.sort_pending != 0);
+  const bool changed = was_sorted || outcome.summary.records > 0 || order != orderOf(database);
   if (changed || piped) {
     const ExitCode saved = context.save(database);
     if (saved != ExitCode::kDone) return saved;

@@ -49,7 +49,7 @@ Status showRecords(Database& database, const TextEncoding& encoding, const Query
   std::uint32_t number = 0;
   for (Record& record : database.records.records()) record.offset = ++number;
 
-  Changes changes{database.schema.sort_pending != 0, false};
+  Changes changes;
   if (!options.view.empty()) {
     if (auto taken = takeView(database, encoding, options.view, changes); !taken) return taken;
   }

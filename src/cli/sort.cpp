@@ -2,7 +2,6 @@
 
 #include "cli/command.h"
 #include "cli/context.h"
-#include "engine/file_header.h"
 #include "interchange/words/sort_choice.h"
 #include "query/record_index.h"
 
@@ -24,17 +23,6 @@ Result<SortSelection> selectionOf(const SortOptions& options, const Database& da
   return none;
 }
 
-// The record that was current stays the current one, wherever it stands now.
-void sortAndFollow(Database& database, const QuerySettings& settings) {
-  const int index = database.schema.current_record_index - kSchemaRecords;
-  auto followed = static_cast<std::uint32_t>(index);
-  sortAndRecompute(database, settings, index < 0 ? nullptr : &followed);
-  if (index >= 0) {
-    database.schema.current_record_index = static_cast<std::uint16_t>(followed + kSchemaRecords);
-  }
-  database.schema.sort_pending = 0;
-}
-
 ExitCode runSort(const SortOptions& options, CliContext& context) {
   ExitCode failure{};
   const auto opened = context.openToChange(options.file, failure);
@@ -52,7 +40,8 @@ ExitCode runSort(const SortOptions& options, CliContext& context) {
   } else if (database.schema.sort[0].field == kNoField) {
     return refuse({ErrorKind::kInvalid, "is not sorted by any field; --by names some"});
   }
-  sortAndFollow(database, context.querySettings(encoding));
+  sortAndRecompute(database, context.querySettings(encoding));
+  database.schema.sort_pending = 0;
   return context.save(database);
 }
 

@@ -22,18 +22,16 @@ bool readFieldRecords(Database& database, RecordIOFile& reader) {
     std::uint8_t attributes = 0;
     UniqueId unique_id{};
     if (!reader.nextRecord(attributes, unique_id)) return false;
-    if (stopped) continue;
-    switch (readFieldRecord(reader.record(), field)) {
-      case kFieldRecordDamaged:
-        return false;
-      case kFieldRecordNoData:
-        stopped = true;  // this field and those after it keep their defaults
-        continue;
-      default:
-        field.attributes = attributes;
-        field.unique_id = unique_id;
-        break;
+    const ByteView record = reader.record();
+    const int result = stopped ? kFieldRecordNoData : readFieldRecord(record, field);
+    if (result == kFieldRecordDamaged) return false;
+    if (result == kFieldRecordNoData) {
+      stopped = true;  // this field and those after it keep their defaults
+      field.unread = {Bytes(record.begin(), record.end()), attributes, unique_id};
+      continue;
     }
+    field.attributes = attributes;
+    field.unique_id = unique_id;
   }
   return true;
 }
@@ -83,13 +81,17 @@ void runPostLoadStep(Database& database, Engine& engine) {
   const int index = database.schema.current_record_index;
   if (index < kSchemaRecords || index >= database.header.record_count) {
     database.schema.current_record_index = 0;
-    if (database.schema.sort_pending) {
-      if (engine.steps.sort_and_rebuild) engine.steps.sort_and_rebuild(database);
+    // Without somebody who sorts, the order stays stale and has to be called so.
+    if (database.schema.sort_pending && engine.steps.sort_and_rebuild) {
+      engine.steps.sort_and_rebuild(database);
       database.schema.sort_pending = 0;
     }
-  } else if (engine.steps.restore_current_record) {
-    engine.steps.restore_current_record(database,
-                                        static_cast<std::uint32_t>(index - kSchemaRecords));
+  } else {
+    const auto current = static_cast<std::uint32_t>(index - kSchemaRecords);
+    database.records[current].is_current = true;
+    if (engine.steps.restore_current_record) {
+      engine.steps.restore_current_record(database, current);
+    }
   }
   database.needs_refresh = true;
   runRefresh(database, engine);
@@ -105,6 +107,26 @@ void rebuildUniqueIds(Database& database) {
   map.add(database.schema_unique_id, index++);
   for (const FieldRecord& field : database.fields) map.add(field.unique_id, index++);
   for (const Record& record : database.records) map.add(record.unique_id, index++);
+}
+
+bool hasContent(const FieldRecord& field) {
+  return !field.items.empty() || !field.ranges.empty();
+}
+
+// What was not read is written back as it was, until one of those fields has items: then all have
+// to be readable again.
+void settleUnread(std::array<FieldRecord, kFieldSlots>& fields) {
+  const bool must_be_read = std::any_of(fields.begin(), fields.end(), [](const FieldRecord& field) {
+    return field.unread && hasContent(field);
+  });
+  if (!must_be_read) return;
+  for (FieldRecord& field : fields) {
+    FieldRecord read;
+    if (field.unread &&
+        (hasContent(field) || readFieldRecord(field.unread->bytes, read) != kFieldRecordRead)) {
+      field.unread.reset();
+    }
+  }
 }
 
 // Gives every record its place in the file; the end of the last one.
@@ -172,6 +194,7 @@ int openDatabase(Database& database, Engine& engine) {
 }
 
 bool layOutDatabase(Database& database, FileLayout& layout) {
+  settleUnread(database.fields);
   const std::uint32_t count = database.records.count();
   FileHeader& header = database.header;
   header.info_offset = kRecordListEntrySize * (count + 112);
@@ -186,7 +209,11 @@ bool layOutDatabase(Database& database, FileLayout& layout) {
   writeRecordListEntry(database.schema_offset, database.schema_attributes,
                        database.schema_unique_id, writer);
   for (const FieldRecord& field : database.fields) {
-    writeRecordListEntry(field.offset, field.attributes, field.unique_id, writer);
+    if (field.unread) {
+      writeRecordListEntry(field.offset, field.unread->attributes, field.unread->unique_id, writer);
+    } else {
+      writeRecordListEntry(field.offset, field.attributes, field.unique_id, writer);
+    }
   }
   writeRecordListEntry(database.extension.offset, database.extension.attributes,
                        database.extension.unique_id, writer);
@@ -222,6 +249,15 @@ int saveDatabase(Database& database, Engine& engine) {
   if (!written.ok() && written.error().kind == ErrorKind::kRefused) return 0;
   clearDirty(database);
   return written.ok() ? 1 : 0;
+}
+
+void nameCurrentRecord(Database& database) {
+  const RecordStore& records = database.records;
+  const auto current = std::find_if(records.begin(), records.end(),
+                                    [](const Record& record) { return record.is_current; });
+  const auto position = static_cast<std::uint16_t>(current - records.begin());
+  database.schema.current_record_index =
+      current == records.end() ? 0 : static_cast<std::uint16_t>(position + kSchemaRecords);
 }
 
 void freeRecords(Database& database) {

@@ -93,6 +93,10 @@ int openDatabase(Database& database, Engine& engine);
 // (Saving.FailedWriteClearsTheDirtyFlag); who shows the result sets it again.
 int saveDatabase(Database& database, Engine& engine);
 
+// For a program that has no current record of its own, before it saves: the record that was the
+// current one at the last save stays it, wherever it stands now. Item 24 is 0 when it was deleted.
+void nameCurrentRecord(Database& database);
+
 void freeRecords(Database& database);
 void freeFieldItems(Database& database, int slot);
 void closeDatabase(Database& database);  // frees records and items

@@ -34,6 +34,7 @@ bool readItemText(ByteView record, std::size_t texts_begin, std::size_t index,
 }  // namespace
 
 std::size_t fieldRecordLength(const FieldRecord& field) {
+  if (field.unread) return field.unread->bytes.size();
   std::size_t length = kFixedPart + kItemKeySize * field.items.size() +
                        kRangeSize * field.ranges.size() + kClosingZeros + field.surplus.size();
   for (const PopupItem& item : field.items) length += storedTextSize(item);
@@ -41,6 +42,7 @@ std::size_t fieldRecordLength(const FieldRecord& field) {
 }
 
 void writeFieldRecord(const FieldRecord& field, RecordIO& to) {
+  if (field.unread) return to.putBytes(field.unread->bytes);
   to.putByte(field.record_type);
   to.putBytes(field.head);
   to.putLe16(static_cast<std::uint32_t>(field.items.size()));

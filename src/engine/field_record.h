@@ -10,6 +10,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -44,6 +45,15 @@ struct FieldRecord {
   std::vector<PopupItem> items;  // at most kMaxItems
   std::vector<Range> ranges;
   Bytes surplus;  // bytes behind the closing zeros, written back as read
+
+  // A record that was not read, since one in front of it is empty, and that one itself: its bytes,
+  // attributes and unique ID, written back as long as the field has no items of its own.
+  struct Unread {
+    Bytes bytes;
+    std::uint8_t attributes = 0;
+    std::array<std::uint8_t, 3> unique_id{};
+  };
+  std::optional<Unread> unread;
 
   std::uint8_t attributes = kAttributeDirty;
   std::array<std::uint8_t, 3> unique_id{};

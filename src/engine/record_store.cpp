@@ -40,6 +40,7 @@ bool RecordStore::replaceFront(std::uint32_t position, std::size_t old_size, Byt
   Record record = Record::copied(bytes, rest);
   record.unique_id = old.unique_id;
   record.attributes = old.attributes;
+  record.is_current = old.is_current;
   record.offset = old.offset;
   old = std::move(record);
   return true;

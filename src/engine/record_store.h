@@ -56,6 +56,7 @@ class Record {
   std::uint32_t offset = 0;  // in the file, computed at the last save
   UniqueId unique_id{};
   std::uint8_t attributes = 0;
+  bool is_current = false;  // a mark that goes where the record goes (nameCurrentRecord)
 
   void swap(Record& other) noexcept {
     std::swap(bytes_, other.bytes_);
@@ -64,12 +65,13 @@ class Record {
     std::swap(offset, other.offset);
     std::swap(unique_id, other.unique_id);
     std::swap(attributes, other.attributes);
+    std::swap(is_current, other.is_current);
   }
 
  private:
-  const std::uint8_t* bytes_ = nullptr;
-  std::uint16_t length_ = 0;  // at most 65535 by the format
   bool owned_ = false;
+  std::uint16_t length_ = 0;  // at most 65535 by the format
+  const std::uint8_t* bytes_ = nullptr;
 };
 static_assert(sizeof(Record) == 24);
 

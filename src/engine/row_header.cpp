@@ -6,6 +6,10 @@
 namespace tabelion {
 namespace {
 
+bool hasCounterpart(int real_slot) {
+  return real_slot < kFieldSlots - 1;
+}
+
 void buildShadow(const DatabaseRecord& real, DatabaseRecord& shadow) {
   shadow = real;
   std::copy(real.fields.begin(), real.fields.end() - 1, shadow.fields.begin() + 1);
@@ -17,21 +21,28 @@ void buildShadow(const DatabaseRecord& real, DatabaseRecord& shadow) {
   header.export_flag = 0;
   header.record_view_flag = 1;
   setFieldName(header, "_rowhdr_");
-  // The row header is shown first; the order of the real fields moves behind it.
-  shadow.display_order[0] = 0;
-  for (std::size_t i = 1; i < kFieldSlots; ++i) {
-    shadow.display_order[i] = static_cast<std::uint8_t>(real.display_order[i - 1] + 1);
+  // The row header is shown first, the real fields behind it in their order. The real slot 99 has
+  // no counterpart, so that all others have a place.
+  std::size_t place = 0;
+  shadow.display_order[place++] = 0;
+  for (const std::uint8_t slot : real.display_order) {
+    if (hasCounterpart(slot) && place < kFieldSlots) {
+      shadow.display_order[place++] = static_cast<std::uint8_t>(slot + 1);
+    }
   }
+  // A damaged order may name a slot twice and others not at all.
+  for (; place < kFieldSlots; ++place) shadow.display_order[place] = 0;
 }
 
-// Takes back what was changed in the shadow. The real slot 99 and the last place of the order have
-// no counterpart there and stay.
+// Takes back what was changed in the shadow. The real slot 99 and its place in the order stay.
 void copyBack(const DatabaseRecord& shadow, DatabaseRecord& real) {
   std::copy(shadow.fields.begin() + 1, shadow.fields.end(), real.fields.begin());
-  for (std::size_t i = 1; i < kFieldSlots; ++i) {
-    const std::uint8_t entry = shadow.display_order[i];
-    real.display_order[i - 1] =
-        entry > shadow.display_order[0] ? static_cast<std::uint8_t>(entry - 1) : entry;
+  auto next = shadow.display_order.begin();
+  for (std::uint8_t& slot : real.display_order) {
+    if (!hasCounterpart(slot)) continue;
+    next = std::find_if(next, shadow.display_order.end(), [](std::uint8_t s) { return s != 0; });
+    if (next == shadow.display_order.end()) return;
+    slot = static_cast<std::uint8_t>(*next++ - 1);
   }
 }
 

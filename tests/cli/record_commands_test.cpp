@@ -128,6 +128,65 @@ TEST_F(RecordCommands, EncipheredValuesAreLeftAlone) {
   EXPECT_EQ(refused.error().text, "Secret: is enciphered in this record");
 }
 
+// A file whose order is stale, or that has a current record.
+TEST_F(RecordCommands, EveryCommandOpensInOrderAndFollowsTheCurrentRecord) {
+  const auto change = [this](auto what) {
+    Engine engine{.files = files, .clock = clock, .random = [] { return 4u; }};
+    Database database;
+    database.path = "/T.PDB";
+    ASSERT_EQ(openDatabase(database, engine), 1);
+    what(database);
+    ASSERT_EQ(saveDatabase(database, engine), 1);
+  };
+  const auto makeStale = [&](std::uint16_t current) {
+    make("");
+    change([&](Database& database) {
+      database.records.move(0, 1);
+      database.schema.sort_pending = 1;
+      database.schema.current_record_index = current;
+    });
+  };
+  const auto state = [this](const std::string& path) {
+    std::string text;
+    Engine engine{.files = files, .clock = clock, .random = [] { return 4u; }};
+    Database database;
+    database.path = path;
+    EXPECT_EQ(openDatabase(database, engine), 1);
+    for (const Record& record : database.records) {
+      text += static_cast<char>(slotValue(record.bytes(), 0)->front());
+    }
+    return text + " pending " + std::to_string(database.schema.sort_pending) + " current " +
+           std::to_string(database.schema.current_record_index);
+  };
+  for (const std::uint16_t current : {0, 102}) {  // none, Gent
+    const std::string then = current == 0 ? "0" : "103";
+    makeStale(current);
+    EXPECT_EQ(run({"list", "/T.PDB", "--csv"}), 0);
+    EXPECT_LT(out.text.find("Bonn"), out.text.find("Gent"));
+    EXPECT_EQ(state("/T.PDB"), "GB pending 1 current " + std::to_string(current));
+    EXPECT_EQ(run({"rewrite", "/T.PDB", "/R.PDB"}), 0);
+    EXPECT_EQ(state("/R.PDB"), "BG pending 0 current " + then);
+    EXPECT_EQ(run({"recalc", "/T.PDB"}), 0);
+    EXPECT_EQ(state("/T.PDB"), "BG pending 0 current " + then);
+    makeStale(current);
+    EXPECT_EQ(run({"add", "/T.PDB", "Ort=Celle"}), 0);
+    EXPECT_EQ(out.text, "2\n");
+    EXPECT_EQ(state("/T.PDB"), "BCG pending 0 current " + (current == 0 ? then : "104"));
+  }
+  // From here on Gent is the current record.
+  EXPECT_EQ(run({"set", "/T.PDB", "3", "Ort=Aachen"}), 0);
+  EXPECT_EQ(state("/T.PDB"), "ABC pending 0 current 102");
+  files.put("/more.csv", std::string("Ort\nAalen\nZug\n"));
+  EXPECT_EQ(run({"import", "/T.PDB", "/more.csv"}), 0);
+  EXPECT_EQ(state("/T.PDB"), "AABCZ pending 0 current 102");
+  EXPECT_EQ(run({"sort", "/T.PDB", "--by", "Ort:desc"}), 0);
+  EXPECT_EQ(state("/T.PDB"), "ZCBAA pending 0 current 106");
+  EXPECT_EQ(run({"delete", "/T.PDB", "1", "4", "--yes"}), 0);
+  EXPECT_EQ(state("/T.PDB"), "CBA pending 0 current 104");
+  EXPECT_EQ(run({"delete", "/T.PDB", "3", "--yes"}), 0);
+  EXPECT_EQ(state("/T.PDB"), "CB pending 0 current 0");
+}
+
 TEST_F(RecordCommands, AccessRightsHold) {
   make(R"("add": "refused", "change": "restricted", "delete": "refused")");
   const auto before = files.bytes("/T.PDB");

@@ -152,6 +152,43 @@ TEST_F(Opening, StoredCurrentRecordAndPendingSortAreTakenUp) {
   EXPECT_EQ(stepsFor(0, 0), (Steps{"refresh"}));
 }
 
+// An empty field record ends the reading of field records, but no bytes are lost by that.
+TEST_F(Opening, WhatLiesBehindAnEmptyFieldRecordSurvives) {
+  for (const int slot : {0, 5, 9}) {
+    addField(slot, kPopup, "Kind");
+    database.fields[std::size_t(slot)].items = {{{1}, "Sea"}, {{2}, "Land"}};
+    database.fields[std::size_t(slot)].unique_id = {std::uint8_t(slot), 1, 2};
+  }
+  addText("a");
+  save();
+  Bytes bytes = file();
+  const std::uint32_t begin = recordOffset(bytes, 4);  // of slot 3
+  const std::uint32_t size = recordOffset(bytes, 5) - begin;
+  bytes.erase(bytes.begin() + begin, bytes.begin() + begin + size);
+  for (int later = 5; later < loadBe16(&bytes[76]); ++later) {
+    const std::uint32_t moved = recordOffset(bytes, later) - size;
+    storeBe16(&bytes[entryPlace(later)], moved >> 16);
+    storeBe16(&bytes[entryPlace(later) + 2], moved);
+  }
+  setFile(bytes);
+  ASSERT_EQ(open(), 1);
+  EXPECT_EQ(database.fields[0].items.size(), 2u);
+  EXPECT_TRUE(database.fields[5].items.empty());
+  EXPECT_EQ(database.fields[5].unique_id, UniqueId{}) << "keeps its defaults";
+  save();
+  const Bytes saved = file();
+  EXPECT_TRUE(std::equal(bytes.begin() + 44, bytes.end(), saved.begin() + 44, saved.end()))
+      << "all but the modification date";
+
+  // Items of a field behind it have to be found again.
+  database.fields[5].items = {{{3}, "Air"}};
+  save();
+  ASSERT_EQ(open(), 1);
+  EXPECT_EQ(database.fields[5].items[0].text, "Air");
+  EXPECT_EQ(database.fields[9].items.size(), 2u);
+  EXPECT_EQ(database.fields[9].unique_id, (UniqueId{9, 1, 2}));
+}
+
 TEST_F(Opening, RowHeaderShowsAShadowOfTheSchema) {
   addField(0, FieldType::kText, "Name");
   addField(1, FieldType::kDate, "Born");
@@ -168,6 +205,18 @@ TEST_F(Opening, RowHeaderShowsAShadowOfTheSchema) {
   EXPECT_EQ(shown.display_order[2], 1);
 
   const Bytes before(database.schema.display_order.begin(), database.schema.display_order.end());
+  for (const std::uint8_t last : {99, 0}) {  // the last slot has no place, wherever it stands
+    std::swap(database.schema.display_order[0], database.schema.display_order[last]);
+    setRowHeader(database, true);
+    Bytes order(shown.display_order.begin(), shown.display_order.end());
+    std::sort(order.begin(), order.end());
+    for (std::size_t i = 0; i < order.size(); ++i) EXPECT_EQ(order[i], i);
+    setRowHeader(database, false);
+    std::swap(database.schema.display_order[0], database.schema.display_order[last]);
+    EXPECT_EQ(Bytes(database.schema.display_order.begin(), database.schema.display_order.end()),
+              before);
+    setRowHeader(database, true);
+  }
   database.shadow->fields[2].column_width = 99;
   setRowHeader(database, false);
   EXPECT_EQ(database.schema.fields[1].column_width, 99) << "changes made meanwhile are kept";
