@@ -13,17 +13,6 @@ struct AddOptions {
   bool json = false;
 };
 
-// A note without a text needs one byte, as an import stores it, not the whole area.
-void cutEmptyNotes(const DatabaseRecord& schema, UnpackedRecord& record) {
-  for (std::size_t slot = 0; slot < record.slots.size(); ++slot) {
-    auto& value = record.slots[slot];
-    if (schema.fields[slot].type == FieldType::kNote && value && !value->empty() &&
-        value->front() == 0) {
-      value->resize(1);
-    }
-  }
-}
-
 ExitCode runAdd(const AddOptions& options, CliContext& context) {
   ExitCode failure{};
   const auto opened = openFor(context, options.file, Operation::kAdd, failure);
@@ -32,7 +21,6 @@ ExitCode runAdd(const AddOptions& options, CliContext& context) {
   UnpackedRecord record = newRecord(database.schema);
   const Status assigned = assignFields(database, opened->encoding, options.values, record);
   if (!assigned.ok()) return failAt(context, database, assigned.error());
-  cutEmptyNotes(database.schema, record);
   return storeAndSave(context, database, opened->encoding, kNoPosition, std::move(record),
                       options.json);
 }

@@ -91,6 +91,7 @@ Result<Bytes> cellValue(const Database& database, const TextEncoding& encoding,
   if (const auto reason = readCell({column, field, names, encoding}, assignment.value, value)) {
     return about(assignment, *reason);
   }
+  fitValue(field, value);
   return value;
 }
 

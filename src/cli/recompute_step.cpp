@@ -35,10 +35,12 @@ void sayCorrupt(CliContext& context, const std::string& file, const TextEncoding
                 const Database& database, const RecomputeOutcome& outcome) {
   for (const CorruptField& field : outcome.corrupt) {
     const auto slot = static_cast<std::size_t>(field.slot);
-    context.say(fmt::format(
-        "{}: the formula of \"{}\" is invalid or corrupt; its values are -1, the first "
-        "in record {}",
-        file, encoding.toUtf8(fieldName(database.schema.fields[slot])), field.first_position + 1));
+    context.say(
+        fmt::format("{}: the formula of \"{}\" is invalid or corrupt; its value is -1 in {} "
+                    "record{}, the first "
+                    "is record {}",
+                    file, encoding.toUtf8(fieldName(database.schema.fields[slot])), field.values,
+                    field.values == 1 ? "" : "s", field.first_position + 1));
   }
 }
 

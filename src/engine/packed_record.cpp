@@ -60,40 +60,81 @@ bool packRecord(const UnpackedRecord& record, Bytes& into) {
   return into.size() <= kMaxRecordSize;
 }
 
+namespace {
+
+bool isEnciphered(const FieldDefinition& field, const Bytes& prefix) {
+  return field.encrypt_flag != 0 && isRecordEncrypted(prefix);
+}
+
+// The bytes that a value of this type has at least.
+std::size_t leastSize(const FieldDefinition& field) {
+  switch (traitsOf(field.type).form) {
+    case ValueForm::kNone:
+    case ValueForm::kText:
+    case ValueForm::kLookup:
+      return 0;
+    case ValueForm::kLink:
+      return kLinkHeadSize;
+    case ValueForm::kNote:
+    case ValueForm::kNumberText:
+    case ValueForm::kResult:
+    case ValueForm::kInteger:
+    case ValueForm::kKey:
+    case ValueForm::kPopupKey:
+    case ValueForm::kFlag:
+    case ValueForm::kDays:
+    case ValueForm::kClock:
+    case ValueForm::kBlock:
+      break;
+  }
+  return fieldValueSize(field);
+}
+
+// A note up to its text's end, one zero for an empty one.
+void shortenNotes(const DatabaseRecord& schema, UnpackedRecord& record) {
+  for (std::size_t slot = 0; slot < kFieldSlots; ++slot) {
+    const FieldDefinition& field = schema.fields[slot];
+    auto& value = record.slots[slot];
+    if (field.type != FieldType::kNote || !value || isEnciphered(field, record.prefix)) continue;
+    const auto end = std::find_if(value->rbegin(), value->rend(), [](auto byte) { return byte; });
+    value->resize(static_cast<std::size_t>(value->rend() - end) + 1);
+  }
+}
+
+}  // namespace
+
+void fitValue(const FieldDefinition& field, Bytes& into, std::size_t begin) {
+  if (field.type == FieldType::kTime && into.size() == begin) into.insert(into.end(), {0, 0, kNoTimeHour});
+  into.resize(std::max(into.size(), begin + leastSize(field)));
+}
+
+void fitRecord(const DatabaseRecord& schema, UnpackedRecord& record) {
+  std::size_t present = kFieldSlots;
+  while (present > 0 && !record.slots[present - 1]) --present;
+  for (std::size_t slot = 0; slot < present; ++slot) {
+    const FieldDefinition& field = schema.fields[slot];
+    auto& value = record.slots[slot];
+    if (!value) value.emplace();
+    if (!isEnciphered(field, record.prefix)) fitValue(field, *value);
+  }
+}
+
+bool packFitted(const DatabaseRecord& schema, UnpackedRecord& record, Bytes& into) {
+  fitRecord(schema, record);
+  if (packRecord(record, into)) return true;
+  shortenNotes(schema, record);
+  return packRecord(record, into);
+}
+
 UnpackedRecord newRecord(const DatabaseRecord& schema) {
   UnpackedRecord record;
   record.prefix.assign(1 + sizeof(HeadBlock), 0);
   record.prefix[0] = kStampedPrefix;
-  int last = -1;
-  for (int slot = 0; slot < kFieldSlots; ++slot) {
-    if (isValidType(schema.fields[static_cast<std::size_t>(slot)].type)) last = slot;
-  }
-  for (int slot = 0; slot <= last; ++slot) {
-    const FieldDefinition& field = schema.fields[static_cast<std::size_t>(slot)];
-    Bytes value;
-    switch (traitsOf(field.type).form) {
-      case ValueForm::kInteger:
-      case ValueForm::kKey:
-      case ValueForm::kPopupKey:
-      case ValueForm::kFlag:
-      case ValueForm::kDays:
-      case ValueForm::kNote:
-      case ValueForm::kBlock:
-        value.assign(fieldValueSize(field), 0);
-        break;
-      case ValueForm::kClock:
-        value = {0, 0, kNoTimeHour, 0};
-        break;
-      case ValueForm::kNone:
-      case ValueForm::kText:
-      case ValueForm::kNumberText:
-      case ValueForm::kResult:
-      case ValueForm::kLink:
-      case ValueForm::kLookup:
-        break;
-    }
-    record.slots[static_cast<std::size_t>(slot)] = std::move(value);
-  }
+  std::size_t count = kFieldSlots;
+  while (count > 0 && !isValidType(schema.fields[count - 1].type)) --count;
+  if (count > 0) record.slots[count - 1].emplace();
+  Bytes packed;
+  (void)packFitted(schema, record, packed);  // which shortens the notes of one that is too long
   return record;
 }
 

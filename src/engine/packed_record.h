@@ -98,8 +98,25 @@ UnpackedRecord unpackRecord(ByteView record);
 // is how the form can say "no value" in the middle. False when longer than kMaxRecordSize.
 [[nodiscard]] bool packRecord(const UnpackedRecord& record, Bytes& into);
 
+// How a value is written: with as many bytes as its type has, so that a reader that takes them
+// without looking at the length finds its own value and no other. What is missing at the end of
+// `into`, where the value begins at `begin`, is added as zeros; nothing is cut.
+//   2, 4, 5, 6, 8, 9, 10   their 4, 14 or 1 bytes; no bytes at all mean no time in a 9
+//   3, 15                  17 bytes
+//   7                      2001 bytes
+//   11                     at least its 24-byte head
+//   18                     the field's width
+//   others                 as they are: their length is read
+void fitValue(const FieldDefinition& field, Bytes& into, std::size_t begin = 0);
+// The same for every value of a record in clear or enciphered, whose enciphered values stay. Slots
+// that are absent before one that is present get the value that a new record has there.
+void fitRecord(const DatabaseRecord& schema, UnpackedRecord& record);
+// Fits and packs a record that is to be stored. Notes take no more room than they need in one that
+// would be longer than kMaxRecordSize otherwise (33 notes are). False when it is all the same.
+[[nodiscard]] bool packFitted(const DatabaseRecord& schema, UnpackedRecord& record, Bytes& into);
+
 // An empty record of the schema: a 23-byte prefix with room for a stamp, and for every slot of the
-// database an empty or zero value (dates and check boxes 0, times "no time", texts empty).
+// database an empty or zero value (dates and check boxes 0, times "no time", texts empty), fitted.
 UnpackedRecord newRecord(const DatabaseRecord& schema);
 
 // A value in its area of fieldValueSize bytes, by the rule of its type:

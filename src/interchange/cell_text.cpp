@@ -23,6 +23,10 @@ std::string_view untilNul(ByteView stored) {
           nul ? static_cast<std::size_t>(static_cast<const char*>(nul) - begin) : stored.size()};
 }
 
+bool isZero(ByteView bytes) {
+  return std::all_of(bytes.begin(), bytes.end(), [](std::uint8_t byte) { return byte == 0; });
+}
+
 template <class Number>
 CellText numberCell(Number number, CellScratch& scratch) {
   const auto end =
@@ -54,11 +58,13 @@ CellText dateCell(std::uint32_t days, CellScratch& scratch) {
 }
 
 CellText timeCell(ByteView stored, CellScratch& scratch) {
-  if (stored[2] == kNoTimeHour) return {};
+  std::array<std::uint8_t, 3> parts{};
+  std::copy_n(stored.begin(), std::min(stored.size(), parts.size()), parts.begin());
+  if (parts[2] == kNoTimeHour) return {};
   char* at = scratch.digits.data();
-  for (const int part : {2, 1, 0}) {
+  for (const std::size_t part : {2, 1, 0}) {
     if (part != 2) *at++ = ':';
-    const unsigned number = stored[static_cast<std::size_t>(part)];
+    const unsigned number = parts[part];
     at = number < 100 ? putTwoDigits(at, number) : std::to_chars(at, at + 3, number).ptr;
   }
   return {{scratch.digits.data(), static_cast<std::size_t>(at - scratch.digits.data())}};
@@ -76,24 +82,16 @@ CellText numberTextCell(std::string_view stored, CellScratch& scratch) {
 }
 
 CellText popupCell(const PopupNames& popups, ByteView stored, CellScratch& scratch) {
+  std::array<std::uint8_t, kPopupKeySize> padded{};
+  if (stored.size() < padded.size()) {
+    std::copy(stored.begin(), stored.end(), padded.begin());
+    stored = padded;
+  }
   if (const std::string* name = popups.nameOf(stored)) return {*name, false};
-  const bool is_empty =
-      std::all_of(stored.begin(), stored.end(), [](std::uint8_t byte) { return byte == 0; });
-  if (is_empty) return {};
+  if (isZero(stored)) return {};
   scratch.text.assign(1, '?');
   scratch.text.append(toHex(stored));
   return {scratch.text};
-}
-
-CellText linkCell(bool is_key, ByteView stored, CellScratch& scratch) {
-  const bool is_empty = stored.size() <= kLinkHeadSize;
-  if (!is_key) {
-    if (is_empty) return {};
-    return {untilNul(stored.subspan(kLinkHeadSize)), false, false};
-  }
-  const std::uint32_t key = stored.size() < 4 ? 0 : loadLe32(stored.data());
-  if (is_empty && key == 0) return {};
-  return numberCell(key, scratch);
 }
 
 // A 32-bit value; one that is stored shorter reads as padded with zeros.
@@ -102,6 +100,17 @@ std::uint32_t load32(ByteView stored) {
   std::array<std::uint8_t, 4> padded{};
   std::copy(stored.begin(), stored.end(), padded.begin());
   return loadLe32(padded.data());
+}
+
+CellText linkCell(bool is_key, ByteView stored, CellScratch& scratch) {
+  const bool is_empty = stored.size() <= kLinkHeadSize;
+  if (!is_key) {
+    if (is_empty) return {};
+    return {untilNul(stored.subspan(kLinkHeadSize)), false, false};
+  }
+  const std::uint32_t key = load32(stored);
+  if (is_empty && key == 0) return {};
+  return numberCell(key, scratch);
 }
 
 // Digits alone; -1 when there is anything else, or nothing.
@@ -219,33 +228,15 @@ std::optional<std::string> readNumberText(std::string_view text, bool calculated
   return std::nullopt;
 }
 
-bool isAscii(std::string_view text) {
-  std::size_t i = 0;
-  std::uint64_t bits = 0;
-  for (; i + 8 <= text.size(); i += 8) {
-    std::uint64_t eight;
-    std::memcpy(&eight, text.data() + i, 8);
-    bits |= eight;
-  }
-  for (; i < text.size(); ++i) bits |= static_cast<std::uint8_t>(text[i]);
-  return (bits & 0x8080808080808080u) == 0;
-}
-
 // The text and its NUL; `most` is the longest text that the field takes.
 std::optional<std::string> readText(const TextEncoding& encoding, std::string_view text,
                                     std::size_t most, Bytes& value) {
-  std::string converted;
-  if (!isAscii(text)) {
-    Encoded encoded = encoding.fromUtf8(text);
-    if (!encoded.ok()) return describeFault(*encoded.fault, encoding);
-    converted = std::move(encoded.bytes);
-    text = converted;
-  }
-  if (text.size() > most) {
-    return fmt::format("the text takes {} bytes; the field holds {}", text.size(), most);
-  }
-  if (!text.empty() && std::memchr(text.data(), 0, text.size())) return "the text holds a NUL";
-  value.insert(value.end(), text.begin(), text.end());
+  const std::size_t begin = value.size();
+  if (const auto fault = encoding.appendFromUtf8(value, text))
+    return describeFault(*fault, encoding);
+  const std::size_t size = value.size() - begin;
+  if (size > most) return fmt::format("the text takes {} bytes; the field holds {}", size, most);
+  if (size > 0 && std::memchr(value.data() + begin, 0, size)) return "the text holds a NUL";
   value.push_back(0);
   return std::nullopt;
 }
@@ -274,14 +265,6 @@ bool isTextType(FieldType type) {
   }
 }
 
-// What an empty cell is stored as.
-void putNoValue(FieldType type, Bytes& value) {
-  if (type == FieldType::kTime) value.insert(value.end(), {0, 0, kNoTimeHour, 0});
-  if (type == FieldType::kDate) putLe32(value, 0);
-  if (type == FieldType::kPopup) value.resize(value.size() + kPopupKeySize);
-  if (type == FieldType::kNote) value.push_back(0);
-}
-
 }  // namespace
 
 CellText cellText(const TableColumn& column, const PopupNames& popups, ByteView stored,
@@ -303,10 +286,11 @@ CellText cellText(const TableColumn& column, const PopupNames& popups, ByteView 
     case FieldType::kDate:
       return dateCell(load32(stored), scratch);
     case FieldType::kTime:
-      return stored.size() < 3 ? CellText{} : timeCell(stored, scratch);
+      return timeCell(stored, scratch);
     case FieldType::kLinkField:
       return linkCell(column.is_link_key, stored, scratch);
     case FieldType::kExternal:
+      if (isZero(stored)) return {};
       scratch.text = toHex(stored);
       return {scratch.text};
     default:
@@ -335,10 +319,7 @@ std::optional<std::string> readLinkCells(const TextEncoding& encoding, std::stri
 std::optional<std::string> readCell(const CellReader& reader, std::string_view text, Bytes& value) {
   const FieldType type = reader.column.type;
   if (!isTextType(type) && type != FieldType::kPopup) text = withoutBlanks(text);
-  if (text.empty()) {
-    putNoValue(type, value);
-    return std::nullopt;
-  }
+  if (text.empty()) return std::nullopt;
   switch (type) {
     case FieldType::kInteger:
     case FieldType::kAutoNumber:

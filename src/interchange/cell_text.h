@@ -7,9 +7,10 @@
 //   date                YYYY-MM-DD           time   HH:MM:SS (its fourth byte has no text)
 //   pop-up              the item's name; a value that no item has: "?" and its 14 bytes as hex
 //   link                its text; the key has a column of its own
-//   external            hexadecimal digits
+//   external            hexadecimal digits; zeros alone are no value
 //
-// No value is an empty cell. Texts are 8-bit here when `is_utf8` is off.
+// No value is an empty cell. An empty cell is no value, of integers and check boxes 0. A value that
+// is shorter than its type reads as padded with zeros. Texts are 8-bit here when `is_utf8` is off.
 #pragma once
 
 #include <array>
@@ -39,9 +40,10 @@ struct CellScratch {
 CellText cellText(const TableColumn& column, const PopupNames& popups, ByteView stored,
                   CellScratch& scratch);
 
-// Text as a value, appended to `value`. The error's text says what is wrong, without the place.
-// Blanks around anything but a text do not count. Dates may be in the form of `dates` as well,
-// with a whole year: 5.9.24 is of no century. Check boxes may be in words.
+// Text as a value, appended to `value`, which may have fewer bytes than its type (fitValue); an
+// empty text gives none. The error's text says what is wrong, without the place. Blanks around
+// anything but a text do not count. Dates may be in the form of `dates` as well, with a whole year:
+// 5.9.24 is of no century. Check boxes may be in words.
 struct CellReader {
   const TableColumn& column;
   const FieldDefinition& field;

@@ -54,6 +54,9 @@ class Importer {
   std::optional<std::string> insertRecord();
   const TableColumn* columnNamed(std::string_view name) const;
   std::string unknownColumn(std::string_view name) const;
+  const FieldDefinition& fieldOf(const SlotPlan& slot) const {
+    return database_.schema.fields[static_cast<std::size_t>(slot.column.slot)];
+  }
 
   const ImportForm& form_;
   const TextEncoding& encoding_;
@@ -164,10 +167,8 @@ std::optional<std::string> Importer::putSlot(const SlotPlan& slot,
   if (slot.column.type == FieldType::kLinkField) {
     return readLinkCells(encoding_, text, cellAt(slot.key_cell), record_);
   }
-  const FieldDefinition& field =
-      database_.schema.fields[static_cast<std::size_t>(slot.column.slot)];
   const FormatSettings* dates = form_.dates ? &*form_.dates : nullptr;
-  return readCell({slot.column, field, slot.popups, encoding_, dates}, text, record_);
+  return readCell({slot.column, fieldOf(slot), slot.popups, encoding_, dates}, text, record_);
 }
 
 std::vector<CellFault> Importer::addRow(const std::vector<std::string_view>& cells) {
@@ -181,6 +182,7 @@ std::vector<CellFault> Importer::addRow(const std::vector<std::string_view>& cel
     const std::size_t length_place = record_.size();
     record_.resize(length_place + 2);
     auto reason = putSlot(slot, cells);
+    if (!reason) fitValue(fieldOf(slot), record_, length_place + 2);
     const std::size_t length = record_.size() - length_place - 2;
     if (!reason && length >= kEndOfRecord) reason = "the value is too long";
     if (reason) {
@@ -197,6 +199,10 @@ std::vector<CellFault> Importer::addRow(const std::vector<std::string_view>& cel
 
 std::optional<std::string> Importer::insertRecord() {
   ByteWriter(record_).putLe16(kEndOfRecord);
+  if (record_.size() > kMaxRecordSize) {
+    UnpackedRecord unpacked = unpackRecord(record_);
+    (void)packFitted(database_.schema, unpacked, record_);
+  }
   if (database_.records.isFull()) {
     return fmt::format("the database is full: it holds {} records, the most it can",
                        database_.records.count());

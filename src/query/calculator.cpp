@@ -80,14 +80,6 @@ bool Calculator::isMaskedSlot(std::size_t slot) const {
   return enciphered_ && database_.schema.fields[slot].encrypt_flag != 0;
 }
 
-// What a formula needs is not to be read, so what it gave before is better than what it would give.
-bool Calculator::hasMaskedOperand(const Calculation& calculation) const {
-  return std::any_of(
-      calculation.fields.begin(), calculation.fields.end(), [this](const Operand& field) {
-        return field.previous ? previous_masked_[field.slot] : isMaskedSlot(field.slot);
-      });
-}
-
 double Calculator::numberOf(std::size_t slot) {
   if (!known_[slot]) {
     known_.set(slot);
@@ -112,7 +104,7 @@ int Calculator::compute(std::uint32_t position, const CorruptFormula& corrupt) {
   new_values_.clear();
   int corrupt_count = 0;
   for (Calculation& calculation : calculations_) {
-    if (isMaskedSlot(calculation.slot) || hasMaskedOperand(calculation)) continue;
+    if (isMaskedSlot(calculation.slot)) continue;
     for (const Operand& field : calculation.fields) {
       calculation.operands[field.token] =
           field.previous ? previous_[field.slot] : numberOf(field.slot);
@@ -140,7 +132,6 @@ void Calculator::putNewValue(std::size_t slot) {
   value.slot = static_cast<int>(slot);
   value.old = values_[slot];
   std::copy(text_.begin(), text_.end(), value.bytes.begin());
-  value.size = text_.size() + 1;
   values_[slot] = value.view();
   known_.reset(slot);
 }
@@ -153,7 +144,7 @@ bool Calculator::packChanged(Bytes& into) const {
       const ByteView bytes = value.view();
       unpacked.slots[static_cast<std::size_t>(value.slot)].emplace(bytes.begin(), bytes.end());
     }
-    return packRecord(unpacked, into);
+    return packFitted(database_.schema, unpacked, into);
   }
   // All slots are there: copy what lies between them.
   into.clear();
@@ -161,7 +152,7 @@ bool Calculator::packChanged(Bytes& into) const {
   const std::uint8_t* at = record_.data();
   for (const NewValue& value : new_values_) {
     writer.putBytes({at, value.old.data() - 2});
-    writer.putLe16(static_cast<std::uint32_t>(value.size));
+    writer.putLe16(kNumberTextSize);
     writer.putBytes(value.view());
     at = value.old.data() + value.old.size();
   }
@@ -170,10 +161,7 @@ bool Calculator::packChanged(Bytes& into) const {
 }
 
 void Calculator::keepAsPrevious() {
-  for (const std::size_t slot : previous_slots_) {
-    previous_[slot] = numberOf(slot);
-    previous_masked_[slot] = isMaskedSlot(slot);
-  }
+  for (const std::size_t slot : previous_slots_) previous_[slot] = numberOf(slot);
 }
 
 }  // namespace tabelion

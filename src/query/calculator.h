@@ -15,14 +15,13 @@
 
 namespace tabelion {
 
-// A value that differs from the stored one: its text and a NUL.
+// A value that differs from the stored one: its text and zeros.
 struct NewValue {
   int slot = 0;
   ByteView old;  // what is stored now
   std::array<std::uint8_t, kNumberTextSize> bytes{};
-  std::size_t size = 0;
 
-  ByteView view() const { return ByteView(bytes).first(size); }
+  ByteView view() const { return bytes; }
 };
 
 // Refers to the database, whose schema must not change meanwhile, and to the settings.
@@ -68,7 +67,6 @@ class Calculator {
   void add(int slot);
   void putNewValue(std::size_t slot);
   bool isMaskedSlot(std::size_t slot) const;
-  bool hasMaskedOperand(const Calculation& calculation) const;
   double numberOf(std::size_t slot);
   double readNumber(std::size_t slot) const;
 
@@ -85,7 +83,6 @@ class Calculator {
   std::bitset<kFieldSlots> known_;              // whose number was read
   std::array<double, kFieldSlots> numbers_{};   // of the values known
   std::array<double, kFieldSlots> previous_{};  // of the previous record; 0 when there is none
-  std::bitset<kFieldSlots> previous_masked_;
   std::vector<NewValue> new_values_;
   std::string text_;
 };

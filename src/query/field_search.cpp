@@ -97,7 +97,7 @@ bool FieldSearch::isPossibleIn(std::string_view letters) const {
 }
 
 FieldSearch::Kind FieldSearch::prepareDate(Kind kind) {
-  without_value_ = search_.isIn(kNoDateFound);
+  without_value_ = search_.isIn(kind == Kind::kResultDate ? kNoDateText : kNoDateFound);
   with_value_ = isPossibleIn(settings_.formats.show_date.separator);
   return without_value_ || with_value_ ? kind : Kind::kNever;
 }
@@ -163,6 +163,8 @@ bool FieldSearch::matches(ByteView record, ByteView value) const {
     case Kind::kCheckBox:
       return search_.text == (value.empty() || value[0] == 0 ? "0" : "1") &&
              (value.empty() || value[0] <= 1);
+    case Kind::kTime:
+      return matchesTime(timeOfValue(value));
     default:
       return value.empty() ? search_.text.empty() : matchesShown(value);
   }
@@ -180,8 +182,6 @@ bool FieldSearch::matchesShown(ByteView value) const {
     }
     case Kind::kDate:
       return matchesDate(numberOfValue(value));
-    case Kind::kTime:
-      return matchesTime(timeOfValue(value));
     case Kind::kResult:
       return search_.isIn(storedText(value));
     case Kind::kResultTime: {

@@ -38,11 +38,11 @@ struct SearchText {
 //   15              the result's text, of kind 3 its date        as it stands
 //   others          never
 //
-// An empty value has an empty text.
+// An empty value has an empty text, an empty time that of no time.
 // Compat: where a value stands as it is, only the text looked for is folded, so that its capitals
-// are found by a case-sensitive search alone; no date is "No Date", not "NO DATE"; a result of kind
-// 2 is taken for the time whose second, minute and hour are its number's low three bytes
-// (Find.KeptOddities).
+// are found by a case-sensitive search alone; no date is "No Date", but that of a result "NO DATE";
+// a result of kind 2 is taken for the time whose second, minute and hour are its number's low three
+// bytes (Find.KeptOddities).
 class FieldSearch {
  public:
   FieldSearch(const Database& database, int slot, const SearchText& search,

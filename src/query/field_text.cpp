@@ -74,12 +74,20 @@ bool appendTyped(std::string& into, const FieldDefinition& field, const FieldRec
                  bool raw) {
   switch (field.type) {
     case FieldType::kText:
-    case FieldType::kFloat:
     case FieldType::kLongText:
     case FieldType::kTextVariant:
     case FieldType::kText254:
       into += storedText(value);
       return true;
+    case FieldType::kFloat: {
+      const std::size_t begin = into.size();
+      into += storedText(value);
+      // Stored with a point, shown as results are.
+      if (!raw && settings.choices.decimal_comma) {
+        std::replace(into.begin() + static_cast<std::ptrdiff_t>(begin), into.end(), '.', ',');
+      }
+      return true;
+    }
     case FieldType::kExternal:
     case FieldType::kLookup:
       return true;
@@ -110,7 +118,7 @@ bool appendTyped(std::string& into, const FieldDefinition& field, const FieldRec
       return true;
     case FieldType::kLinkedField:
       if (raw) appendInteger(into, numberOfValue(value));
-      return true;
+      return raw;
     case FieldType::kLinkField:
       if (raw)
         appendInteger(into, linkKey(value));
@@ -253,13 +261,13 @@ bool hasValue(const Database& database, ByteView record, int slot, const FormatS
     case FieldType::kFloat:
       return numberOfText(text, settings.choices.decimal_comma) != 0;
     case FieldType::kPopup:
-      return !text.empty() && text != kNoValueText;
+      return !value->empty() && text != kNoValueText;
     case FieldType::kCheckBox:
       return leadingInteger(text) == 1;
     case FieldType::kDate:
-      return !text.empty() && text != kNoDateText;
+      return !value->empty() && text != kNoDateText;
     case FieldType::kTime:
-      return !text.empty() && text != kNoTimeText;
+      return !value->empty() && text != kNoTimeText;
     default:
       return true;
   }

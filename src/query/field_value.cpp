@@ -7,6 +7,7 @@
 #include <optional>
 #include <utility>
 
+#include "engine/packed_record.h"
 #include "engine/schema_places.h"
 #include "query/date_text.h"
 #include "query/field_text.h"
@@ -228,8 +229,9 @@ bool isUnchanged(const Input& input) {
   edited.show_date = edited.edit_date;
   edited.show_time = edited.edit_time;
   std::string shown;
-  return appendValueText(shown, input.field, input.items, input.previous, edited) &&
-         shown == input.text;
+  const bool has_text = appendValueText(shown, input.field, input.items, input.previous, edited) ||
+                        input.field.type == FieldType::kLinkedField;  // it shows none, which is what came back
+  return has_text && shown == input.text;
 }
 
 Refusal putNewValue(Bytes& into, const Input& input) {
@@ -241,7 +243,6 @@ Refusal putNewValue(Bytes& into, const Input& input) {
     case FieldType::kText254:
       return putText(into, input.text, area == 0 ? 0 : area - 1);
     case FieldType::kNote:
-      if (input.text.empty()) into.push_back(0);
       return putText(into, input.text, kNoteSize - 1);
     case FieldType::kInteger:
     case FieldType::kAutoNumber:
@@ -291,11 +292,13 @@ Status appendValueOfText(Bytes& into, const FieldDefinition& field, const FieldR
                          std::string_view text, const FormatSettings& settings, ByteView previous,
                          InputCare care) {
   const Input input{field, items, text, settings, previous, care};
+  const std::size_t begin = into.size();
   if (isUnchanged(input)) {
     into.insert(into.end(), previous.begin(), previous.end());
-  } else if (auto refusal = putNewValue(into, input)) {
-    return std::move(*refusal);
+    return Done{};
   }
+  if (auto refusal = putNewValue(into, input)) return std::move(*refusal);
+  fitValue(field, into, begin);
   return Done{};
 }
 

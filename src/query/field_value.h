@@ -25,9 +25,11 @@ enum class InputCare { kPerson, kFile };
 // all its fields. A time without seconds whose hour and minute are those of before keeps its
 // seconds, every time keeps the fourth byte and every link its head.
 //
-//   texts (1, 12, 14, 17, 7)  the text and its NUL; empty gives no bytes (a note one zero). No NULs
-//                             inside; at most width, 2001, width, 253 and 2000 bytes
-//   2, 6 · 10                 a whole number of 32 bits, signed · unsigned; empty gives no bytes
+// A new value has as many bytes as its type (fitValue).
+//
+//   texts (1, 12, 14, 17, 7)  the text and its NUL; an empty one gives no bytes, a note its zeros.
+//                             No NULs inside; at most width, 2001, width, 253 and 2000 bytes
+//   2, 6 · 10                 a whole number of 32 bits, signed · unsigned; empty is 0
 //   3                         a number of at most 16 characters, kept as typed but with a decimal
 //                             point, which reads right under either decimal setting
 //   4                         the first item with exactly this text; "No Value" or empty a key that

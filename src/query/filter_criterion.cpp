@@ -21,7 +21,7 @@ DateRange dateBounds(const FilterBlock& criterion, const QuerySettings& settings
 
 // Hour, minute and second as one number that grows with the time of day; no time is behind all.
 std::int64_t timeNumber(ByteView value) {
-  const TimeValue time = value.empty() ? TimeValue{} : timeOfValue(value);
+  const TimeValue time = timeOfValue(value);
   return time.second | time.minute << 8 | time.hour << 16;
 }
 

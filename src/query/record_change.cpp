@@ -47,7 +47,7 @@ std::uint32_t storeRecord(Database& database, Engine& engine, std::uint32_t posi
   recomputeRecord(database, record, is_new ? database.records.count() : position, settings,
                   corrupt);
   Bytes packed;
-  if (!packRecord(record, packed)) return kNoPosition;
+  if (!packFitted(database.schema, record, packed)) return kNoPosition;
   if (is_new) {
     position = appendRecord(database, engine, packed, true);
     if (position == kNoPosition) return kNoPosition;

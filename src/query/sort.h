@@ -15,7 +15,7 @@ namespace tabelion {
 
 // The sign of a - b for one field, of b - a when `forward` is off.
 //   1, 12, 14, 17  text, case folded         2, 6, 8  32-bit difference, wrapping
-//   3, 15          numbers (15 of kinds 1 to 3: leading integers)
+//   3, 15          numbers (15 of kinds 1 to 3: leading integers; of no kind that there is: equal)
 //   4              the items' texts, case folded      5  the stored bytes
 //   9              hour, minute, second; no time last  11  the text, empty first
 //   others         always equal

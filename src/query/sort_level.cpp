@@ -14,9 +14,18 @@
 namespace tabelion {
 namespace {
 
-bool countsInWholeNumbers(const FieldDefinition& field) {
-  const int kind = storedFormula(field).result_kind;
-  return kind >= 1 && kind <= 3;
+// By the kind of the result; kinds that there are not have no order.
+SortKind kindOfResult(const FieldDefinition& field) {
+  switch (effectiveType(field)) {
+    case FieldType::kFloat:
+      return SortKind::kReal;
+    case FieldType::kInteger:
+    case FieldType::kTime:
+    case FieldType::kDate:
+      return SortKind::kNumber;
+    default:
+      return SortKind::kAlwaysEqual;
+  }
 }
 
 SortKind kindOf(const FieldDefinition& field) {
@@ -39,7 +48,7 @@ SortKind kindOf(const FieldDefinition& field) {
     case FieldType::kLinkField:
       return SortKind::kLink;
     case FieldType::kCalculated:
-      return countsInWholeNumbers(field) ? SortKind::kNumber : SortKind::kReal;
+      return kindOfResult(field);
     default:
       return SortKind::kAlwaysEqual;
   }

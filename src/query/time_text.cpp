@@ -49,6 +49,7 @@ bool isNumberUpTo(std::string_view token, int most) {
 }  // namespace
 
 TimeValue timeOfValue(ByteView value) {
+  if (value.empty()) return {};
   const auto byteAt = [&](std::size_t at) {
     return at < value.size() ? value[at] : std::uint8_t{0};
   };

@@ -15,7 +15,7 @@ inline constexpr std::string_view kNoTimeText = "No Time";
 inline constexpr std::size_t kTimeValueSize = 4;
 
 // A time value: second, minute, hour, and a fourth byte that has no text. Read from fewer bytes,
-// the rest counts as zero.
+// the rest counts as zero; no bytes at all are no time.
 struct TimeValue {
   std::uint8_t second = 0;
   std::uint8_t minute = 0;

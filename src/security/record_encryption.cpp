@@ -88,7 +88,6 @@ ByteView textBehindLength(CipherForm form, ByteView value) {
 
 // Behind a text its NUL; a number is as long as its area.
 void closeText(Bytes& into, FieldType type, std::size_t length) {
-  if (length == 0 && type != FieldType::kLinkField) return;
   into.push_back(0);
   const bool is_number = type == FieldType::kFloat || type == FieldType::kCalculated;
   if (is_number && length + 1 < kNumberTextSize)

@@ -15,7 +15,7 @@
 //
 // A record that was enciphered and deciphered with one password has the same bytes again, with
 // these exceptions, where the stored form says less than the clear one:
-//   - texts come back with exactly one NUL behind them, an empty text without any bytes
+//   - texts come back with exactly one NUL behind them, empty ones too
 //   - numbers and calculated values come back with their 17 bytes
 //   - a note stored in fewer than 2001 bytes comes back with zeros up to there
 //   - the stamp's checksum byte keeps the last checksum

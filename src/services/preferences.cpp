@@ -62,7 +62,7 @@ void SavePreferences(Platform& platform, const Preferences& preferences) {
 
 void LoadWeekStart(Platform& platform, Preferences& preferences) {
   if (const auto stored = ReadNumberSetting(platform.settings, Setting::kWeekStart)) {
-    preferences.week_starts_monday = *stored != 0 ? 1 : 0;
+    preferences.week_starts_monday = *stored == 1 ? 1 : 0;  // anything else is Sunday
     return;
   }
   if (preferences.week_starts_monday != 0) preferences.week_starts_monday = 1;

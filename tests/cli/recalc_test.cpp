@@ -79,8 +79,8 @@ TEST_F(Recalc, CorruptFormulasAndCirclesAreNamed) {
   files.put("/bad.csv", std::string("A\nx\ny\n"));
   ASSERT_EQ(run({"create", "/B.PDB", "--schema", "/bad.json", "--data", "/bad.csv"}), 0);
   EXPECT_EQ(err.text,
-            "tabelion-cli: /B.PDB: the formula of \"Größe\" is invalid or corrupt; its values are "
-            "-1, the first in record 1\n");
+            "tabelion-cli: /B.PDB: the formula of \"Größe\" is invalid or corrupt; its value is "
+            "-1 in 2 records, the first is record 1\n");
   EXPECT_THAT(exported("/B.PDB"), HasSubstr("-1.0000,0.0000,0.0000,x\n"));
   EXPECT_EQ(run({"recalc", "/B.PDB", "--json"}), 5);
   EXPECT_EQ(json::parse(out.text)["corrupt_formulas"],

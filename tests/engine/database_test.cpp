@@ -155,7 +155,7 @@ TEST_F(Opening, StoredCurrentRecordAndPendingSortAreTakenUp) {
 // An empty field record ends the reading of field records, but no bytes are lost by that.
 TEST_F(Opening, WhatLiesBehindAnEmptyFieldRecordSurvives) {
   for (const int slot : {0, 5, 9}) {
-    addField(slot, kPopup, "Kind");
+    addField(slot, FieldType::kPopup, "Kind");
     database.fields[std::size_t(slot)].items = {{{1}, "Sea"}, {{2}, "Land"}};
     database.fields[std::size_t(slot)].unique_id = {std::uint8_t(slot), 1, 2};
   }

@@ -78,6 +78,58 @@ TEST(PackedRecords, BytesThatMakeNoSlotAreKeptBehindTheEnd) {
   EXPECT_FALSE(packRecord(record, packed)) << "longer than a record can be";
 }
 
+// What a reader needs that takes a value's bytes by its type and not by its length.
+std::size_t fixedSize(const FieldDefinition& field, ByteView value) {
+  switch (traitsOf(field.type).form) {
+    case ValueForm::kNone:
+    case ValueForm::kText:
+    case ValueForm::kLookup:
+      return value.size();
+    case ValueForm::kLink:
+      return kLinkHeadSize;
+    default:
+      return fieldValueSize(field);
+  }
+}
+
+TEST(PackedRecords, StoredRecordsHaveTheBytesOfEveryType) {
+  DatabaseRecord schema;
+  initSchema(schema);
+  for (std::int32_t code = 1; code <= codeOf(kLastFieldType); ++code) {
+    schema.fields[std::size_t(code)].type = FieldType{code};
+  }
+  std::minstd_rand random(3);
+  for (int round = 0; round < 100; ++round) {
+    UnpackedRecord record;
+    if (round == 0) record = newRecord(schema);
+    for (auto& slot : record.slots) {
+      if (round > 0 && random() % 3 != 0) slot = Bytes(random() % 6, std::uint8_t(random()));
+    }
+    const UnpackedRecord before = record;
+    Bytes packed;
+    ASSERT_TRUE(packFitted(schema, record, packed));
+    int last = -1;
+    for (int slot = 0; slot < kFieldSlots; ++slot) {
+      const SlotPlace place = findSlot(packed, slot);
+      if (!place.present()) break;
+      last = slot;
+      const FieldDefinition& field = schema.fields[std::size_t(slot)];
+      const ByteView value = *slotValue(packed, slot);
+      const Bytes old = before.slots[std::size_t(slot)].value_or(Bytes());
+      EXPECT_EQ(value.size(), std::max(fixedSize(field, value), old.size())) << codeOf(field.type);
+      EXPECT_TRUE(std::equal(old.begin(), old.end(), value.begin())) << "nothing is cut";
+    }
+    EXPECT_TRUE(last == kFieldSlots - 1 || !before.slots[std::size_t(last) + 1]);
+  }
+  UnpackedRecord enciphered = newRecord(schema);
+  enciphered.prefix[1 + kStampFlagOffset] = kRecordEncrypted;
+  const std::size_t number = std::size_t(codeOf(FieldType::kFloat));
+  schema.fields[number].encrypt_flag = 1;
+  enciphered.slots[number] = Bytes{1, 9};
+  fitRecord(schema, enciphered);
+  EXPECT_EQ(*enciphered.slots[number], (Bytes{1, 9})) << "has a form of its own";
+}
+
 TEST(PackedRecords, ValuesUnpackByTheRuleOfTheirType) {
   FieldDefinition field;
   const auto unpacked = [&field](FieldType type, Bytes stored) {

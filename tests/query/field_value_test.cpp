@@ -12,6 +12,13 @@ std::string reason(const Result<Bytes>& result) {
   return result.ok() ? "accepted" : result.error().text;
 }
 
+// A number's text in its area.
+Bytes numberArea(std::string_view text) {
+  Bytes area = bytesOf(text);
+  area.resize(kNumberTextSize);
+  return area;
+}
+
 struct Form : OneField {
   FormatSettings settings = chosen(0);
   explicit Form(FieldType type, Bytes value = {}) : OneField(type, std::move(value)) {}
@@ -27,10 +34,14 @@ struct Form : OneField {
 TEST(FieldValue, ReadsEveryTypeBack) {
   EXPECT_EQ(*Form(FieldType::kText).typed("abc"), bytesOf(std::string_view("abc\0", 4)));
   EXPECT_EQ(*Form(FieldType::kText).typed(""), Bytes{});
-  EXPECT_EQ(*Form(FieldType::kNote).typed(""), Bytes{0});
+  EXPECT_EQ(*Form(FieldType::kNote).typed(""), Bytes(2001, 0));
+  EXPECT_EQ(Form(FieldType::kNote).typed("memo")->size(), 2001u);
   EXPECT_EQ(*Form(FieldType::kInteger).typed(" -2 "), (Bytes{0xFE, 0xFF, 0xFF, 0xFF}));
+  EXPECT_EQ(*Form(FieldType::kInteger).typed(""), Bytes(4, 0));
   EXPECT_EQ(*Form(FieldType::kLinkedField).typed("4294967295"), Bytes(4, 0xFF));
-  EXPECT_EQ(*Form(FieldType::kFloat).typed("3.50"), bytesOf(std::string_view("3.50\0", 5)));
+  EXPECT_EQ(*Form(FieldType::kFloat).typed("3.50"), numberArea("3.50"));
+  EXPECT_EQ(*Form(FieldType::kFloat).typed(""), numberArea(""));
+  EXPECT_EQ(*Form(FieldType::kLinkField).typed(""), Bytes(24, 0));
   EXPECT_EQ(*Form(FieldType::kCheckBox).typed("Yes"), Bytes{1});
   EXPECT_EQ(*Form(FieldType::kDate).typed("3/1/1904"), (Bytes{60, 0, 0, 0}));
   EXPECT_EQ(*Form(FieldType::kDate).typed(""), Bytes(4, 0));
@@ -38,10 +49,15 @@ TEST(FieldValue, ReadsEveryTypeBack) {
   EXPECT_EQ(*Form(FieldType::kTime).typed(""), (Bytes{0, 0, 255, 0}));
   Form comma(FieldType::kFloat);
   comma.settings = chosen(0, 0, true);
-  EXPECT_EQ(*comma.typed("3,50"), bytesOf(std::string_view("3.50\0", 5)));
+  EXPECT_EQ(*comma.typed("3,50"), numberArea("3.50"));
+  for (const char* stored : {"3.25", "3,25"}) {  // shown as results are, and kept as it stands
+    comma.set(bytesOf(stored));
+    EXPECT_EQ(comma.shown(), "3,25");
+    EXPECT_EQ(*comma.typed("3,25"), bytesOf(stored));
+  }
   Form duration(FieldType::kCalculated);
   duration.field().area_f[kResultKindOffset] = 2;
-  EXPECT_EQ(*duration.typed("-100:01:01"), bytesOf(std::string_view("-360061\0", 8)));
+  EXPECT_EQ(*duration.typed("-100:01:01"), numberArea("-360061"));
 }
 
 TEST(FieldValue, RefusesWhatDoesNotFit) {

@@ -106,6 +106,7 @@ TEST(Find, KeptOddities) {
   EXPECT_TRUE(finds(afternoon, "1:05:09PM", kCase));
   EXPECT_FALSE(finds(afternoon, "1:05:09PM"));
   EXPECT_TRUE(finds(OneField(FieldType::kTime, {0, 0, kNoTimeHour, 0}), "No Time", kCase));
+  EXPECT_TRUE(finds(OneField(FieldType::kTime, {}), "No Time", kCase));
 
   OneField result(FieldType::kCalculated, bytesOf("3600"));
   EXPECT_TRUE(finds(result, "360"));
@@ -113,6 +114,10 @@ TEST(Find, KeptOddities) {
   EXPECT_TRUE(finds(result, "12:14:16"));
   result.field().area_f[kResultKindOffset] = 3;
   EXPECT_TRUE(finds(result, "1913"));
+  result.set(bytesOf("0"));
+  EXPECT_TRUE(finds(result, "NO DATE", kCase)) << "shown as dates are, unlike in a date field";
+  EXPECT_FALSE(finds(result, "No Date", kCase));
+  result.set(bytesOf("3600"));
   result.field().area_f[kResultKindOffset] = 7;
   EXPECT_FALSE(finds(result, "3600"));
 

@@ -124,13 +124,13 @@ TEST(Recompute, EncipheredFieldsAreLeftAlone) {
   EXPECT_EQ(account.world.stored(0, account.balance), "\x11\x22");
   EXPECT_EQ(recomputeAll(account.database, account.settings).values, 0u);
 
-  // Nor is a sum lost whose parts cannot be read now, here or in the record before.
+  // As an operand an enciphered value is 0, here and in the record before.
   account.world.field(account.balance).encrypt_flag = 0;
   account.world.field(account.amount).encrypt_flag = 1;
   account.world.addRecord({integer(4), "7.00\0"s});
   account.world.setFormula(account.balance, {previousOf(0), fieldOf(0), op(2)});
-  EXPECT_EQ(recomputeAll(account.database, account.settings).values, 0u);
-  EXPECT_EQ(account.balances(), (std::vector<std::string>{"\x11\x22", "7.00"}));
+  EXPECT_EQ(recomputeAll(account.database, account.settings).values, 2u);
+  EXPECT_EQ(account.balances(), (std::vector<std::string>{"0.00", "4.00"}));
 }
 
 TEST(Recompute, ThePreviousRecordIsTheNearestThatPassesTheFilter) {

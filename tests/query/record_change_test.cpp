@@ -95,6 +95,22 @@ TEST(RecordChange, ARecordIsFollowedThroughSortsByCalculatedFields) {
   }
 }
 
+TEST(RecordChange, StoredValuesHaveTheSizeOfTheirType) {
+  Ledger ledger;
+  const int note = ledger.world.addField(FieldType::kNote);
+  ledger.world.addField(FieldType::kText);
+  ledger.world.addRecord({integer(5), "\1", "7", integer(1), "2", "memo", "text"});
+  UnpackedRecord record = unpackRecord(ledger.database.records[0].bytes());
+  EXPECT_EQ(storeRecord(ledger.database, ledger.engine, 0, record, ledger.settings), 0u);
+  record = unpackRecord(ledger.database.records[0].bytes());
+  EXPECT_EQ(record.slots[1], (Bytes{1, 0, 0, 0}));
+  EXPECT_EQ(record.slots[std::size_t(ledger.balance)]->size(), kNumberTextSize);
+  EXPECT_EQ(record.slots[std::size_t(note)]->size(), kNoteSize);
+  EXPECT_EQ(record.slots[std::size_t(note) + 1]->size(), 4u) << "texts as long as they are";
+  recomputeAll(ledger.database, ledger.settings);
+  EXPECT_EQ(slotValue(ledger.database.records[0].bytes(), ledger.balance)->size(), kNumberTextSize);
+}
+
 TEST(RecordChange, GroupsAreChosenByTheFilter) {
   Ledger ledger;
   for (const int day : {1, 2, 3, 4}) ledger.store(kNoPosition, day, 1);

@@ -191,7 +191,7 @@ TEST(Sort, TextsNumbersAndChoicesCompareByWhatTheySay) {
   EXPECT_EQ(numbers.compare(1, 3), 1);  // now the comma is a point
 
   for (const auto& [kind, expected] :
-       {std::pair{0, -1}, {1, 0}, {2, 0}, {3, 0}, {4, -1}, {6, -1}}) {
+       {std::pair{0, -1}, {1, 0}, {2, 0}, {3, 0}, {4, -1}, {6, -1}, {7, 0}}) {
     Table results = oneColumn(FieldType::kCalculated, {bytesOf("7.25"), bytesOf("7.5")});
     results.database.schema.fields[0].area_f[kResultKindOffset] = static_cast<std::uint8_t>(kind);
     EXPECT_EQ(results.compare(0, 1), expected) << kind;
@@ -230,8 +230,9 @@ TEST(Sort, IntegersFarApartOrderTheWrongWayRound) {
 }
 
 TEST(Sort, NoTimeComesLastAndNoLinkFirst) {
-  Table times =
-      oneColumn(FieldType::kTime, {{0, 0, 255, 0}, {59, 59, 23, 0}, {0, 1, 0, 0}, {9, 0, 0, 200}});
+  const Table absent_time = oneColumn(FieldType::kTime, {{}, {59, 59, 23, 0}});
+  EXPECT_EQ(absent_time.compare(0, 1), 1) << "a time without bytes is none";
+  Table times = oneColumn(FieldType::kTime, {{0, 0, 255, 0}, {59, 59, 23, 0}, {0, 1, 0, 0}, {9, 0, 0, 200}});
   EXPECT_EQ(times.sorted(), (std::vector<int>{3, 2, 1, 0}));
   Bytes empty_text(25, 0);
   Bytes anna(25, 'a');

@@ -75,6 +75,10 @@ TEST(Preferences, WeekStartIsStoredWhenMissing) {
   world.set("WeekStart", "0");
   LoadWeekStart(world.platform, preferences);
   EXPECT_EQ(preferences.week_starts_monday, 0);
+  preferences.week_starts_monday = 1;
+  world.set("WeekStart", "2");
+  LoadWeekStart(world.platform, preferences);
+  EXPECT_EQ(preferences.week_starts_monday, 0) << "what is no choice is Sunday";
 }
 
 }  // namespace

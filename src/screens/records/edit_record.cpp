@@ -1,6 +1,7 @@
 #include "screens/records/edit_record.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "query/record_change.h"
 #include "screens/kit/screen_numbers.h"
@@ -158,7 +159,8 @@ bool EditRecordScreen::StoreCopy() {
   Database& database = CurrentDatabase(app_);
   const std::uint32_t position = storeRecord(
       database, app_.engine, app_.level().new_record ? kNoPosition : app_.level().current_record,
-      *copy_, QuerySettingsOf(app_, database), [this](std::uint32_t, int) {
+      *copy_, QuerySettingsOf(app_, database), [this, told = false](auto...) mutable {
+        if (std::exchange(told, true)) return;  // once, however many formulas are
         ShowMessage(app_, u"Formula is invalid or corrupt, please verify", u"Error",
                     MessageIcon::kExclamation);
       });
