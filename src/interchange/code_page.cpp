@@ -108,6 +108,7 @@ DecodedCharacter PageConverters::decodeFirst(std::string_view bytes) const {
 }
 
 std::optional<std::uint8_t> CodePage::byteFor(char32_t character) const {
+  if (character < 0x80) return static_cast<std::uint8_t>(character);
   if (character < characters.size() && characters[character] == character) {
     return static_cast<std::uint8_t>(character);  // most letters of the western pages
   }

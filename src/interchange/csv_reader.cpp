@@ -2,18 +2,13 @@
 
 #include <cstring>
 
+#include "interchange/byte_block.h"
+
 namespace tabelion {
-namespace {
-
-constexpr std::string_view kEndsOfCells = "\"\n\r";
-
-}  // namespace
 
 CsvReader::CsvReader(std::string_view text, char delimiter) : text_(text), delimiter_(delimiter) {
   constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
   if (text_.starts_with(kByteOrderMark)) at_ = kByteOrderMark.size();
-  for (const char c : kEndsOfCells) special_[static_cast<unsigned char>(c)] = true;
-  special_[static_cast<unsigned char>(delimiter)] = true;
 }
 
 std::string_view CsvReader::cellBehindQuotes(std::size_t begin, std::size_t end,
@@ -61,7 +56,7 @@ bool CsvReader::readQuoted() {
 void CsvReader::readPlain() {
   const std::size_t begin = at_;
   for (;;) {
-    while (at_ < text_.size() && !isSpecial(text_[at_])) ++at_;
+    at_ += csvPlainLength(text_.substr(at_), delimiter_);
     if (at_ >= text_.size() || text_[at_] == delimiter_ || text_[at_] == '\n') break;
     // A quote inside, or a carriage return that ends no line, is text like any other.
     if (text_[at_] == '\r' && at_ + 1 < text_.size() && text_[at_ + 1] == '\n') break;
@@ -95,9 +90,17 @@ CsvReader::Row CsvReader::next() {
   }
 }
 
-bool csvNeedsQuotes(std::string_view cell, char delimiter) {
-  return cell.find(delimiter) != std::string_view::npos ||
-         cell.find_first_of(kEndsOfCells) != std::string_view::npos;
+std::size_t csvPlainLength(std::string_view text, char delimiter) {
+  std::size_t at = 0;
+  for (; text.size() - at >= ByteBlock::kSize; at += ByteBlock::kSize) {
+    const std::size_t plain = ByteBlock(text.data() + at).firstCsvSpecial(delimiter);
+    if (plain < ByteBlock::kSize) return at + plain;
+  }
+  const auto isPlain = [delimiter](char c) {
+    return c != delimiter && c != '"' && c != '\n' && c != '\r';
+  };
+  while (at < text.size() && isPlain(text[at])) ++at;
+  return at;
 }
 
 }  // namespace tabelion

@@ -3,7 +3,6 @@
 // lines are no rows. Another character may stand in the comma's place.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <deque>
 #include <string>
@@ -34,11 +33,8 @@ class CsvReader {
   void readPlain();
   std::string_view cellBehindQuotes(std::size_t begin, std::size_t end, std::size_t doubled);
 
-  bool isSpecial(char c) const { return special_[static_cast<unsigned char>(c)]; }
-
   std::string_view text_;
   char delimiter_;
-  std::array<bool, 256> special_{};  // what ends a plain cell
   std::size_t at_ = 0;
   std::size_t line_ = 1;
   std::size_t row_line_ = 1;
@@ -48,7 +44,11 @@ class CsvReader {
   std::string problem_;
 };
 
-// Whether a cell has to stand in quotes.
-bool csvNeedsQuotes(std::string_view cell, char delimiter = ',');
+// How many bytes at the start of the text are none of those that end a cell or have to stand in
+// quotes: delimiters, quotes and line ends.
+std::size_t csvPlainLength(std::string_view text, char delimiter = ',');
+inline bool csvNeedsQuotes(std::string_view cell, char delimiter = ',') {
+  return csvPlainLength(cell, delimiter) < cell.size();
+}
 
 }  // namespace tabelion

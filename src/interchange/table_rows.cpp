@@ -42,4 +42,12 @@ std::string_view TableRows::utf8(const CellText& cell) {
   return converted_;
 }
 
+void TableRows::putUtf8(OutputBuffer& to, const CellText& cell) {
+  if (cell.is_utf8) return to.put(cell.text);
+  const std::size_t room = TextEncoding::roomForUtf8(cell.text.size());
+  if (room > OutputBuffer::kLargestRoom) return to.put(utf8(cell));
+  char* const begin = to.room(room);
+  to.took(static_cast<std::size_t>(encoding_.writeUtf8(begin, cell.text) - begin));
+}
+
 }  // namespace tabelion

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "interchange/cell_text.h"
+#include "interchange/output_buffer.h"
 #include "interchange/table_columns.h"
 
 namespace tabelion {
@@ -22,6 +23,7 @@ class TableRows {
   CellText cell(std::size_t column);
   // The cell's text as UTF-8, valid until the next call.
   std::string_view utf8(const CellText& cell);
+  void putUtf8(OutputBuffer& to, const CellText& cell);
 
   bool isEnciphered() const { return is_enciphered_; }
 

@@ -4,6 +4,7 @@
 
 #include <utility>
 
+#include "interchange/byte_block.h"
 #include "interchange/code_page.h"
 #include "interchange/utf8.h"
 #include "query/text_cut.h"
@@ -48,31 +49,29 @@ void decodeEach(const CodePage& page, std::string_view bytes, Take take) {
 }
 
 // Puts characters into bytes, one after the other.
+template <class Into>
 class Encoder {
  public:
-  Encoder(const CodePage& page, std::string& into) : page_(page), into_(into) {}
+  Encoder(const CodePage& page, Into& into) : page_(page), into_(into) {}
 
   bool put(char32_t character) {
-    if (character < 0x80) {
-      into_ += static_cast<char>(character);
-      return true;
-    }
-    if (page_.kind == PageKind::kSingleByte) {
+    if (page_.kind == PageKind::kSingleByte || character < 0x80) {
       const auto byte = page_.byteFor(character);
-      if (byte) into_ += static_cast<char>(*byte);
+      if (byte) into_.push_back(static_cast<typename Into::value_type>(*byte));
       return byte.has_value();
     }
     if (character > 0x10FFFF || isSurrogate(character)) return false;
     if (standsForByte(character)) {
-      into_ += static_cast<char>(character - kBytePlane);
+      into_.push_back(static_cast<typename Into::value_type>(character - kBytePlane));
       return true;
     }
-    if (page_.kind == PageKind::kUtf8) {
-      appendUtf8Character(into_, character);
-      return true;
-    }
-    return putMultiByte(character);
+    if (page_.kind == PageKind::kMultiByte) return putMultiByte(character);
+    std::string text;
+    appendUtf8Character(text, character);
+    putText(text);
+    return true;
   }
+  void putText(std::string_view text) { into_.insert(into_.end(), text.begin(), text.end()); }
 
  private:
   bool putMultiByte(char32_t character) {
@@ -82,14 +81,33 @@ class Encoder {
     if (!bytes || bytes->empty() || converters_->decodeFirst(*bytes).character != character) {
       return false;
     }
-    into_ += *bytes;
+    putText(*bytes);
     return true;
   }
 
   const CodePage& page_;
-  std::string& into_;
+  Into& into_;
   std::optional<PageConverters> converters_;
 };
+
+template <class Into>
+std::optional<EncodeFault> encodeInto(const CodePage& page, Into& into, std::string_view text) {
+  Encoder<Into> encoder(page, into);
+  for (std::size_t at = 0; at < text.size();) {
+    const std::string_view rest = text.substr(at);
+    if (const std::size_t plain =
+            page.kind == PageKind::kUtf8 ? validLength(rest) : asciiLength(rest)) {
+      encoder.putText(rest.substr(0, plain));
+      at += plain;
+      continue;
+    }
+    const DecodedCharacter next = decodeUtf8(rest);
+    if (next.character == kNoCharacter) return EncodeFault{at, byteOf(rest[0]), true};
+    if (!encoder.put(next.character)) return EncodeFault{at, next.character, false};
+    at += next.length;
+  }
+  return std::nullopt;
+}
 
 }  // namespace
 
@@ -112,24 +130,48 @@ bool TextEncoding::isUtf8() const {
 }
 
 void TextEncoding::appendUtf8(std::string& into, std::string_view bytes) const {
+  if (page_->kind == PageKind::kSingleByte) {
+    const std::size_t begin = into.size();
+    into.resize(begin + roomForUtf8(bytes.size()));
+    into.resize(static_cast<std::size_t>(writeUtf8(into.data() + begin, bytes) - into.data()));
+    return;
+  }
   if (page_->kind == PageKind::kMultiByte) {
     decodeEach(*page_, bytes, [&](char32_t c) { appendUtf8Character(into, c); });
     return;
   }
   while (!bytes.empty()) {
-    const std::size_t plain = isUtf8() ? validLength(bytes) : asciiLength(bytes);
-    into.append(bytes.substr(0, plain));
-    bytes.remove_prefix(plain);
-    if (isUtf8() && !bytes.empty()) {
-      appendUtf8Character(into, kBytePlane + byteOf(bytes[0]));
-      bytes.remove_prefix(1);
-    }
-    while (!isUtf8() && !bytes.empty() && byteOf(bytes[0]) >= 0x80) {
-      const auto& utf8 = page_->utf8[byteOf(bytes[0])];
-      into.append(utf8.data(), static_cast<std::size_t>(utf8[3]));
-      bytes.remove_prefix(1);
-    }
+    const std::size_t valid = validLength(bytes);
+    into.append(bytes.substr(0, valid));
+    bytes.remove_prefix(valid);
+    if (bytes.empty()) break;
+    appendUtf8Character(into, kBytePlane + byteOf(bytes[0]));
+    bytes.remove_prefix(1);
   }
+}
+
+char* TextEncoding::writeUtf8(char* into, std::string_view bytes) const {
+  if (page_->kind != PageKind::kSingleByte) {
+    const std::string text = toUtf8(bytes);
+    return std::copy(text.begin(), text.end(), into);
+  }
+  const char* at = bytes.data();
+  const char* const end = at + bytes.size();
+  const auto putCharacter = [&] {
+    const auto& utf8 = page_->utf8[byteOf(*at++)];
+    std::memcpy(into, utf8.data(), utf8.size());
+    into += utf8[3];
+  };
+  while (static_cast<std::size_t>(end - at) >= ByteBlock::kSize) {
+    const ByteBlock block(at);
+    block.store(into);
+    const std::size_t ascii = block.firstNotAscii();
+    at += ascii;
+    into += ascii;
+    if (ascii < ByteBlock::kSize) putCharacter();
+  }
+  while (at != end) putCharacter();
+  return into;
 }
 
 std::string TextEncoding::toUtf8(std::string_view bytes) const {
@@ -149,26 +191,12 @@ std::u16string TextEncoding::toUtf16(std::string_view bytes) const {
 Encoded TextEncoding::fromUtf8(std::string_view text) const {
   Encoded encoded;
   encoded.bytes.reserve(text.size());
-  Encoder encoder(*page_, encoded.bytes);
-  for (std::size_t at = 0; at < text.size();) {
-    const std::string_view rest = text.substr(at);
-    if (const std::size_t plain = isUtf8() ? validLength(rest) : asciiLength(rest)) {
-      encoded.bytes.append(rest.substr(0, plain));
-      at += plain;
-      continue;
-    }
-    const DecodedCharacter next = decodeUtf8(rest);
-    if (next.character == kNoCharacter) {
-      encoded.fault = EncodeFault{at, byteOf(rest[0]), true};
-      break;
-    }
-    if (!encoder.put(next.character)) {
-      encoded.fault = EncodeFault{at, next.character, false};
-      break;
-    }
-    at += next.length;
-  }
+  encoded.fault = encodeInto(*page_, encoded.bytes, text);
   return encoded;
+}
+
+std::optional<EncodeFault> TextEncoding::appendFromUtf8(Bytes& into, std::string_view text) const {
+  return encodeInto(*page_, into, text);
 }
 
 Encoded TextEncoding::fromUtf16(std::u16string_view text) const {

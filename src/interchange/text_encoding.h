@@ -56,9 +56,14 @@ class TextEncoding {
 
   std::string toUtf8(std::string_view bytes) const;
   void appendUtf8(std::string& into, std::string_view bytes) const;
+  // The same to where there is room for it; returns the end of what was written.
+  static constexpr std::size_t roomForUtf8(std::size_t bytes) { return 3 * bytes + 16; }
+  char* writeUtf8(char* into, std::string_view bytes) const;
   std::u16string toUtf16(std::string_view bytes) const;
 
   Encoded fromUtf8(std::string_view text) const;
+  // Appended; what stands before a fault is.
+  std::optional<EncodeFault> appendFromUtf8(Bytes& into, std::string_view text) const;
   Encoded fromUtf16(std::u16string_view text) const;
   bool canEncode(char32_t character) const;
 

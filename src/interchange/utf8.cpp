@@ -1,6 +1,6 @@
 #include "interchange/utf8.h"
 
-#include <cstring>
+#include "interchange/byte_block.h"
 
 namespace tabelion {
 
@@ -44,9 +44,9 @@ void appendUtf16Character(std::u16string& into, char32_t c) {
 
 std::size_t asciiLength(std::string_view text) {
   std::size_t i = 0;
-  for (std::uint64_t eight = 0; text.size() - i >= sizeof eight; i += sizeof eight) {
-    std::memcpy(&eight, text.data() + i, sizeof eight);
-    if (eight & 0x8080808080808080u) break;
+  for (; text.size() - i >= ByteBlock::kSize; i += ByteBlock::kSize) {
+    const std::size_t ascii = ByteBlock(text.data() + i).firstNotAscii();
+    if (ascii < ByteBlock::kSize) return i + ascii;
   }
   while (i < text.size() && byteOf(text[i]) < 0x80) ++i;
   return i;
