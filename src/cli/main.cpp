@@ -3,6 +3,7 @@
 #include <csignal>
 #include <cstdint>
 #include <random>
+#include <string_view>
 
 #include "cli/run.h"
 #include "platform/std/json_settings.h"
@@ -10,10 +11,24 @@
 #include "platform/std/std_files.h"
 #include "platform/std/std_locale.h"
 
+namespace {
+
+// Files are looked at where they lie. One that another program cuts short meanwhile cannot be
+// finished, and was not saved by then.
+void endOnLostPage(int) {
+  constexpr std::string_view kWhy =
+      "tabelion-cli: a file was cut short by another program while it was read\n";
+  (void)!write(STDERR_FILENO, kWhy.data(), kWhy.size());
+  _exit(static_cast<int>(tabelion::ExitCode::kCannotOpen));
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
   // A closed pipe is an output that cannot be written, not a reason to die without a word.
   std::signal(SIGPIPE, SIG_IGN);
-  tabelion::StdFiles files;
+  std::signal(SIGBUS, endOnLostPage);
+  tabelion::StdFiles files({.views_files = true});
   tabelion::StdClock clock;
   tabelion::StdLocale locale;
   tabelion::JsonSettings settings;

@@ -15,6 +15,7 @@ namespace tabelion {
 namespace {
 
 constexpr std::size_t kHugePage = 2u << 20;
+constexpr std::size_t kWorthMapping = 256u << 10;  // below, a copy costs less
 
 // Offsets in the files of this program have 32 bits. Anything larger is not one of them, and
 // reading it would only take the machine's memory.
@@ -88,15 +89,41 @@ std::shared_ptr<std::uint8_t[]> allocateBuffer(std::size_t size) {
 
 }  // namespace
 
-Result<FileImage> readWholeFile(const std::string& path) {
+namespace {
+
+Result<OpenFile> openWhole(const std::string& path) {
   Result<OpenFile> file = openRegular(path);
-  if (!file) return file.error();
-  if (file->size > kLargestFile) return cannotOpen(path, EFBIG);
-  std::shared_ptr<std::uint8_t[]> buffer = allocateBuffer(file->size);
+  if (file && file->size > kLargestFile) return cannotOpen(path, EFBIG);
+  return file;
+}
+
+Result<FileImage> readAll(const OpenFile& file, const std::string& path) {
+  std::shared_ptr<std::uint8_t[]> buffer = allocateBuffer(file.size);
   if (!buffer) return cannotOpen(path, ENOMEM);
-  const ssize_t got = readFully(file->descriptor.get(), buffer.get(), file->size);
+  const ssize_t got = readFully(file.descriptor.get(), buffer.get(), file.size);
   if (got < 0) return cannotOpen(path, errno);
   return FileImage{std::move(buffer), static_cast<std::size_t>(got)};
+}
+
+}  // namespace
+
+Result<FileImage> readWholeFile(const std::string& path) {
+  const Result<OpenFile> file = openWhole(path);
+  if (!file) return file.error();
+  return readAll(*file, path);
+}
+
+Result<FileImage> viewWholeFile(const std::string& path) {
+  const Result<OpenFile> file = openWhole(path);
+  if (!file) return file.error();
+  if (file->size < kWorthMapping) return readAll(*file, path);
+  void* const base = ::mmap(nullptr, file->size, PROT_READ, MAP_PRIVATE, file->descriptor.get(), 0);
+  if (base == MAP_FAILED) return readAll(*file, path);
+  const std::size_t size = file->size;
+  return FileImage{
+      std::shared_ptr<const std::uint8_t[]>(static_cast<const std::uint8_t*>(base),
+                                            [base, size](auto*) { ::munmap(base, size); }),
+      size};
 }
 
 Result<std::vector<std::uint8_t>> readFileStart(const std::string& path, std::size_t limit) {

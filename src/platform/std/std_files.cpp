@@ -76,7 +76,7 @@ Status copyFile(const std::string& from, const std::string& to, Existing existin
 }  // namespace
 
 Result<FileImage> StdFiles::read(const std::string& path) {
-  return readWholeFile(path);
+  return options_.views_files ? viewWholeFile(path) : readWholeFile(path);
 }
 
 Result<std::vector<std::uint8_t>> StdFiles::readStart(const std::string& path, std::size_t limit) {

@@ -10,6 +10,7 @@ namespace tabelion {
 struct StdFilesOptions {
   std::string documents_folder;  // instead of the user's own; empty: the user's own
   std::string card_folder;       // instead of a mounted volume's
+  bool views_files = false;      // read() gives a view of a large file (viewWholeFile)
 };
 
 class StdFiles : public Files {
