@@ -1,5 +1,6 @@
-// Runs several commands in turns and prints for each the median of its wall times and its peak
-// memory, one a line: LABEL <tab> milliseconds <tab> KiB.
+// Runs several commands in turns and prints for each the median of its wall times, its peak memory
+// and the median of its processor times (its own and the system's for it), one a line:
+// LABEL <tab> milliseconds <tab> KiB <tab> milliseconds.
 //
 //   compare_runs ROUNDS LABEL PREPARE COMMAND [LABEL PREPARE COMMAND …]
 //
@@ -7,6 +8,7 @@
 // "'" keeps words together, and a last word ">FILE" is where its output goes.
 #include <fcntl.h>
 #include <sys/resource.h>
+#include <sys/time.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -25,6 +27,7 @@ struct Entry {
   std::vector<std::string> words;
   std::string output = "/dev/null";
   std::vector<double> milliseconds;
+  std::vector<double> processor_milliseconds;
   long peak_kib = 0;
 };
 
@@ -65,8 +68,18 @@ bool runOnce(Entry& entry) {
   if (wait4(child, &status, 0, &usage) != child) return false;
   const std::chrono::duration<double, std::milli> taken = std::chrono::steady_clock::now() - begin;
   entry.milliseconds.push_back(taken.count());
+  const auto millisecondsOf = [](const timeval& time) {
+    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_usec) / 1e3;
+  };
+  entry.processor_milliseconds.push_back(millisecondsOf(usage.ru_utime) +
+                                         millisecondsOf(usage.ru_stime));
   entry.peak_kib = std::max(entry.peak_kib, usage.ru_maxrss);
   return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+double median(std::vector<double>& times) {
+  std::sort(times.begin(), times.end());
+  return times[times.size() / 2];
 }
 
 }  // namespace
@@ -96,13 +109,14 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "compare_runs: %s failed\n", entry.label.c_str());
         return 1;
       }
-      if (round == 0) entry.milliseconds.clear();
+      if (round > 0) continue;
+      entry.milliseconds.clear();
+      entry.processor_milliseconds.clear();
     }
   }
   for (Entry& entry : entries) {
-    std::sort(entry.milliseconds.begin(), entry.milliseconds.end());
-    std::printf("%s\t%.2f\t%ld\n", entry.label.c_str(),
-                entry.milliseconds[entry.milliseconds.size() / 2], entry.peak_kib);
+    std::printf("%s\t%.2f\t%ld\t%.2f\n", entry.label.c_str(), median(entry.milliseconds),
+                entry.peak_kib, median(entry.processor_milliseconds));
   }
   return 0;
 }
