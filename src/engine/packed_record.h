@@ -78,6 +78,12 @@ inline SlotPlace findSlot(ByteView record, int slot) {
   return {};
 }
 
+// Where the slot's value ends in the record; 0 when it is absent.
+inline std::size_t slotEnd(ByteView record, int slot) {
+  const SlotPlace place = findSlot(record, slot);
+  return place.present() ? static_cast<std::size_t>(place.offset) + place.length : 0;
+}
+
 // The value bytes as stored; none when absent.
 std::optional<ByteView> slotValue(ByteView record, int slot);
 

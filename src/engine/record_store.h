@@ -80,6 +80,7 @@ inline constexpr std::uint32_t kNoPosition = 0xFFFFFFFFu;
 class RecordStore {
  public:
   static constexpr std::size_t kCacheLine = 64;
+  static constexpr std::size_t kNearLines = 2;  // what a record begins with
 
   std::uint32_t count() const { return static_cast<std::uint32_t>(records_.size()); }
   bool isFull() const { return records_.size() >= kMaxRecords; }
@@ -93,22 +94,25 @@ class RecordStore {
   std::size_t imageSize() const { return image_.size; }
   void addBorrowed(Record record) { records_.push_back(std::move(record)); }
 
-  // For a pass over all records that has come to `position`: asks the machine for the first bytes
-  // of a record that comes soon. Sorted records lie anywhere in memory, and such passes wait for
-  // memory more than for anything else. Always inline: a call that only fetches ahead has no effect
-  // in a compiler's eyes, and is left out.
+  // For a pass over all records that has come to `position`: asks the machine for the bytes of a
+  // record that comes soon. The pass reads it up to `reach`, stepping over long values: so what is
+  // asked for is where the record begins, and where the reach ends (slotEnd of any record tells
+  // that well enough). Such passes wait for memory more than for anything else. Always inline: a
+  // call that only fetches ahead has no effect in a compiler's eyes, and is left out.
   [[gnu::always_inline]] void fetchAhead(std::uint32_t position,
-                                         std::size_t bytes = 2 * kCacheLine) const {
+                                         std::size_t reach = kNearLines * kCacheLine) const {
     constexpr std::uint32_t kRecordsAhead = 8;
-    constexpr std::size_t kMost = 8 * kCacheLine;
     if (position + kRecordsAhead >= records_.size()) return;
     const ByteView record = records_[position + kRecordsAhead].bytes();
-    __builtin_prefetch(record.data());
-    __builtin_prefetch(record.data() + kCacheLine);
-    const std::size_t end = std::min({record.size(), bytes, kMost});
-    for (std::size_t at = 2 * kCacheLine; at < end; at += kCacheLine) {
-      __builtin_prefetch(record.data() + at);
-    }
+    const std::uint8_t* const begin = record.data();
+    const std::size_t end = std::min(record.size(), reach);
+    __builtin_prefetch(begin);
+    __builtin_prefetch(begin + kCacheLine);
+    if (end <= kNearLines * kCacheLine) return;
+    __builtin_prefetch(begin + 2 * kCacheLine);
+    if (end <= (kNearLines + 1) * kCacheLine) return;
+    for (std::size_t line = 1; line <= 3; ++line) __builtin_prefetch(begin + end - line * kCacheLine);
+    __builtin_prefetch(begin + end);
   }
 
   // Insertion before `position` (count() appends). kNoPosition when the store is full or the

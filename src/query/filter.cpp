@@ -203,6 +203,12 @@ bool RecordFilter::passesEverything() const {
   return !prepared_->link && prepared_->tests.empty();
 }
 
+std::size_t RecordFilter::reachIn(ByteView record) const {
+  if (prepared_->first < 0) return 0;
+  const auto& step = prepared_->steps[static_cast<std::size_t>(prepared_->first)];
+  return slotEnd(record, prepared_->tests[step.test].slot());
+}
+
 bool recordPassesCriterion(const Database& database, int criterion, ByteView record,
                            const QuerySettings& settings) {
   if (criterion < 0 || criterion >= kFilterCriteria) return false;
@@ -218,8 +224,15 @@ void rebuildFilterIndex(Database& database, const QuerySettings& settings, const
   std::vector<std::uint32_t>& index = database.record_index;
   index.clear();
   const std::uint32_t count = records.count();
+  if (filter.passesEverything()) {
+    index.resize(count);
+    std::iota(index.begin(), index.end(), 0u);
+    database.needs_refresh = false;
+    return;
+  }
+  const std::size_t reach = count > 0 ? filter.reachIn(records[0].bytes()) : 0;
   for (std::uint32_t position = 0; position < count; ++position) {
-    records.fetchAhead(position);
+    records.fetchAhead(position, reach);
     if (filter.passes(records[position].bytes())) index.push_back(position);
   }
   database.needs_refresh = false;

@@ -44,6 +44,8 @@ class RecordFilter {
   RecordFilter& operator=(const RecordFilter&) = delete;
 
   bool passes(ByteView record) const;
+  // How far into a record like this one the first test looks (RecordStore::fetchAhead).
+  std::size_t reachIn(ByteView record) const;
   bool passesEverything() const;  // no criterion is enabled and there is no link filter
 
  private:

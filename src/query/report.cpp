@@ -25,10 +25,7 @@ void forEachValue(const Database& database, int slot, const RecordFilter& filter
   const FieldDefinition& field = database.schema.fields[static_cast<std::size_t>(slot)];
   const bool everything = filter.passesEverything();
   const RecordStore& records = database.records;
-  // How far into a record the value lies, by the first one.
-  constexpr std::size_t kLine = 64;
-  const int first_offset = records.count() > 0 ? findSlot(records[0].bytes(), slot).offset : 0;
-  const std::size_t reach = static_cast<std::size_t>(std::max(first_offset, 0)) + kLine;
+  const std::size_t reach = records.count() > 0 ? slotEnd(records[0].bytes(), slot) : 0;
   for (std::uint32_t position = 0; position < records.count(); ++position) {
     records.fetchAhead(position, reach);
     const ByteView bytes = records[position].bytes();

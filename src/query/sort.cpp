@@ -13,13 +13,6 @@
 namespace tabelion {
 namespace {
 
-// How far into a record one has to read for the first level, judged by this one.
-std::size_t reachOf(ByteView record, const std::vector<SortLevel>& levels) {
-  if (levels.empty()) return 0;
-  const SlotPlace place = findSlot(record, levels.front().slot());
-  return place.present() ? static_cast<std::size_t>(place.offset) + place.length : 0;
-}
-
 // As slotValue, in line: re-placing a record asks for little else.
 std::optional<ByteView> valueAt(ByteView record, int slot) {
   SlotWalker walker(record);
@@ -143,7 +136,8 @@ std::uint32_t replaceInOrder(Database& database, std::uint32_t position,
     return false;  // among equals it comes last
   };
   const std::uint32_t count = records.count();
-  const std::size_t reach = reachOf(records[position].bytes(), levels);
+  const std::size_t reach =
+      levels.empty() ? 0 : slotEnd(records[position].bytes(), levels.front().slot());
   std::uint32_t to = 0;
   for (; to < count; ++to) {
     records.fetchAhead(to, reach);

@@ -49,7 +49,6 @@ namespace {
 constexpr std::size_t kWord = sizeof(std::uint64_t);
 constexpr std::uint64_t kSignBit = std::uint64_t{1} << 63;
 constexpr std::size_t kWordsInElement = 2;
-constexpr std::size_t kFetched = 192;    // bytes of them
 constexpr std::size_t kLikelyWords = 8;  // of a key
 
 std::uint64_t loadBe64(const std::uint8_t* at) {
@@ -125,8 +124,12 @@ bool SortKeyMaker::run(SortKeys& keys) {
   keys.elements_.reserve(count);
   keys.words_.reserve(count * kLikelyWords);
   keys.words_ = {0, SortKeys::kMissing};  // the rests of keys that an element holds whole
+  std::size_t reach = 0;
+  for (const SortLevel& level : levels_) {
+    if (count > 0) reach = std::max(reach, slotEnd(records_[0].bytes(), level.slot()));
+  }
   for (std::uint32_t i = 0; i < count; ++i) {
-    records_.fetchAhead(i, kFetched);
+    records_.fetchAhead(i, reach);
     putRecord(records_[i].bytes());
     if (missing_ && !marks_missing_) return false;
     keys.elements_.push_back(store(keys, i));
