@@ -104,7 +104,8 @@ void shortenNotes(const DatabaseRecord& schema, UnpackedRecord& record) {
 }  // namespace
 
 void fitValue(const FieldDefinition& field, Bytes& into, std::size_t begin) {
-  if (field.type == FieldType::kTime && into.size() == begin) into.insert(into.end(), {0, 0, kNoTimeHour});
+  if (field.type == FieldType::kTime && into.size() == begin)
+    into.insert(into.end(), {0, 0, kNoTimeHour});
   into.resize(std::max(into.size(), begin + leastSize(field)));
 }
 

@@ -111,7 +111,8 @@ class RecordStore {
     if (end <= kNearLines * kCacheLine) return;
     __builtin_prefetch(begin + 2 * kCacheLine);
     if (end <= (kNearLines + 1) * kCacheLine) return;
-    for (std::size_t line = 1; line <= 3; ++line) __builtin_prefetch(begin + end - line * kCacheLine);
+    for (std::size_t line = 1; line <= 3; ++line)
+      __builtin_prefetch(begin + end - line * kCacheLine);
     __builtin_prefetch(begin + end);
   }
 

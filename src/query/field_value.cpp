@@ -229,8 +229,9 @@ bool isUnchanged(const Input& input) {
   edited.show_date = edited.edit_date;
   edited.show_time = edited.edit_time;
   std::string shown;
-  const bool has_text = appendValueText(shown, input.field, input.items, input.previous, edited) ||
-                        input.field.type == FieldType::kLinkedField;  // it shows none, which is what came back
+  const bool has_text =
+      appendValueText(shown, input.field, input.items, input.previous, edited) ||
+      input.field.type == FieldType::kLinkedField;  // it shows none, which is what came back
   return has_text && shown == input.text;
 }
 

@@ -232,7 +232,8 @@ TEST(Sort, IntegersFarApartOrderTheWrongWayRound) {
 TEST(Sort, NoTimeComesLastAndNoLinkFirst) {
   const Table absent_time = oneColumn(FieldType::kTime, {{}, {59, 59, 23, 0}});
   EXPECT_EQ(absent_time.compare(0, 1), 1) << "a time without bytes is none";
-  Table times = oneColumn(FieldType::kTime, {{0, 0, 255, 0}, {59, 59, 23, 0}, {0, 1, 0, 0}, {9, 0, 0, 200}});
+  Table times =
+      oneColumn(FieldType::kTime, {{0, 0, 255, 0}, {59, 59, 23, 0}, {0, 1, 0, 0}, {9, 0, 0, 200}});
   EXPECT_EQ(times.sorted(), (std::vector<int>{3, 2, 1, 0}));
   Bytes empty_text(25, 0);
   Bytes anna(25, 'a');

@@ -165,7 +165,8 @@ TEST(RecordEncryption, FormsByType) {
 
   EXPECT_EQ(forms(FieldType::kText, {}).first, Bytes{0});
   EXPECT_EQ(forms(FieldType::kText, {}).second, Bytes{0});
-  EXPECT_EQ(forms(FieldType::kText, {'a', 'b'}).second, (Bytes{'a', 'b', 0})) << "a text gets its NUL";
+  EXPECT_EQ(forms(FieldType::kText, {'a', 'b'}).second, (Bytes{'a', 'b', 0}))
+      << "a text gets its NUL";
   EXPECT_EQ(forms(FieldType::kText, {0}).second, Bytes{0}) << "an empty one too";
   EXPECT_EQ(forms(FieldType::kFloat, {}).second, Bytes(17, 0));
   EXPECT_EQ(forms(FieldType::kFloat, {'1', 0}).second, bytesOf("1", 16)) << "numbers have 17 bytes";
