@@ -6,50 +6,24 @@
 #include <fmt/format.h>
 
 #include "interchange/hex.h"
-#include "interchange/schema_json_parts.h"
+#include "interchange/schema_members.h"
 #include "security/access_rights.h"
 #include "security/database_encryption.h"
 
 namespace tabelion {
 namespace {
 
-struct Word {
-  int value;
-  const char* name;
-};
-
 // What the security word says about an operation.
-constexpr Word kSecurityCodes[] = {{kCodeFree, kSecurityCodeNames[kCodeFree]},
-                                   {kCodePassword, kSecurityCodeNames[kCodePassword]},
-                                   {kCodeRefused, kSecurityCodeNames[kCodeRefused]},
-                                   {kCodeRestricted, kSecurityCodeNames[kCodeRestricted]}};
-constexpr Word kEncryptionModes[] = {
+constexpr NamedValue kSecurityCodes[] = {{kCodeFree, kSecurityCodeNames[kCodeFree]},
+                                         {kCodePassword, kSecurityCodeNames[kCodePassword]},
+                                         {kCodeRefused, kSecurityCodeNames[kCodeRefused]},
+                                         {kCodeRestricted, kSecurityCodeNames[kCodeRestricted]}};
+constexpr NamedValue kEncryptionModes[] = {
     {kEncryptWholeDatabase, kEncryptionModeNames[kEncryptWholeDatabase]},
     {kEncryptRecordsOnSave, kEncryptionModeNames[kEncryptRecordsOnSave]},
     {kEncryptRecordsByHand, kEncryptionModeNames[kEncryptRecordsByHand]},
     {kEncryptNever, kEncryptionModeNames[kEncryptNever]}};
-constexpr Word kSearchMatches[] = {{0, "contains"}, {1, "begins"}};
-
-template <std::size_t Count>
-Json wordJson(int value, const Word (&words)[Count]) {
-  for (const Word& word : words) {
-    if (word.value == value) return word.name;
-  }
-  return value;
-}
-
-template <std::size_t Count>
-int readWord(const JsonNode& node, const Word (&words)[Count], int most, int otherwise) {
-  if (!node.isText()) return static_cast<int>(node.integer(0, most, otherwise));
-  const std::string name = node.text("");
-  std::string known;
-  for (const Word& word : words) {
-    if (word.name == name) return word.value;
-    known += fmt::format("{}\"{}\"", known.empty() ? "" : ", ", word.name);
-  }
-  node.refuse(fmt::format("\"{}\" is not one of {}", name, known));
-  return otherwise;
-}
+constexpr NamedValue kSearchMatches[] = {{0, "contains"}, {1, "begins"}};
 
 // Items of the database record that are no part of a description: the fields and views have
 // members of their own, the last two change with every use of the file.
@@ -83,188 +57,119 @@ Bytes databaseRecordBytes(const DatabaseRecord& schema) {
   return bytes;
 }
 
-Json rawItemsJson(const DatabaseRecord& schema, const DatabaseRecord& described) {
-  const Bytes actual = databaseRecordBytes(schema);
-  const Bytes plain = databaseRecordBytes(described);
-  Json items = Json::object();
-  forEachRawItem([&](const std::string& name, const DatabaseRecordPart& part) {
-    putHexUnless(items, name.c_str(), ByteView(actual).subspan(part.offset, part.size),
-                 ByteView(plain).subspan(part.offset, part.size));
-  });
-  return items;
-}
-
-void readRawItems(const JsonNode& node, DatabaseRecord& schema) {
-  if (!node.present()) return;
-  JsonObject json(node);
+// The items of the database record that no other member says.
+template <class Members, class Schema>
+void rawItemMembers(Members& m, Schema& schema, const DatabaseRecord& described) {
   Bytes bytes = databaseRecordBytes(schema);
+  const Bytes plain = databaseRecordBytes(described);
   forEachRawItem([&](const std::string& name, const DatabaseRecordPart& part) {
-    json[name].hexInto(bytes.data() + part.offset, part.size);
+    m.hex(name, std::span(bytes).subspan(part.offset, part.size),
+          std::span(plain).subspan(part.offset, part.size));
   });
-  json.finish();
-  if (!readDatabaseRecord(bytes, schema)) node.refuse("the items do not make a database record");
+  if constexpr (Members::kReads) (void)readDatabaseRecord(bytes, schema);  // as many as it wrote
 }
 
-void readSurplus(const JsonNode& node, Bytes& surplus) {
-  if (!node.present()) return;
-  surplus.resize(node.text("").size() / 2);
-  node.hexInto(surplus.data(), surplus.size());
-}
-
-Json headerJson(const FileHeader& header) {
+template <class Members, class Header>
+void headerMembers(Members& m, Header& header) {
   const FileHeader standard;
-  Json json = Json::object();
-  putUnless(json, "attributes", header.attributes, standard.attributes);
-  putUnless(json, "version", header.version, standard.version);
-  putUnless(json, "created", header.creation_date, standard.creation_date);
-  putUnless(json, "backed_up", header.backup_date, standard.backup_date);
-  putUnless(json, "modification_number", header.modification_number, standard.modification_number);
-  putUnless(json, "type", header.type, standard.type);
-  putUnless(json, "sort_info_offset", header.sort_info_offset, standard.sort_info_offset);
-  putUnless(json, "unique_id_seed", header.unique_id_seed, standard.unique_id_seed);
-  putUnless(json, "next_record_list", header.next_record_list, standard.next_record_list);
-  return json;
+  m.number("attributes", header.attributes, standard.attributes);
+  m.number("version", header.version, standard.version);
+  m.number("created", header.creation_date, standard.creation_date);
+  m.number("backed_up", header.backup_date, standard.backup_date);
+  m.number("modification_number", header.modification_number, standard.modification_number);
+  m.number("type", header.type, standard.type);
+  m.number("sort_info_offset", header.sort_info_offset, standard.sort_info_offset);
+  m.number("unique_id_seed", header.unique_id_seed, standard.unique_id_seed);
+  m.number("next_record_list", header.next_record_list, standard.next_record_list);
 }
 
-void readHeaderJson(const JsonNode& node, FileHeader& header) {
-  if (!node.present()) return;
-  JsonObject json(node);
-  readNumber(json["attributes"], 0, UINT16_MAX, header.attributes);
-  readNumber(json["version"], 0, UINT16_MAX, header.version);
-  readNumber(json["created"], 0, UINT32_MAX, header.creation_date);
-  readNumber(json["backed_up"], 0, UINT32_MAX, header.backup_date);
-  readNumber(json["modification_number"], 0, UINT32_MAX, header.modification_number);
-  readNumber(json["type"], 0, UINT32_MAX, header.type);
-  readNumber(json["sort_info_offset"], 0, UINT32_MAX, header.sort_info_offset);
-  readNumber(json["unique_id_seed"], 0, UINT32_MAX, header.unique_id_seed);
-  readNumber(json["next_record_list"], 0, UINT32_MAX, header.next_record_list);
-  json.finish();
+// A field by its name, stored as its slot; kNoField is none.
+template <class Members, class Number>
+void slotMember(Members& m, const char* key, Number& slot) {
+  const FieldNames& names = m.context().names;
+  m.member(
+      key, [&] { return names.reference(slot); },
+      [&](const auto& node) {
+        slot = static_cast<std::uint8_t>(names.slotOf(node, 255, kNoField));
+      });
 }
 
-Json searchJson(const DatabaseRecord& schema, const FieldNames& names,
-                const TextEncoding& encoding) {
-  Json json = Json::object();
-  if (schema.search_field != kNoField) json["field"] = names.reference(schema.search_field);
-  putUnlessEmpty(json, "text", areaJson(schema.search_text, encoding));
-  putFlagUnless(json, "case_sensitive", schema.search_case, 0);
-  if (schema.search_match != 0) json["match"] = wordJson(schema.search_match, kSearchMatches);
-  return json;
+// The same, stored as its slot + 1; 0 is none.
+template <class Members, class Number>
+void slotPlusOneMember(Members& m, const char* key, Number& stored) {
+  const FieldNames& names = m.context().names;
+  m.member(
+      key, [&] { return stored == 0 ? Json() : names.reference(stored - 1); },
+      [&](const auto& node) {
+        const int slot = names.slotOf(node, 254, kNoField);
+        stored = slot == kNoField ? std::uint8_t{0} : static_cast<std::uint8_t>(slot + 1);
+      });
 }
 
-void readSearch(const JsonNode& node, const FieldNames& names, const TextEncoding& encoding,
-                DatabaseRecord& schema) {
-  JsonObject json(node);
-  schema.search_field = static_cast<std::uint8_t>(names.slotOf(json["field"], 255, kNoField));
-  readArea(json["text"], encoding, schema.search_text);
-  readFlag(json["case_sensitive"], schema.search_case);
-  schema.search_match =
-      static_cast<std::uint8_t>(readWord(json["match"], kSearchMatches, 255, schema.search_match));
-  json.finish();
+template <class Members, class Schema>
+void searchMembers(Members& m, Schema& schema, const DatabaseRecord& standard) {
+  slotMember(m, "field", schema.search_field);
+  m.area("text", schema.search_text, standard.search_text);
+  m.flag("case_sensitive", schema.search_case, standard.search_case);
+  m.word("match", schema.search_match, standard.search_match, kSearchMatches);
 }
 
-Json securityJson(const DatabaseRecord& schema) {
-  Json json = Json::object();
+template <class Members, class Schema>
+void securityMembers(Members& m, Schema& schema) {
   for (std::size_t i = 0; i < std::size(kOperationNames); ++i) {
-    const int code = schema.security_word >> 2 * i & 3;
-    if (code != 0) json[kOperationNames[i]] = wordJson(code, kSecurityCodes);
+    std::uint32_t code = schema.security_word >> 2 * i & 3;
+    m.word(kOperationNames[i], code, 0, kSecurityCodes, {0, 3});
+    if constexpr (Members::kReads) {
+      schema.security_word &= ~(std::uint32_t{3} << 2 * i);
+      schema.security_word |= code << 2 * i;
+    }
   }
-  return json;
 }
 
-void readSecurity(const JsonNode& node, DatabaseRecord& schema) {
-  JsonObject json(node);
-  for (std::size_t i = 0; i < std::size(kOperationNames); ++i) {
-    const int code = readWord(json[kOperationNames[i]], kSecurityCodes, 3, 0);
-    schema.security_word |= static_cast<std::uint32_t>(code) << 2 * i;
+template <class Members, class Schema>
+void encryptionMembers(Members& m, Schema& schema, const DatabaseRecord& standard) {
+  m.word("mode", schema.encryption_mode, standard.encryption_mode, kEncryptionModes);
+  m.hex("check_block", schema.password_check, standard.password_check);
+  m.number("check_sum", schema.password_check_sum, standard.password_check_sum);
+  m.flag("check_present", schema.password_check_present, standard.password_check_present);
+}
+
+template <class Members, class Schema>
+void alarmMembers(Members& m, Schema& schema, const DatabaseRecord& standard) {
+  auto& [date, time, first, second] = schema.alarm_fields;
+  m.flag("switch1", schema.alarm_switches[0], standard.alarm_switches[0]);
+  m.flag("switch2", schema.alarm_switches[1], standard.alarm_switches[1]);
+  slotPlusOneMember(m, "date_field", date);
+  slotPlusOneMember(m, "time_field", time);
+  slotPlusOneMember(m, "first_shown_field", first);
+  slotPlusOneMember(m, "second_shown_field", second);
+  m.number("snooze_minutes", schema.snooze_minutes, standard.snooze_minutes);
+}
+
+Json entriesJson(const std::vector<ExtensionEntry>& entries) {
+  Json list = Json::array();
+  for (const ExtensionEntry& entry : entries) list.push_back(toHex(entry));
+  return list;
+}
+
+void readEntries(const JsonNode& node, std::vector<ExtensionEntry>& entries) {
+  for (const JsonNode& entry : node.list(65535)) {
+    entry.hexInto(entries.emplace_back().data(), sizeof(ExtensionEntry));
   }
-  json.finish();
 }
 
-Json encryptionJson(const DatabaseRecord& schema, const DatabaseRecord& standard) {
-  Json json = Json::object();
-  if (schema.encryption_mode != standard.encryption_mode) {
-    json["mode"] = wordJson(schema.encryption_mode, kEncryptionModes);
-  }
-  putHexUnless(json, "check_block", schema.password_check, standard.password_check);
-  putUnless(json, "check_sum", schema.password_check_sum, standard.password_check_sum);
-  putFlagUnless(json, "check_present", schema.password_check_present, 0);
-  return json;
-}
-
-void readEncryption(const JsonNode& node, DatabaseRecord& schema) {
-  JsonObject json(node);
-  schema.encryption_mode = static_cast<std::uint8_t>(
-      readWord(json["mode"], kEncryptionModes, 255, schema.encryption_mode));
-  json["check_block"].hexInto(schema.password_check.data(), schema.password_check.size());
-  readNumber(json["check_sum"], 0, 255, schema.password_check_sum);
-  readFlag(json["check_present"], schema.password_check_present);
-  json.finish();
-}
-
-// An alarm field is stored as its slot + 1, and 0 means none.
-Json alarmFieldJson(std::uint8_t stored, const FieldNames& names) {
-  return stored == 0 ? Json(nullptr) : names.reference(stored - 1);
-}
-
-std::uint8_t readAlarmField(const JsonNode& node, const FieldNames& names) {
-  const int slot = names.slotOf(node, 254, kNoField);
-  return slot == kNoField ? std::uint8_t{0} : static_cast<std::uint8_t>(slot + 1);
-}
-
-Json alarmsJson(const DatabaseRecord& schema, const FieldNames& names) {
-  const auto& [date, time, first, second] = schema.alarm_fields;
-  Json json = Json::object();
-  putFlagUnless(json, "switch1", schema.alarm_switches[0], 0);
-  putFlagUnless(json, "switch2", schema.alarm_switches[1], 0);
-  if (date != 0) json["date_field"] = alarmFieldJson(date, names);
-  if (time != 0) json["time_field"] = alarmFieldJson(time, names);
-  if (first != 0) json["first_shown_field"] = alarmFieldJson(first, names);
-  if (second != 0) json["second_shown_field"] = alarmFieldJson(second, names);
-  putUnless(json, "snooze_minutes", static_cast<int>(schema.snooze_minutes), 1);
-  return json;
-}
-
-void readAlarms(const JsonNode& node, const FieldNames& names, DatabaseRecord& schema) {
-  JsonObject json(node);
-  readFlag(json["switch1"], schema.alarm_switches[0]);
-  readFlag(json["switch2"], schema.alarm_switches[1]);
-  schema.alarm_fields = {readAlarmField(json["date_field"], names),
-                         readAlarmField(json["time_field"], names),
-                         readAlarmField(json["first_shown_field"], names),
-                         readAlarmField(json["second_shown_field"], names)};
-  readNumber(json["snooze_minutes"], 0, 65535, schema.snooze_minutes);
-  json.finish();
-}
-
-Json extensionJson(const ExtensionRecord& extension) {
+template <class Members, class Extension>
+void extensionMembers(Members& m, Extension& extension) {
   const ExtensionRecord standard;
-  Json json = Json::object();
-  Json entries = Json::array();
-  for (const ExtensionEntry& entry : extension.entries) entries.push_back(toHex(entry));
-  putUnlessEmpty(json, "entries", std::move(entries));
-  putHexUnless(json, "head", extension.head, standard.head);
-  putHexUnless(json, "closing", extension.closing, standard.closing);
-  putHexUnless(json, "surplus", extension.surplus, standard.surplus);
-  putHexUnless(json, "ignored", extension.ignored, standard.ignored);
-  putUnless(json, "attributes", extension.attributes, standard.attributes);
-  putHexUnless(json, "id", extension.unique_id, standard.unique_id);
-  return json;
-}
-
-void readExtension(const JsonNode& node, ExtensionRecord& extension) {
-  JsonObject json(node);
-  for (const JsonNode& entry : json["entries"].list(65535)) {
-    ExtensionEntry bytes{};
-    entry.hexInto(bytes.data(), bytes.size());
-    extension.entries.push_back(bytes);
-  }
-  json["head"].hexInto(extension.head.data(), extension.head.size());
-  json["closing"].hexInto(extension.closing.data(), extension.closing.size());
-  readSurplus(json["surplus"], extension.surplus);
-  readSurplus(json["ignored"], extension.ignored);
-  readNumber(json["attributes"], 0, 255, extension.attributes);
-  json["id"].hexInto(extension.unique_id.data(), extension.unique_id.size());
-  json.finish();
+  m.member(
+      "entries", [&] { return entriesJson(extension.entries); },
+      [&](const auto& node) { readEntries(node, extension.entries); });
+  m.hex("head", extension.head, standard.head);
+  m.hex("closing", extension.closing, standard.closing);
+  m.bytes("surplus", extension.surplus, standard.surplus);
+  m.bytes("ignored", extension.ignored, standard.ignored);
+  m.number("attributes", extension.attributes, standard.attributes);
+  m.hex("id", extension.unique_id, standard.unique_id);
 }
 
 // A mark that names no code page stands as digits: as a text it would be refused.
@@ -275,91 +180,79 @@ Json codePageJson(ByteView mark, const TextEncoding& encoding) {
   return Json{{"hex", toHex(mark)}};
 }
 
-Json rawJson(const Database& database, const Database& described) {
-  Json raw = Json::object();
-  putUnlessEmpty(raw, "items", rawItemsJson(database.schema, described.schema));
-  putUnlessEmpty(raw, "header", headerJson(database.header));
-  const auto attributes =
+// What the other members leave different from the database itself.
+template <class Members, class Base>
+void rawMembers(Members& m, Base& database, const Database& described) {
+  m.object("items", [&](auto& items) { rawItemMembers(items, database.schema, described.schema); });
+  m.object("header", [&](auto& header) { headerMembers(header, database.header); });
+  auto attributes =
       static_cast<std::uint8_t>(database.schema_attributes & ~unsigned{kAttributeDirty});
-  putUnless(raw, "record_attributes", attributes, std::uint8_t{0});
-  putHexUnless(raw, "record_id", database.schema_unique_id, UniqueId{});
-  putHexUnless(raw, "record_surplus", database.schema.surplus, Bytes{});
-  return raw;
+  m.number("record_attributes", attributes, 0);
+  if constexpr (Members::kReads) database.schema_attributes = attributes;
+  m.hex("record_id", database.schema_unique_id, UniqueId{});
+  m.bytes("record_surplus", database.schema.surplus, {});
 }
 
-void readRaw(const JsonNode& node, Database& database) {
-  if (!node.present()) return;
-  JsonObject json(node);
-  readRawItems(json["items"], database.schema);
-  readHeaderJson(json["header"], database.header);
-  readNumber(json["record_attributes"], 0, 255, database.schema_attributes);
-  json["record_id"].hexInto(database.schema_unique_id.data(), database.schema_unique_id.size());
-  readSurplus(json["record_surplus"], database.schema.surplus);
-  json.finish();
-}
-
-// Everything but the raw members and the fields.
-void putSettings(Json& json, const Database& database, const Database& standard,
-                 const FieldNames& names, const TextEncoding& encoding) {
-  const DatabaseRecord& schema = database.schema;
-  const DatabaseRecord& plain = standard.schema;
-  putUnlessEmpty(json, "display_order", orderJson(schema.display_order, names));
-  putUnlessEmpty(json, "sort", sortJson(schema.sort, names));
-  putUnlessEmpty(json, "filters", filtersJson(schema.filters, names, encoding));
-  putUnlessEmpty(json, "search", searchJson(schema, names, encoding));
-  putViews(json, schema, names, encoding);
-  if (schema.current_view == kNoView) {
-    json["current_view"] = nullptr;
-  } else {
-    putUnless(json, "current_view", schema.current_view, plain.current_view);
-  }
-  putUnlessEmpty(json, "security", securityJson(schema));
-  putUnlessEmpty(json, "access_password", areaJson(schema.access_password, encoding));
-  putUnlessEmpty(json, "encryption", encryptionJson(schema, plain));
-  putUnlessEmpty(json, "alarms", alarmsJson(schema, names));
-  putUnless(json, "label_width_adjustment", schema.label_width_adjustment,
-            plain.label_width_adjustment);
-  putFlagUnless(json, "stamping", schema.stamping_option, plain.stamping_option);
-  putFlagUnless(json, "modification_stamps", schema.modification_stamp_option,
-                plain.modification_stamp_option);
-  putUnless(json, "next_auto_number", schema.next_auto_number, plain.next_auto_number);
-  putUnless(json, "next_record_serial", schema.next_serial, plain.next_serial);
-  if (schema.edition != plain.edition) json["edition"] = areaJson(schema.edition, encoding);
-  putUnlessEmpty(json, "extension", extensionJson(database.extension));
-}
-
-void readSettings(JsonObject& json, const FieldNames& names, const TextEncoding& encoding,
-                  Database& database) {
-  DatabaseRecord& schema = database.schema;
-  readOrder(json["display_order"], names, schema.display_order);
-  readSort(json["sort"], names, schema.sort);
-  readFilters(json["filters"], names, encoding, schema.filters);
-  readSearch(json["search"], names, encoding, schema);
-  readViews(json, names, encoding, schema);
-  const JsonNode current_view = json["current_view"];
-  if (current_view.isNull()) {
-    schema.current_view = kNoView;
-  } else {
-    readNumber(current_view, 0, 255, schema.current_view);
-  }
-  readSecurity(json["security"], schema);
-  readArea(json["access_password"], encoding, schema.access_password);
-  readEncryption(json["encryption"], schema);
-  readAlarms(json["alarms"], names, schema);
-  readNumber(json["label_width_adjustment"], -32768, 32767, schema.label_width_adjustment);
-  schema.stamping_option =
-      static_cast<std::uint16_t>(json["stamping"].flag(65535, schema.stamping_option));
-  schema.modification_stamp_option = static_cast<std::uint16_t>(
-      json["modification_stamps"].flag(65535, schema.modification_stamp_option));
-  readNumber(json["next_auto_number"], 0, UINT32_MAX, schema.next_auto_number);
-  readNumber(json["next_record_serial"], 0, 65535, schema.next_serial);
-  readArea(json["edition"], encoding, schema.edition);
-  readExtension(json["extension"], database.extension);
+// Everything but the raw members and what stands before the fields.
+template <class Members, class Base>
+void settingsMembers(Members& m, Base& database, const DatabaseRecord& standard) {
+  const DescriptionContext& context = m.context();
+  auto& schema = database.schema;
+  m.order("display_order", schema.display_order);
+  m.sort("sort", schema.sort);
+  m.filters("filters", schema.filters);
+  m.object("search", [&](auto& search) { searchMembers(search, schema, standard); });
+  m.member(
+      "views", [&] { return viewsJson(schema, context); },
+      [&](const auto& node) { readViews(node, context, schema); });
+  m.member(
+      "spare_views", [&] { return spareViewsJson(schema, context); },
+      [&](const auto& node) { readSpareViews(node, context, schema); });
+  m.optionalMember(
+      "current_view",
+      [&]() -> std::optional<Json> {
+        if (schema.current_view == standard.current_view) return std::nullopt;
+        return schema.current_view == kNoView ? Json() : Json(schema.current_view);
+      },
+      [&](const auto& node) {
+        schema.current_view =
+            node.isNull() ? kNoView
+                          : static_cast<std::uint8_t>(node.integer(0, 255, schema.current_view));
+      });
+  m.object("security", [&](auto& security) { securityMembers(security, schema); });
+  m.area("access_password", schema.access_password, standard.access_password);
+  m.object("encryption",
+           [&](auto& encryption) { encryptionMembers(encryption, schema, standard); });
+  m.object("alarms", [&](auto& alarms) { alarmMembers(alarms, schema, standard); });
+  m.number("label_width_adjustment", schema.label_width_adjustment, standard.label_width_adjustment,
+           kSigned16);
+  m.flag("stamping", schema.stamping_option, standard.stamping_option);
+  m.flag("modification_stamps", schema.modification_stamp_option,
+         standard.modification_stamp_option);
+  m.number("next_auto_number", schema.next_auto_number, standard.next_auto_number);
+  m.number("next_record_serial", schema.next_serial, standard.next_serial);
+  m.area("edition", schema.edition, standard.edition);
+  m.object("extension", [&](auto& extension) { extensionMembers(extension, database.extension); });
 }
 
 void initDescribed(Database& database) {
   initSchema(database.schema);
   initHeader("", database.header);
+}
+
+// What stands before the fields.
+template <class Members, class Base>
+void titleMembers(Members& m, Base& database, const DatabaseRecord& standard) {
+  auto& schema = database.schema;
+  const TextEncoding& encoding = m.context().encoding;
+  m.optionalMember(
+      "name", [&] { return std::optional<Json>(areaJson(database.header.name, encoding)); },
+      [&](const auto& node) { readArea(node, encoding, database.header.name); });
+  m.area("category", schema.category, standard.category);
+  m.area("author", schema.author, standard.author);
+  m.member(
+      "code_page", [&] { return codePageJson(schema.code_page, encoding); },
+      [&](const auto& node) { readArea(node, encoding, schema.code_page); });
 }
 
 void readDescription(const JsonNode& node, const TextEncoding& encoding, Database& database) {
@@ -368,14 +261,18 @@ void readDescription(const JsonNode& node, const TextEncoding& encoding, Databas
     return;
   }
   JsonObject json(node);
-  readArea(json["name"], encoding, database.header.name);
-  readArea(json["category"], encoding, database.schema.category);
-  readArea(json["author"], encoding, database.schema.author);
-  readArea(json["code_page"], encoding, database.schema.code_page);
+  const FieldNames no_names(database.schema, encoding);
+  const DescriptionContext title_context{encoding, no_names};
+  MemberReader title(json, title_context);
+  titleMembers(title, database, database.schema);
   readFields(json["fields"], encoding, database);
   const FieldNames names(database.schema, encoding);
-  readSettings(json, names, encoding, database);
-  readRaw(json["raw"], database);
+  const DescriptionContext context{encoding, names};
+  MemberReader settings(json, context);
+  settingsMembers(settings, database, database.schema);
+  if (const JsonNode raw = json["raw"]; raw.present()) {
+    readMembers(raw, context, [&](auto& m) { rawMembers(m, database, database); });
+  }
   json.finish();
 }
 
@@ -385,19 +282,18 @@ Json schemaToJson(const Database& database, const TextEncoding& encoding) {
   const auto standard = std::make_unique<Database>();
   initDescribed(*standard);
   const FieldNames names(database.schema, encoding);
-  Json json = Json::object();
-  json["name"] = areaJson(database.header.name, encoding);
-  putUnlessEmpty(json, "category", areaJson(database.schema.category, encoding));
-  putUnlessEmpty(json, "author", areaJson(database.schema.author, encoding));
-  putUnlessEmpty(json, "code_page", codePageJson(database.schema.code_page, encoding));
-  json["fields"] = fieldsJson(database, *standard, encoding);
-  putSettings(json, database, *standard, names, encoding);
+  const DescriptionContext context{encoding, names};
+  Json json = membersJson(context, [&](auto& m) { titleMembers(m, database, standard->schema); });
+  json["fields"] = fieldsJson(database, *standard, context);
+  json.update(
+      membersJson(context, [&](auto& m) { settingsMembers(m, database, standard->schema); }));
   // Read what was written so far, to see what it leaves out.
   const auto described = std::make_unique<Database>();
   initDescribed(*described);
   JsonProblem problem;
   readDescription(JsonNode(&json, "", problem), encoding, *described);
-  putUnlessEmpty(json, "raw", rawJson(database, *described));
+  putUnlessEmpty(json, "raw",
+                 membersJson(context, [&](auto& m) { rawMembers(m, database, *described); }));
   return json;
 }
 

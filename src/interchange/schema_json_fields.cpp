@@ -7,17 +7,17 @@
 #include "engine/packed_record.h"
 #include "interchange/hex.h"
 #include "interchange/popup_keys.h"
-#include "interchange/schema_json_parts.h"
+#include "interchange/schema_members.h"
 
 namespace tabelion {
 namespace {
 
-// Stored default options of dates and times that have a word of their own.
-constexpr int kDefaultToday = 2;
-constexpr int kDefaultNow = 2;
+constexpr NamedValue kDateDefaults[] = {{0, "none"}, {2, "today"}};
+constexpr NamedValue kTimeDefaults[] = {{0, "none"}, {2, "now"}};
 
 Json typeJson(FieldType type) {
-  if (type == FieldType::kUnused || isValidType(type)) return std::string(traitsOf(type).name);
+  if (type == FieldType::kUnused) return {};
+  if (isValidType(type)) return std::string(traitsOf(type).name);
   return codeOf(type);
 }
 
@@ -32,98 +32,60 @@ FieldType readType(const JsonNode& node) {
   return FieldType::kUnused;
 }
 
-bool isDateOrTime(FieldType type) {
-  return type == FieldType::kDate || type == FieldType::kTime;
+template <class Members, class Link>
+void linkMembers(Members& m, Link& link) {
+  m.text("database", link.database, NeededMember::kYes);
+  m.number("display_field", link.display_field, -1, {-1, kFieldSlots - 1});
+  m.number("kind", link.kind, 0);
 }
 
-Json defaultOptionJson(const FieldDefinition& field) {
-  const int option = fieldDefaultOption(field);
-  if (field.type == FieldType::kDate && option == kDefaultToday) return "today";
-  if (field.type == FieldType::kTime && option == kDefaultNow) return "now";
-  return option;
+template <class Members, class Lookup>
+void lookupMembers(Members& m, Lookup& lookup) {
+  const FieldNames& names = m.context().names;
+  m.optionalMember(
+      "link_field",
+      [&]() -> std::optional<Json> {
+        if (lookup.link_field < 0) return std::nullopt;
+        return names.reference(lookup.link_field);
+      },
+      [&](const auto& node) {
+        const int slot = names.slotOf(node, kFieldSlots - 1, kNoField);
+        lookup.link_field = slot == kNoField ? -1 : slot;
+      });
+  m.text("shown_field", lookup.shown_field, NeededMember::kYes);
 }
 
-void readDefaultOption(const JsonNode& node, FieldDefinition& field) {
+template <class Members, class Plugin>
+void pluginMembers(Members& m, Plugin& plugin) {
+  m.text("name", plugin.name, NeededMember::kYes);
+  m.text("parameter", plugin.parameter, NeededMember::kNo);
+}
+
+// The settings of a field's type under one member. Ones that the program would not store itself,
+// such as a text that fills its area to the last byte, are left to the raw areas.
+template <class Settings, class List>
+Json settingsJson(const FieldDefinition& field, Settings (*get)(const FieldDefinition&),
+                  bool (*set)(FieldDefinition&, const Settings&), const DescriptionContext& context,
+                  const List& list) {
+  FieldDefinition copy = field;
+  const Settings settings = get(field);
+  if (!set(copy, settings)) return {};
+  return membersJson(context, [&](auto& m) { list(m, settings); });
+}
+
+template <class Settings, class List>
+void readSettings(const JsonNode& node, FieldDefinition& field,
+                  bool (*set)(FieldDefinition&, const Settings&), const DescriptionContext& context,
+                  const List& list, std::string_view refusal) {
   if (!node.present()) return;
-  int option = 0;
-  if (node.isText()) {
-    const std::string word = node.text("");
-    if (word == "today" && field.type == FieldType::kDate) {
-      option = kDefaultToday;
-    } else if (word == "now" && field.type == FieldType::kTime) {
-      option = kDefaultNow;
-    } else if (word != "none") {
-      node.refuse(field.type == FieldType::kDate ? "must be \"none\" or \"today\""
-                                                 : "must be \"none\" or \"now\"");
-    }
-  } else {
-    option = static_cast<int>(node.integer(0, 255, 0));
-  }
-  setFieldDefaultOption(field, option);
+  Settings settings;
+  readMembers(node, context, [&](auto& m) { list(m, settings); });
+  if (!set(field, settings)) node.refuse(refusal);
 }
 
-Json linkJson(const FieldDefinition& field, const TextEncoding& encoding) {
-  const LinkSettings link = linkSettings(field);
-  Json json = Json::object();
-  json["database"] = textJson(link.database, encoding);
-  putUnless(json, "display_field", link.display_field, -1);
-  putUnless(json, "kind", static_cast<int>(link.kind), 0);
-  return json;
-}
-
-void readLink(const JsonNode& node, const TextEncoding& encoding, FieldDefinition& field) {
-  if (!node.present()) return;
-  JsonObject json(node);
-  LinkSettings link;
-  readText(json["database"], encoding, link.database);
-  readNumber(json["display_field"], -1, kFieldSlots - 1, link.display_field);
-  readNumber(json["kind"], 0, 255, link.kind);
-  if (!setLinkSettings(field, link)) json["database"].refuse("the name is longer than 31 bytes");
-  json.finish();
-}
-
-Json lookupJson(const FieldDefinition& field, const FieldNames& names,
-                const TextEncoding& encoding) {
-  const LookupSettings lookup = lookupSettings(field);
-  Json json = Json::object();
-  if (lookup.link_field >= 0) json["link_field"] = names.reference(lookup.link_field);
-  json["shown_field"] = textJson(lookup.shown_field, encoding);
-  return json;
-}
-
-void readLookup(const JsonNode& node, const FieldNames& names, const TextEncoding& encoding,
-                FieldDefinition& field) {
-  if (!node.present()) return;
-  JsonObject json(node);
-  LookupSettings lookup;
-  const int slot = names.slotOf(json["link_field"], kFieldSlots - 1, kNoField);
-  lookup.link_field = slot == kNoField ? -1 : slot;
-  readText(json["shown_field"], encoding, lookup.shown_field);
-  if (!setLookupSettings(field, lookup)) {
-    json["shown_field"].refuse("the name is longer than 19 bytes");
-  }
-  json.finish();
-}
-
-Json pluginJson(const FieldDefinition& field, const TextEncoding& encoding) {
-  const PluginSettings plugin = pluginSettings(field);
-  Json json = Json::object();
-  json["name"] = textJson(plugin.name, encoding);
-  if (!plugin.parameter.empty()) json["parameter"] = textJson(plugin.parameter, encoding);
-  return json;
-}
-
-void readPlugin(const JsonNode& node, const TextEncoding& encoding, FieldDefinition& field) {
-  if (!node.present()) return;
-  JsonObject json(node);
-  PluginSettings plugin;
-  readText(json["name"], encoding, plugin.name);
-  readText(json["parameter"], encoding, plugin.parameter);
-  if (!setPluginSettings(field, plugin)) {
-    node.refuse("the name is longer than 39 bytes, or the parameter longer than 19");
-  }
-  json.finish();
-}
+constexpr auto kLinkList = [](auto& m, auto& link) { linkMembers(m, link); };
+constexpr auto kLookupList = [](auto& m, auto& lookup) { lookupMembers(m, lookup); };
+constexpr auto kPluginList = [](auto& m, auto& plugin) { pluginMembers(m, plugin); };
 
 Json itemsJson(const FieldRecord& record, int slot, const TextEncoding& encoding) {
   Json list = Json::array();
@@ -137,9 +99,8 @@ Json itemsJson(const FieldRecord& record, int slot, const TextEncoding& encoding
       list.push_back(text);
       continue;
     }
-    Json json = Json::object();
-    json["text"] = text;
-    putUnless(json, "level", item.level(), 0);
+    Json json = Json{{"text", text}};
+    if (item.level() != 0) json["level"] = item.level();
     if (has_own_key) json["key"] = toHex(ByteView(key).first(kItemTextOffset));
     list.push_back(std::move(json));
   }
@@ -180,73 +141,131 @@ void readRanges(const JsonNode& node, FieldRecord& record) {
   }
 }
 
-// What the named members leave different from the field itself.
-Json rawJson(const FieldDefinition& field, const FieldDefinition& described,
-             const FieldRecord& record, const FieldRecord& described_record) {
-  Json raw = Json::object();
-  putHexUnless(raw, "area_d", field.area_d, described.area_d);
-  putHexUnless(raw, "area_e", field.area_e, described.area_e);
-  putHexUnless(raw, "area_f", field.area_f, described.area_f);
-  putHexUnless(raw, "area_i", field.area_i, described.area_i);
-  putUnless(raw, "byte_g", field.byte_g, described.byte_g);
-  putUnless(raw, "byte_h", field.byte_h, described.byte_h);
-  putUnless(raw, "record_type", record.record_type, described_record.record_type);
-  putHexUnless(raw, "record_head", record.head, described_record.head);
-  putUnless(raw, "record_attributes", record.attributes, described_record.attributes);
-  putHexUnless(raw, "record_id", record.unique_id, described_record.unique_id);
-  putHexUnless(raw, "record_surplus", record.surplus, described_record.surplus);
-  return raw;
+bool refersToFields(FieldType type) {
+  return type == FieldType::kLookup || type == FieldType::kCalculated;
 }
 
-void readSurplus(const JsonNode& node, Bytes& surplus) {
-  if (!node.present()) return;
-  surplus.resize(node.text("").size() / 2);
-  node.hexInto(surplus.data(), surplus.size());
-}
-
-void readRaw(const JsonNode& node, FieldDefinition& field, FieldRecord& record) {
-  if (!node.present()) return;
-  JsonObject raw(node);
-  raw["area_d"].hexInto(field.area_d.data(), field.area_d.size());
-  raw["area_e"].hexInto(field.area_e.data(), field.area_e.size());
-  raw["area_f"].hexInto(field.area_f.data(), field.area_f.size());
-  raw["area_i"].hexInto(field.area_i.data(), field.area_i.size());
-  readNumber(raw["byte_g"], 0, 255, field.byte_g);
-  readNumber(raw["byte_h"], 0, 255, field.byte_h);
-  readNumber(raw["record_type"], 0, 255, record.record_type);
-  raw["record_head"].hexInto(record.head.data(), record.head.size());
-  readNumber(raw["record_attributes"], 0, 255, record.attributes);
-  raw["record_id"].hexInto(record.unique_id.data(), record.unique_id.size());
-  readSurplus(raw["record_surplus"], record.surplus);
-  raw.finish();
-}
-
-void readOneField(const JsonNode& node, int slot, const TextEncoding& encoding,
-                  FieldDefinition& field, FieldRecord& record) {
-  JsonObject json(node);
-  (void)json["slot"];
-  readArea(json["name"], encoding, field.name);
-  field.type = readType(json["type"]);
-  readNumber(json["width"], 0, 65535, field.width);
-  readNumber(json["column_width"], -32768, 32767, field.column_width);
-  readFlag(json["export"], field.export_flag);
-  readFlag(json["record_view"], field.record_view_flag);
-  readFlag(json["encrypt"], field.encrypt_flag);
-  readNumber(json["option_a"], 0, 255, field.option_a);
-  readNumber(json["option_b"], 0, 255, field.option_b);
-  readNumber(json["option_c3"], 0, 255, field.option_c3);
-  if (field.type == FieldType::kFloat) readNumber(json["decimals"], 0, 255, field.byte_g);
-  if (isDateOrTime(field.type)) readDefaultOption(json["default"], field);
-  if (field.type == FieldType::kLinkedField || field.type == FieldType::kLinkField) {
-    readLink(json["link"], encoding, field);
+// What only fields of this type have. Lookups and formulas name other fields, whose names a reader
+// does not know yet: it notes here that they are known members, and reads them in readReferences.
+template <class Members, class Field>
+void typeMembers(Members& m, Field& field, const DatabaseRecord& schema, int slot) {
+  const DescriptionContext& context = m.context();
+  const auto readLater = [](const JsonNode&) {};
+  switch (field.type) {
+    case FieldType::kFloat:
+      m.number("decimals", field.byte_g, 0);
+      break;
+    case FieldType::kDate:
+      m.word("default", field.byte_h, 0, kDateDefaults);
+      break;
+    case FieldType::kTime:
+      m.word("default", field.byte_h, 0, kTimeDefaults);
+      break;
+    case FieldType::kLinkedField:
+    case FieldType::kLinkField:
+      m.member(
+          "link",
+          [&] { return settingsJson(field, linkSettings, setLinkSettings, context, kLinkList); },
+          [&](const auto& node) {
+            readSettings(node, field, setLinkSettings, context, kLinkList,
+                         "the name is longer than 31 bytes");
+          });
+      break;
+    case FieldType::kLookup:
+      m.member(
+          "lookup",
+          [&] {
+            return settingsJson(field, lookupSettings, setLookupSettings, context, kLookupList);
+          },
+          readLater);
+      break;
+    case FieldType::kCalculated:
+      m.member(
+          "formula", [&] { return formulaJson(schema, slot, context.encoding); }, readLater);
+      m.member(
+          "result", [&] { return resultJson(schema, slot, context.encoding); }, readLater);
+      break;
+    case FieldType::kExternal:
+      m.member(
+          "plugin",
+          [&] {
+            return settingsJson(field, pluginSettings, setPluginSettings, context, kPluginList);
+          },
+          [&](const auto& node) {
+            readSettings(node, field, setPluginSettings, context, kPluginList,
+                         "the name is longer than 39 bytes, or the parameter longer than 19");
+          });
+      break;
+    case FieldType::kUnused:
+    case FieldType::kText:
+    case FieldType::kInteger:
+    case FieldType::kPopup:
+    case FieldType::kCheckBox:
+    case FieldType::kAutoNumber:
+    case FieldType::kNote:
+    case FieldType::kLongText:
+    case FieldType::kSeparator:
+    case FieldType::kTextVariant:
+    case FieldType::kText254:
+      break;
   }
-  // Read by readReferences, once every field has its name.
-  if (field.type == FieldType::kLookup) (void)json["lookup"];
-  if (field.type == FieldType::kCalculated) (void)json["formula"], (void)json["result"];
-  if (field.type == FieldType::kExternal) readPlugin(json["plugin"], encoding, field);
-  readItems(json["items"], slot, encoding, record);
-  readRanges(json["ranges"], record);
-  readRaw(json["raw"], field, record);
+}
+
+// A field but for its raw bytes. `schema` is the one that the field belongs to.
+template <class Members, class Field, class Record>
+void fieldMembers(Members& m, Field& field, Record& record, const FieldDefinition& standard,
+                  const DatabaseRecord& schema, int slot) {
+  const TextEncoding& encoding = m.context().encoding;
+  m.area("name", field.name, standard.name);
+  m.member(
+      "type", [&] { return typeJson(field.type); },
+      [&](const auto& node) { field.type = readType(node); });
+  m.number("width", field.width, standard.width, kUnsigned16);
+  m.number("column_width", field.column_width, standard.column_width, kSigned16);
+  m.flag("export", field.export_flag, standard.export_flag);
+  m.flag("record_view", field.record_view_flag, standard.record_view_flag);
+  m.flag("encrypt", field.encrypt_flag, standard.encrypt_flag);
+  m.number("option_a", field.option_a, standard.option_a);
+  m.number("option_b", field.option_b, standard.option_b);
+  m.number("option_c3", field.option_c3, standard.option_c3);
+  typeMembers(m, field, schema, slot);
+  m.member(
+      "items", [&] { return itemsJson(record, slot, encoding); },
+      [&](const auto& node) { readItems(node, slot, encoding, record); });
+  m.member(
+      "ranges", [&] { return rangesJson(record); },
+      [&](const auto& node) { readRanges(node, record); });
+}
+
+// What the named members leave different from the field itself.
+template <class Members, class Field, class Record>
+void rawMembers(Members& m, Field& field, Record& record, const FieldDefinition& described,
+                const FieldRecord& described_record) {
+  m.hex("area_d", field.area_d, described.area_d);
+  m.hex("area_e", field.area_e, described.area_e);
+  m.hex("area_f", field.area_f, described.area_f);
+  m.hex("area_i", field.area_i, described.area_i);
+  m.number("byte_g", field.byte_g, described.byte_g);
+  m.number("byte_h", field.byte_h, described.byte_h);
+  m.number("record_type", record.record_type, described_record.record_type);
+  m.hex("record_head", record.head, described_record.head);
+  m.number("record_attributes", record.attributes, described_record.attributes);
+  m.hex("record_id", record.unique_id, described_record.unique_id);
+  m.bytes("record_surplus", record.surplus, described_record.surplus);
+}
+
+void readRaw(const JsonNode& node, const DescriptionContext& context, FieldDefinition& field,
+             FieldRecord& record) {
+  if (!node.present()) return;
+  readMembers(node, context, [&](auto& m) { rawMembers(m, field, record, field, record); });
+}
+
+// `json` are the members of `node`.
+void readField(const JsonNode& node, JsonObject& json, int slot, const DescriptionContext& context,
+               const DatabaseRecord& schema, FieldDefinition& field, FieldRecord& record) {
+  MemberReader members(json, context);
+  fieldMembers(members, field, record, field, schema, slot);
+  readRaw(json["raw"], context, field, record);
   json.finish();
   if (const std::size_t length = fieldRecordLength(record); length > kMaxRecordSize) {
     node.refuse(
@@ -254,109 +273,58 @@ void readOneField(const JsonNode& node, int slot, const TextEncoding& encoding,
   }
 }
 
-bool refersToFields(FieldType type) {
-  return type == FieldType::kLookup || type == FieldType::kCalculated;
-}
-
 // The settings that name other fields of `schema`.
-void readReferences(const JsonNode& node, const DatabaseRecord& schema, const FieldNames& names,
-                    const TextEncoding& encoding, FieldDefinition& field) {
+void readReferences(const JsonNode& node, const DatabaseRecord& schema,
+                    const DescriptionContext& context, FieldDefinition& field,
+                    FieldRecord& record) {
   JsonObject json(node);
-  if (field.type == FieldType::kLookup) readLookup(json["lookup"], names, encoding, field);
-  if (field.type == FieldType::kCalculated) readFormula(json, schema, encoding, field);
-  // Raw bytes have the last word, so they go in again over these.
-  const JsonNode raw_node = json["raw"];
-  if (!raw_node.present()) return;
-  JsonObject raw(raw_node);
-  raw["area_e"].hexInto(field.area_e.data(), field.area_e.size());
-  raw["area_f"].hexInto(field.area_f.data(), field.area_f.size());
-  raw["area_i"].hexInto(field.area_i.data(), field.area_i.size());
-}
-
-// The settings of the field's type. Ones that the program would not store itself, such as a text
-// that fills its area to the last byte, are left to the raw areas.
-void putTypeSettings(Json& json, const DatabaseRecord& schema, int slot, const FieldNames& names,
-                     const TextEncoding& encoding) {
-  const FieldDefinition& field = schema.fields[static_cast<std::size_t>(slot)];
-  FieldDefinition copy = field;
-  switch (field.type) {
-    case FieldType::kLinkedField:
-    case FieldType::kLinkField:
-      if (setLinkSettings(copy, linkSettings(field))) json["link"] = linkJson(field, encoding);
-      break;
-    case FieldType::kLookup:
-      if (setLookupSettings(copy, lookupSettings(field))) {
-        json["lookup"] = lookupJson(field, names, encoding);
-      }
-      break;
-    case FieldType::kExternal:
-      if (setPluginSettings(copy, pluginSettings(field))) {
-        json["plugin"] = pluginJson(field, encoding);
-      }
-      break;
-    case FieldType::kCalculated:
-      if (setStoredFormula(copy, storedFormula(field))) putFormula(json, schema, slot, encoding);
-      break;
-    default:
-      break;
+  if (field.type == FieldType::kLookup) {
+    readSettings(json["lookup"], field, setLookupSettings, context, kLookupList,
+                 "the name is longer than 19 bytes");
   }
+  if (field.type == FieldType::kCalculated) {
+    readFormula(json["formula"], json["result"], schema, context.encoding, field);
+  }
+  // Raw bytes have the last word, so they go in again over these.
+  readRaw(json["raw"], context, field, record);
 }
 
-Json namedFieldJson(const Database& database, int slot, const Database& standard,
-                    const FieldNames& names, const TextEncoding& encoding) {
+// Without the slot, which its place in the list may say.
+Json fieldJson(const Database& database, int slot, const FieldDefinition& standard,
+               const DescriptionContext& context) {
   const auto index = static_cast<std::size_t>(slot);
   const FieldDefinition& field = database.schema.fields[index];
-  const FieldDefinition& plain = standard.schema.fields[index];
   const FieldRecord& record = database.fields[index];
-  Json json = Json::object();
-  if (field.name != plain.name) json["name"] = areaJson(field.name, encoding);
-  if (field.type != FieldType::kUnused) json["type"] = typeJson(field.type);
-  putUnless(json, "width", field.width, plain.width);
-  putUnless(json, "column_width", field.column_width, plain.column_width);
-  putFlagUnless(json, "export", field.export_flag, plain.export_flag);
-  putFlagUnless(json, "record_view", field.record_view_flag, plain.record_view_flag);
-  putFlagUnless(json, "encrypt", field.encrypt_flag, plain.encrypt_flag);
-  putUnless(json, "option_a", field.option_a, plain.option_a);
-  putUnless(json, "option_b", field.option_b, plain.option_b);
-  putUnless(json, "option_c3", field.option_c3, plain.option_c3);
-  if (field.type == FieldType::kFloat) putUnless(json, "decimals", fieldDecimals(field), 0);
-  if (isDateOrTime(field.type) && fieldDefaultOption(field) != 0) {
-    json["default"] = defaultOptionJson(field);
+  Json json = membersJson(
+      context, [&](auto& m) { fieldMembers(m, field, record, standard, database.schema, slot); });
+  // Read what was written so far, to see what it leaves out.
+  FieldDefinition described = standard;
+  FieldRecord described_record;
+  JsonProblem problem;
+  const JsonNode node(&json, "", problem);
+  JsonObject members(node);
+  readField(node, members, slot, context, database.schema, described, described_record);
+  if (refersToFields(described.type)) {
+    readReferences(node, database.schema, context, described, described_record);
   }
-  putTypeSettings(json, database.schema, slot, names, encoding);
-  putUnlessEmpty(json, "items", itemsJson(record, slot, encoding));
-  putUnlessEmpty(json, "ranges", rangesJson(record));
+  putUnlessEmpty(json, "raw", membersJson(context, [&](auto& m) {
+                   rawMembers(m, field, record, described, described_record);
+                 }));
   return json;
 }
 
 }  // namespace
 
-Json fieldsJson(const Database& database, const Database& standard, const TextEncoding& encoding) {
-  const FieldNames names(database.schema, encoding);
+Json fieldsJson(const Database& database, const Database& standard,
+                const DescriptionContext& context) {
   Json list = Json::array();
   int next_slot = 0;
   for (int slot = 0; slot < kFieldSlots; ++slot) {
-    const auto index = static_cast<std::size_t>(slot);
-    Json json = namedFieldJson(database, slot, standard, names, encoding);
-    // Read what was written so far, to see what it leaves out.
-    FieldDefinition described = standard.schema.fields[index];
-    FieldRecord described_record;
-    JsonProblem problem;
-    const JsonNode node(&json, "", problem);
-    readOneField(node, slot, encoding, described, described_record);
-    if (refersToFields(described.type)) {
-      readReferences(node, database.schema, names, encoding, described);
-    }
-    putUnlessEmpty(json, "raw",
-                   rawJson(database.schema.fields[index], described, database.fields[index],
-                           described_record));
+    const Json json =
+        fieldJson(database, slot, standard.schema.fields[static_cast<std::size_t>(slot)], context);
     if (json.empty()) continue;
-    if (slot != next_slot) {
-      Json with_slot = Json{{"slot", slot}};
-      with_slot.update(json);
-      json = std::move(with_slot);
-    }
-    list.push_back(std::move(json));
+    list.push_back(slot == next_slot ? Json::object() : Json{{"slot", slot}});
+    list.back().update(json);
     next_slot = slot + 1;
   }
   return list;
@@ -364,31 +332,34 @@ Json fieldsJson(const Database& database, const Database& standard, const TextEn
 
 void readFields(const JsonNode& node, const TextEncoding& encoding, Database& database) {
   std::array<bool, kFieldSlots> taken{};
-  std::vector<std::pair<int, JsonNode>> referring;
+  std::vector<std::pair<std::size_t, JsonNode>> referring;
+  const FieldNames no_names(database.schema, encoding);
   int next_slot = 0;
   for (const JsonNode& entry : node.list(kFieldSlots)) {
     JsonObject json(entry);
     if (!entry.isObject()) continue;
     const JsonNode slot_node = json["slot"];
     const auto slot = static_cast<int>(slot_node.integer(0, kFieldSlots - 1, next_slot));
-    if (slot >= kFieldSlots || taken[static_cast<std::size_t>(slot)]) {
+    const auto index = static_cast<std::size_t>(slot);
+    if (slot >= kFieldSlots || taken[index]) {
       (slot_node.present() ? slot_node : entry)
           .refuse(fmt::format("slot {} is taken or does not exist", slot));
       continue;
     }
-    taken[static_cast<std::size_t>(slot)] = true;
+    taken[index] = true;
     next_slot = slot + 1;
-    FieldDefinition& field = database.schema.fields[static_cast<std::size_t>(slot)];
-    readOneField(entry, slot, encoding, field, database.fields[static_cast<std::size_t>(slot)]);
-    if (refersToFields(field.type)) referring.emplace_back(slot, entry);
+    FieldDefinition& field = database.schema.fields[index];
+    readField(entry, json, slot, {encoding, no_names}, database.schema, field,
+              database.fields[index]);
+    if (refersToFields(field.type)) referring.emplace_back(index, entry);
   }
   const FieldNames names(database.schema, encoding);
-  for (const auto& [slot, entry] : referring) {
-    readReferences(entry, database.schema, names, encoding,
-                   database.schema.fields[static_cast<std::size_t>(slot)]);
+  for (const auto& [index, entry] : referring) {
+    readReferences(entry, database.schema, {encoding, names}, database.schema.fields[index],
+                   database.fields[index]);
   }
-  for (const auto& [slot, entry] : referring) {
-    refuseCircle(JsonObject(entry)["formula"], database.schema, slot, encoding);
+  for (const auto& [index, entry] : referring) {
+    refuseCircle(JsonObject(entry)["formula"], database.schema, static_cast<int>(index), encoding);
   }
 }
 

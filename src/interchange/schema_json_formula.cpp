@@ -1,8 +1,5 @@
 // Calculated fields as JSON and back.
 
-#include <algorithm>
-#include <array>
-
 #include <fmt/format.h>
 
 #include "interchange/schema_json_parts.h"
@@ -12,29 +9,13 @@
 namespace tabelion {
 namespace {
 
-// By result kind.
-constexpr std::array<std::string_view, 7> kResults = {
-    "4 decimals", "whole number", "duration", "date", "3 decimals", "2 decimals", "1 decimal"};
-
-Json resultJson(std::uint8_t kind) {
-  if (kind < kResults.size()) return std::string(kResults[kind]);
-  return static_cast<int>(kind);
-}
-
-void readResult(const JsonNode& node, std::uint8_t& kind) {
-  if (!node.isText()) return readNumber(node, 0, 255, kind);
-  const std::string word = node.text("");
-  const auto* found = std::find(kResults.begin(), kResults.end(), word);
-  if (found != kResults.end()) {
-    kind = static_cast<std::uint8_t>(found - kResults.begin());
-    return;
-  }
-  node.refuse(fmt::format("\"{}\" is not one of \"{}\"", word, fmt::join(kResults, "\", \"")));
-}
+constexpr NamedValue kResults[] = {{0, "4 decimals"}, {1, "whole number"}, {2, "duration"},
+                                   {3, "date"},       {4, "3 decimals"},   {5, "2 decimals"},
+                                   {6, "1 decimal"}};
 
 Json tokensJson(const StoredFormula& formula, const TextEncoding& encoding) {
   Json json = Json::object();
-  putUnless(json, "result_kind", static_cast<int>(formula.result_kind), 0);
+  if (formula.result_kind != 0) json["result_kind"] = formula.result_kind;
   Json tokens = Json::array();
   for (const StoredFormula::Token& token : formula.tokens) {
     tokens.push_back(Json{{"class", token.type}, {"value", static_cast<std::int8_t>(token.value)}});
@@ -51,11 +32,12 @@ Json tokensJson(const StoredFormula& formula, const TextEncoding& encoding) {
 void readTokens(const JsonNode& node, const TextEncoding& encoding, FieldDefinition& field,
                 StoredFormula formula) {
   JsonObject json(node);
-  readNumber(json["result_kind"], 0, 255, formula.result_kind);
+  formula.result_kind =
+      static_cast<std::uint8_t>(json["result_kind"].integer(0, 255, formula.result_kind));
   for (const JsonNode& entry : json["tokens"].list(kMaxFormulaTokens)) {
     JsonObject token_json(entry);
     StoredFormula::Token token;
-    readNumber(token_json["class"], 0, 255, token.type);
+    token.type = static_cast<std::uint8_t>(token_json["class"].integer(0, 255, 0));
     token.value = static_cast<std::uint8_t>(token_json["value"].integer(-128, 255, 0));
     token_json.finish();
     formula.tokens.push_back(token);
@@ -84,23 +66,23 @@ std::optional<Json> formulaTextJson(const StoredFormula& formula, const Database
 
 }  // namespace
 
-void putFormula(Json& field_json, const DatabaseRecord& schema, int slot,
-                const TextEncoding& encoding) {
+Json formulaJson(const DatabaseRecord& schema, int slot, const TextEncoding& encoding) {
   const StoredFormula formula = storedFormula(schema.fields[static_cast<std::size_t>(slot)]);
+  FieldDefinition copy;
+  if (!setStoredFormula(copy, formula)) return {};
   const auto text = formulaTextJson(formula, schema, slot, encoding);
-  if (!text) {
-    field_json["formula"] = tokensJson(formula, encoding);
-    return;
-  }
-  putUnless(field_json, "formula", *text, Json(""));
-  putUnless(field_json, "result", resultJson(formula.result_kind), resultJson(0));
+  return text ? *text : tokensJson(formula, encoding);
 }
 
-void readFormula(JsonObject& field_json, const DatabaseRecord& schema, const TextEncoding& encoding,
-                 FieldDefinition& field) {
-  const JsonNode node = field_json["formula"];
-  std::uint8_t kind = 0;
-  readResult(field_json["result"], kind);
+Json resultJson(const DatabaseRecord& schema, int slot, const TextEncoding& encoding) {
+  const Json formula = formulaJson(schema, slot, encoding);
+  const int kind = storedFormula(schema.fields[static_cast<std::size_t>(slot)]).result_kind;
+  return formula.is_string() && kind != 0 ? wordJson(kind, kResults) : Json();
+}
+
+void readFormula(const JsonNode& node, const JsonNode& result, const DatabaseRecord& schema,
+                 const TextEncoding& encoding, FieldDefinition& field) {
+  const auto kind = static_cast<std::uint8_t>(readWord(result, kResults, 255, 0));
   if (node.isObject()) return readTokens(node, encoding, field, {{}, {}, kind});
   std::string text;
   if (node.present() && !readText(node, encoding, text)) return;

@@ -118,7 +118,7 @@ int FieldNames::slotOf(const JsonNode& node, int most, int otherwise) const {
   return static_cast<int>(found - names_.begin());
 }
 
-Json orderJson(const std::array<std::uint8_t, kFieldSlots>& order, const FieldNames& names) {
+Json orderJson(const SlotOrder& order, const FieldNames& names) {
   std::array<std::uint8_t, kFieldSlots> sorted = order;
   std::sort(sorted.begin(), sorted.end());
   std::array<std::uint8_t, kFieldSlots> natural;
@@ -138,8 +138,7 @@ Json orderJson(const std::array<std::uint8_t, kFieldSlots>& order, const FieldNa
   return list;
 }
 
-void readOrder(const JsonNode& node, const FieldNames& names,
-               std::array<std::uint8_t, kFieldSlots>& order) {
+void readOrder(const JsonNode& node, const FieldNames& names, SlotOrder& order) {
   if (!node.present()) return;
   std::array<bool, 256> used{};
   std::size_t filled = 0;
@@ -154,17 +153,27 @@ void readOrder(const JsonNode& node, const FieldNames& names,
   while (filled < order.size()) order[filled++] = kNoField;
 }
 
-void putFlagUnless(Json& object, const char* name, std::int64_t value, std::int64_t standard) {
-  if (value != standard) object[name] = flagJson(value);
-}
-
-void putHexUnless(Json& object, const char* name, ByteView bytes, ByteView standard) {
-  if (!std::equal(bytes.begin(), bytes.end(), standard.begin(), standard.end())) {
-    object[name] = toHex(bytes);
+Json wordJson(std::int64_t value, std::span<const NamedValue> words) {
+  for (const NamedValue& named : words) {
+    if (named.value == value) return std::string(named.word);
   }
+  return value;
 }
 
-void putUnlessEmpty(Json& object, const char* name, Json value) {
+std::int64_t readWord(const JsonNode& node, std::span<const NamedValue> words, std::int64_t most,
+                      std::int64_t otherwise) {
+  if (!node.isText()) return node.integer(0, most, otherwise);
+  const std::string word = node.text("");
+  std::string known;
+  for (const NamedValue& named : words) {
+    if (named.word == word) return named.value;
+    known += fmt::format("{}\"{}\"", known.empty() ? "" : ", ", named.word);
+  }
+  node.refuse(fmt::format("\"{}\" is not one of {}", word, known));
+  return otherwise;
+}
+
+void putUnlessEmpty(Json& object, const std::string& name, Json value) {
   const auto* text = value.get_ptr<const std::string*>();
   if (!value.empty() && !(text && text->empty())) object[name] = std::move(value);
 }

@@ -1,7 +1,9 @@
 // What the parts of the schema's JSON description share. Internal to interchange/.
 #pragma once
 
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "engine/database.h"
@@ -9,6 +11,10 @@
 #include "interchange/text_encoding.h"
 
 namespace tabelion {
+
+using SlotOrder = std::array<std::uint8_t, kFieldSlots>;
+using SortKeys = std::array<SortKey, 3>;
+using FilterBlocks = std::array<FilterBlock, 6>;
 
 // An 8-bit text as JSON: a text where the code page can carry it, else {"hex": …}.
 Json textJson(std::string_view text, const TextEncoding& encoding);
@@ -33,52 +39,54 @@ class FieldNames {
 };
 
 // 100 slot numbers: the leading ones that are out of sequence; the rest follow in ascending order.
-Json orderJson(const std::array<std::uint8_t, kFieldSlots>& order, const FieldNames& names);
-void readOrder(const JsonNode& node, const FieldNames& names,
-               std::array<std::uint8_t, kFieldSlots>& order);
+Json orderJson(const SlotOrder& order, const FieldNames& names);
+void readOrder(const JsonNode& node, const FieldNames& names, SlotOrder& order);
 
-// Adds the member unless the value is the default.
-template <class Value>
-void putUnless(Json& object, const char* name, const Value& value, const Value& standard) {
-  if (value != standard) object[name] = value;
-}
-void putFlagUnless(Json& object, const char* name, std::int64_t value, std::int64_t standard);
-void putHexUnless(Json& object, const char* name, ByteView bytes, ByteView standard);
-void putUnlessEmpty(Json& object, const char* name, Json value);
+// What the texts of a description and its references to fields are told by.
+struct DescriptionContext {
+  const TextEncoding& encoding;
+  const FieldNames& names;
+};
 
-template <class Number>
-void readNumber(const JsonNode& node, std::int64_t least, std::int64_t most, Number& into) {
-  into = static_cast<Number>(node.integer(least, most, into));
-}
-template <class Number>
-void readFlag(const JsonNode& node, Number& into) {
-  into = static_cast<Number>(node.flag(255, into));
-}
+enum class NeededMember { kNo, kYes };  // yes: it stands there even when it is empty
+
+// A number that a description gives by a word; other numbers stand as they are.
+struct NamedValue {
+  std::int64_t value;
+  std::string_view word;
+};
+Json wordJson(std::int64_t value, std::span<const NamedValue> words);
+std::int64_t readWord(const JsonNode& node, std::span<const NamedValue> words, std::int64_t most,
+                      std::int64_t otherwise);
+
+// Adds the member unless its value is null, "", [] or {}.
+void putUnlessEmpty(Json& object, const std::string& name, Json value);
 
 // Fields with their item lists (schema_json_fields.cpp). `standard` is a new database.
-Json fieldsJson(const Database& database, const Database& standard, const TextEncoding& encoding);
+Json fieldsJson(const Database& database, const Database& standard,
+                const DescriptionContext& context);
 void readFields(const JsonNode& node, const TextEncoding& encoding, Database& database);
 
 // Calculated fields (schema_json_formula.cpp): the formula as people write it and its result in
-// words. A formula that has no such text, or not the normal one, stands as its tokens; so does one
-// that runs into a circle of formulas, which is refused as a text.
-void putFormula(Json& field_json, const DatabaseRecord& schema, int slot,
-                const TextEncoding& encoding);
-void readFormula(JsonObject& field_json, const DatabaseRecord& schema, const TextEncoding& encoding,
-                 FieldDefinition& field);
+// words. A formula that has no such text, or not the normal one, stands as its tokens with the kind
+// of its result; so does one that runs into a circle of formulas, which is refused as a text.
+Json formulaJson(const DatabaseRecord& schema, int slot, const TextEncoding& encoding);
+Json resultJson(const DatabaseRecord& schema, int slot, const TextEncoding& encoding);
+void readFormula(const JsonNode& node, const JsonNode& result, const DatabaseRecord& schema,
+                 const TextEncoding& encoding, FieldDefinition& field);
 void refuseCircle(const JsonNode& formula, const DatabaseRecord& schema, int slot,
                   const TextEncoding& encoding);
 
 // Filters, sort keys and views (schema_json_views.cpp).
-Json filtersJson(const std::array<FilterBlock, 6>& filters, const FieldNames& names,
-                 const TextEncoding& encoding);
-void readFilters(const JsonNode& node, const FieldNames& names, const TextEncoding& encoding,
-                 std::array<FilterBlock, 6>& filters);
-Json sortJson(const std::array<SortKey, 3>& keys, const FieldNames& names);
-void readSort(const JsonNode& node, const FieldNames& names, std::array<SortKey, 3>& keys);
-void putViews(Json& json, const DatabaseRecord& schema, const FieldNames& names,
-              const TextEncoding& encoding);
-void readViews(JsonObject& json, const FieldNames& names, const TextEncoding& encoding,
-               DatabaseRecord& schema);
+Json filtersJson(const FilterBlocks& filters, const DescriptionContext& context);
+void readFilters(const JsonNode& node, const DescriptionContext& context, FilterBlocks& filters);
+Json sortJson(const SortKeys& keys, const DescriptionContext& context);
+void readSort(const JsonNode& node, const DescriptionContext& context, SortKeys& keys);
+// The views in use, and view slots out of use that do not look like new ones.
+Json viewsJson(const DatabaseRecord& schema, const DescriptionContext& context);
+void readViews(const JsonNode& node, const DescriptionContext& context, DatabaseRecord& schema);
+Json spareViewsJson(const DatabaseRecord& schema, const DescriptionContext& context);
+void readSpareViews(const JsonNode& node, const DescriptionContext& context,
+                    DatabaseRecord& schema);
 
 }  // namespace tabelion

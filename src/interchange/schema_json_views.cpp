@@ -1,17 +1,13 @@
 // Filter criteria, sort keys and views as JSON and back.
 
-#include <fmt/format.h>
-
-#include "interchange/schema_json_parts.h"
+#include "interchange/schema_members.h"
 
 namespace tabelion {
 namespace {
 
-// Bits of a criterion's mode and grouping bytes.
-constexpr std::uint8_t kNotBit = 1;
-constexpr std::uint8_t kOrBit = 2;
-constexpr std::uint8_t kOpensBit = 1;
-constexpr std::uint8_t kClosesBit = 2;
+constexpr NamedValue kOrders[] = {{1, "forward"}, {0, "reverse"}};
+constexpr NamedValue kActions[] = {{kAdjustView, "adjust view"},
+                                   {kSwitchDatabase, "switch database"}};
 
 template <std::size_t Count, class Entry>
 std::size_t usedCount(const std::array<Entry, Count>& list) {
@@ -20,112 +16,94 @@ std::size_t usedCount(const std::array<Entry, Count>& list) {
   return used;
 }
 
-// A byte whose two low bits have names; further bits stand as a number.
-void putBits(Json& json, std::uint8_t byte, const char* low_name, const char* high_name,
-             const char* rest_name) {
-  if (byte > 3) {
-    json[rest_name] = byte;
-    return;
+// A byte whose two low bits have names; with further bits it stands as a number.
+template <class Members, class Byte>
+void bitMembers(Members& m, Byte& byte, const char* low_name, const char* high_name,
+                const char* rest_name) {
+  std::uint8_t number = byte > 3 ? byte : 0;
+  bool low = number == 0 && (byte & 1) != 0;
+  bool high = number == 0 && (byte & 2) != 0;
+  m.number(rest_name, number, 0);
+  m.flag(low_name, low, false);
+  m.flag(high_name, high, false);
+  if constexpr (Members::kReads) {
+    byte = static_cast<std::uint8_t>(number | (low ? 1 : 0) | (high ? 2 : 0));
   }
-  if (byte & 1) json[low_name] = true;
-  if (byte & 2) json[high_name] = true;
 }
 
-void readBits(JsonObject& json, std::uint8_t& byte, const char* low_name, const char* high_name,
-              const char* rest_name) {
-  readNumber(json[rest_name], 0, 255, byte);
-  if (json[low_name].flag(1, 0) == 1) byte |= kNotBit;
-  if (json[high_name].flag(1, 0) == 1) byte |= kOrBit;
+// Stands as a signed number; an unsigned one is understood.
+template <class Members, class Number>
+void limitMember(Members& m, const char* key, Number& number, std::uint32_t standard) {
+  auto limit = std::int64_t{static_cast<std::int32_t>(number)};
+  m.number(key, limit, static_cast<std::int32_t>(standard), {INT32_MIN, UINT32_MAX});
+  if constexpr (Members::kReads) number = static_cast<std::uint32_t>(limit);
 }
-static_assert(kNotBit == kOpensBit && kOrBit == kClosesBit);
 
-Json filterJson(const FilterBlock& filter, const FieldNames& names, const TextEncoding& encoding) {
+template <class Members, class Filter>
+void filterMembers(Members& m, Filter& filter) {
   const FilterBlock standard;
-  Json json = Json::object();
-  putFlagUnless(json, "enabled", filter.enabled, standard.enabled);
-  // 255 is a slot number here, not "none". The first field is named as well, for the reader.
-  if (filter != standard) {
-    json["field"] = filter.field < kFieldSlots ? names.reference(filter.field) : Json(filter.field);
-  }
-  putUnlessEmpty(json, "value1", areaJson(filter.value1, encoding));
-  putUnlessEmpty(json, "value2", areaJson(filter.value2, encoding));
-  putUnless(json, "number1", static_cast<std::int32_t>(filter.number1), 0);
-  putUnless(json, "number2", static_cast<std::int32_t>(filter.number2),
-            static_cast<std::int32_t>(standard.number2));
-  putBits(json, filter.mode, "not", "or", "mode");
-  putBits(json, filter.grouping, "opens_group", "closes_group", "grouping");
-  return json;
+  const FieldNames& names = m.context().names;
+  m.flag("enabled", filter.enabled, standard.enabled);
+  m.optionalMember(
+      "field",
+      // 255 is a slot number here, not "none". The first field is named as well, for the reader.
+      [&]() -> std::optional<Json> {
+        if (filter == standard) return std::nullopt;
+        return filter.field < kFieldSlots ? names.reference(filter.field) : Json(filter.field);
+      },
+      [&](const auto& node) {
+        filter.field = static_cast<std::uint16_t>(names.slotOf(node, 65535, filter.field));
+      });
+  m.area("value1", filter.value1, standard.value1);
+  m.area("value2", filter.value2, standard.value2);
+  limitMember(m, "number1", filter.number1, standard.number1);
+  limitMember(m, "number2", filter.number2, standard.number2);
+  bitMembers(m, filter.mode, "not", "or", "mode");
+  bitMembers(m, filter.grouping, "opens_group", "closes_group", "grouping");
 }
 
-void readFilter(const JsonNode& node, const FieldNames& names, const TextEncoding& encoding,
-                FilterBlock& filter) {
-  JsonObject json(node);
-  filter.enabled = static_cast<std::uint16_t>(json["enabled"].flag(65535, filter.enabled));
-  filter.field = static_cast<std::uint16_t>(names.slotOf(json["field"], 65535, filter.field));
-  readArea(json["value1"], encoding, filter.value1);
-  readArea(json["value2"], encoding, filter.value2);
-  for (const auto& [name, number] :
-       {std::pair{"number1", &filter.number1}, std::pair{"number2", &filter.number2}}) {
-    *number = static_cast<std::uint32_t>(json[name].integer(INT32_MIN, UINT32_MAX, *number));
-  }
-  readBits(json, filter.mode, "not", "or", "mode");
-  readBits(json, filter.grouping, "opens_group", "closes_group", "grouping");
-  json.finish();
+template <class Members, class Key>
+void sortKeyMembers(Members& m, Key& key) {
+  const FieldNames& names = m.context().names;
+  m.optionalMember(
+      "field", [&] { return std::optional<Json>(names.reference(key.field)); },
+      [&](const auto& node) {
+        key.field = static_cast<std::uint8_t>(names.slotOf(node, 255, kNoField));
+      });
+  m.word("order", key.order, 1, kOrders);
 }
 
-Json sortKeyJson(const SortKey& key, const FieldNames& names) {
-  Json json = Json::object();
-  json["field"] = names.reference(key.field);
-  if (key.order == 0) json["order"] = "reverse";
-  if (key.order > 1) json["order"] = key.order;
-  return json;
+template <class Members, class Entry>
+void entryMembers(Members& m, Entry& entry, const ViewEntry& standard) {
+  m.number("column_width", entry.column_width, standard.column_width, kSigned16);
+  m.flag("export", entry.export_flag, standard.export_flag);
+  m.flag("record_view", entry.record_view_flag, standard.record_view_flag);
 }
 
-void readSortKey(const JsonNode& node, const FieldNames& names, SortKey& key) {
-  JsonObject json(node);
-  key.field = static_cast<std::uint8_t>(names.slotOf(json["field"], 255, kNoField));
-  const JsonNode order = json["order"];
-  if (order.isText()) {
-    const std::string word = order.text("");
-    if (word != "forward" && word != "reverse") {
-      order.refuse("must be \"forward\" or \"reverse\"");
-    }
-    key.order = word == "reverse" ? 0 : 1;
-  } else {
-    readNumber(order, 0, 255, key.order);
-  }
-  json.finish();
-}
-
-Json entriesJson(const View& view, const View& standard, const FieldNames& names) {
+Json entriesJson(const View& view, const View& standard, const DescriptionContext& context) {
   Json list = Json::array();
   for (int slot = 0; slot < kFieldSlots; ++slot) {
     const ViewEntry& entry = view.entries[static_cast<std::size_t>(slot)];
     const ViewEntry& plain = standard.entries[static_cast<std::size_t>(slot)];
     if (entry == plain) continue;
-    Json json = Json::object();
-    json["field"] = names.reference(slot);
-    putUnless(json, "column_width", entry.column_width, plain.column_width);
-    putFlagUnless(json, "export", entry.export_flag, plain.export_flag);
-    putFlagUnless(json, "record_view", entry.record_view_flag, plain.record_view_flag);
+    Json json = Json{{"field", context.names.reference(slot)}};
+    json.update(membersJson(context, [&](auto& m) { entryMembers(m, entry, plain); }));
     list.push_back(std::move(json));
   }
   return list;
 }
 
-void readEntries(const JsonNode& node, const FieldNames& names, View& view) {
+void readEntries(const JsonNode& node, const DescriptionContext& context, View& view) {
   for (const JsonNode& entry_node : node.list(kFieldSlots)) {
     JsonObject json(entry_node);
     const JsonNode field = json["field"];
-    const int slot = names.slotOf(field, kFieldSlots - 1, kNoField);
+    const int slot = context.names.slotOf(field, kFieldSlots - 1, kNoField);
     if (slot >= kFieldSlots) {
       (field.present() ? field : entry_node).refuse("must name a field");
       continue;
     }
-    ViewEntry& entry = view.entries[static_cast<std::size_t>(slot)];
-    readNumber(json["column_width"], -32768, 32767, entry.column_width);
-    readFlag(json["export"], entry.export_flag);
-    readFlag(json["record_view"], entry.record_view_flag);
+    MemberReader members(json, context);
+    entryMembers(members, view.entries[static_cast<std::size_t>(slot)], {});
     json.finish();
   }
 }
@@ -141,128 +119,113 @@ View madeView(const DatabaseRecord& schema, const View& unused) {
   return view;
 }
 
-Json viewJson(const View& view, const View& standard, const FieldNames& names,
-              const TextEncoding& encoding) {
-  Json json = Json::object();
-  if (view.name != standard.name) json["name"] = areaJson(view.name, encoding);
-  putFlagUnless(json, "live_update", view.live_update, standard.live_update);
-  if (view.action != standard.action) {
-    json["action"] = view.action == kAdjustView       ? Json("adjust view")
-                     : view.action == kSwitchDatabase ? Json("switch database")
-                                                      : Json(view.action);
-  }
-  putUnlessEmpty(json, "target", areaJson(view.target, encoding));
-  putUnlessEmpty(json, "order", orderJson(view.field_order, names));
-  putUnlessEmpty(json, "columns", entriesJson(view, standard, names));
-  putUnlessEmpty(json, "filters", filtersJson(view.filters, names, encoding));
-  putUnlessEmpty(json, "sort", sortJson(view.sort, names));
-  putUnless(json, "item6", view.item6, standard.item6);
-  putUnless(json, "item9", view.item9, standard.item9);
-  return json;
+// A view slot as a new database has it.
+View unusedView() {
+  DatabaseRecord standard;
+  initSchema(standard);
+  return standard.views[0];
 }
 
-void readAction(const JsonNode& node, View& view) {
-  if (!node.isText()) {
-    readNumber(node, 0, 255, view.action);
-    return;
-  }
-  const std::string word = node.text("");
-  if (word != "adjust view" && word != "switch database") {
-    node.refuse("must be \"adjust view\" or \"switch database\"");
-  }
-  view.action = word == "switch database" ? kSwitchDatabase : kAdjustView;
+template <class Members, class ViewType>
+void viewMembers(Members& m, ViewType& view, const View& standard) {
+  const DescriptionContext& context = m.context();
+  m.area("name", view.name, standard.name);
+  m.flag("live_update", view.live_update, standard.live_update);
+  m.word("action", view.action, standard.action, kActions);
+  m.area("target", view.target, standard.target);
+  m.order("order", view.field_order);
+  m.member(
+      "columns", [&] { return entriesJson(view, standard, context); },
+      [&](const auto& node) { readEntries(node, context, view); });
+  m.filters("filters", view.filters);
+  m.sort("sort", view.sort);
+  m.number("item6", view.item6, standard.item6);
+  m.number("item9", view.item9, standard.item9);
 }
 
-void readView(const JsonNode& node, const FieldNames& names, const TextEncoding& encoding,
-              View& view) {
-  JsonObject json(node);
-  (void)json["slot"];
-  readArea(json["name"], encoding, view.name);
-  readFlag(json["live_update"], view.live_update);
-  readAction(json["action"], view);
-  readArea(json["target"], encoding, view.target);
-  readOrder(json["order"], names, view.field_order);
-  readEntries(json["columns"], names, view);
-  readFilters(json["filters"], names, encoding, view.filters);
-  readSort(json["sort"], names, view.sort);
-  readNumber(json["item6"], 0, UINT32_MAX, view.item6);
-  readNumber(json["item9"], 0, 65535, view.item9);
-  json.finish();
+Json viewJson(const View& view, const View& standard, const DescriptionContext& context) {
+  return membersJson(context, [&](auto& m) { viewMembers(m, view, standard); });
 }
 
 }  // namespace
 
-Json filtersJson(const std::array<FilterBlock, 6>& filters, const FieldNames& names,
-                 const TextEncoding& encoding) {
+Json filtersJson(const FilterBlocks& filters, const DescriptionContext& context) {
   Json list = Json::array();
   for (std::size_t i = 0; i < usedCount(filters); ++i) {
-    list.push_back(filterJson(filters[i], names, encoding));
+    list.push_back(membersJson(context, [&](auto& m) { filterMembers(m, filters[i]); }));
   }
   return list;
 }
 
-void readFilters(const JsonNode& node, const FieldNames& names, const TextEncoding& encoding,
-                 std::array<FilterBlock, 6>& filters) {
+void readFilters(const JsonNode& node, const DescriptionContext& context, FilterBlocks& filters) {
   std::size_t index = 0;
   for (const JsonNode& entry : node.list(filters.size())) {
-    readFilter(entry, names, encoding, filters[index++]);
+    readMembers(entry, context, [&](auto& m) { filterMembers(m, filters[index]); });
+    ++index;
   }
 }
 
-Json sortJson(const std::array<SortKey, 3>& keys, const FieldNames& names) {
+Json sortJson(const SortKeys& keys, const DescriptionContext& context) {
   Json list = Json::array();
-  for (std::size_t i = 0; i < usedCount(keys); ++i) list.push_back(sortKeyJson(keys[i], names));
+  for (std::size_t i = 0; i < usedCount(keys); ++i) {
+    list.push_back(membersJson(context, [&](auto& m) { sortKeyMembers(m, keys[i]); }));
+  }
   return list;
 }
 
-void readSort(const JsonNode& node, const FieldNames& names, std::array<SortKey, 3>& keys) {
+void readSort(const JsonNode& node, const DescriptionContext& context, SortKeys& keys) {
   std::size_t index = 0;
-  for (const JsonNode& entry : node.list(keys.size())) readSortKey(entry, names, keys[index++]);
+  for (const JsonNode& entry : node.list(keys.size())) {
+    readMembers(entry, context, [&](auto& m) { sortKeyMembers(m, keys[index]); });
+    ++index;
+  }
 }
 
-void putViews(Json& json, const DatabaseRecord& schema, const FieldNames& names,
-              const TextEncoding& encoding) {
-  DatabaseRecord standard;
-  initSchema(standard);
-  const View& unused = standard.views[0];
-  const View made = madeView(schema, unused);
+Json viewsJson(const DatabaseRecord& schema, const DescriptionContext& context) {
+  const View made = madeView(schema, unusedView());
   Json views = Json::array();
-  Json spare = Json::array();
-  for (int slot = 0; slot < kViewSlots; ++slot) {
-    const View& view = schema.views[static_cast<std::size_t>(slot)];
-    if (slot < schema.view_count) {
-      views.push_back(viewJson(view, made, names, encoding));
-      continue;
-    }
-    const Json entry = viewJson(view, unused, names, encoding);
-    if (entry.empty()) continue;
-    Json with_slot = Json{{"slot", slot}};
-    with_slot.update(entry);
-    spare.push_back(std::move(with_slot));
+  for (std::size_t slot = 0; slot < std::min<std::size_t>(schema.view_count, kViewSlots); ++slot) {
+    views.push_back(viewJson(schema.views[slot], made, context));
   }
-  putUnlessEmpty(json, "views", std::move(views));
-  putUnlessEmpty(json, "spare_views", std::move(spare));
+  return views;
 }
 
-void readViews(JsonObject& json, const FieldNames& names, const TextEncoding& encoding,
-               DatabaseRecord& schema) {
+void readViews(const JsonNode& node, const DescriptionContext& context, DatabaseRecord& schema) {
   const View made = madeView(schema, schema.views[0]);
-  std::uint16_t count = 0;
-  for (const JsonNode& entry : json["views"].list(kViewSlots)) {
-    View& view = schema.views[count++];
+  schema.view_count = 0;
+  for (const JsonNode& entry : node.list(kViewSlots)) {
+    View& view = schema.views[schema.view_count++];
     view = made;
-    readView(entry, names, encoding, view);
+    readMembers(entry, context, [&](auto& m) { viewMembers(m, view, made); });
   }
-  schema.view_count = count;
-  for (const JsonNode& entry : json["spare_views"].list(kViewSlots)) {
+}
+
+Json spareViewsJson(const DatabaseRecord& schema, const DescriptionContext& context) {
+  const View unused = unusedView();
+  Json spare = Json::array();
+  for (int slot = schema.view_count; slot < kViewSlots; ++slot) {
+    const Json view = viewJson(schema.views[static_cast<std::size_t>(slot)], unused, context);
+    if (view.empty()) continue;
+    spare.push_back(Json{{"slot", slot}});
+    spare.back().update(view);
+  }
+  return spare;
+}
+
+void readSpareViews(const JsonNode& node, const DescriptionContext& context,
+                    DatabaseRecord& schema) {
+  for (const JsonNode& entry : node.list(kViewSlots)) {
     JsonObject spare(entry);
     const JsonNode slot_node = spare["slot"];
-    const std::int64_t slot = slot_node.integer(count, kViewSlots - 1, -1);
+    const std::int64_t slot = slot_node.integer(schema.view_count, kViewSlots - 1, -1);
     if (slot < 0) {
       (slot_node.present() ? slot_node : entry).refuse("must name a view slot that is not in use");
       continue;
     }
-    readView(entry, names, encoding, schema.views[static_cast<std::size_t>(slot)]);
+    View& view = schema.views[static_cast<std::size_t>(slot)];
+    MemberReader members(spare, context);
+    viewMembers(members, view, view);
+    spare.finish();
   }
 }
 
