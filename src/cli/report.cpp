@@ -45,27 +45,29 @@ Json figuresJson(const ReportFigures& figures, const std::string& field) {
   json["reported_as"] = traitsOf(figures.type).name;
   json["records"] = figures.count;
   const ReportNumbers<std::int64_t>& whole = figures.whole;
-  switch (figures.type) {
-    case FieldType::kInteger:
+  switch (traitsOf(figures.type).report) {
+    case ReportKind::kWholeNumbers:
       putNumbers(json, whole);
       break;
-    case FieldType::kFloat:
+    case ReportKind::kNumbers:
       putNumbers(json, figures.real);
       break;
-    case FieldType::kCheckBox:
+    case ReportKind::kChecks:
       json["checked"] = figures.checked;
       json["not_checked"] = figures.count - figures.checked;
       break;
-    case FieldType::kDate:
+    case ReportKind::kDates:
       json["minimum"] = dateJson(whole.minimum);
       json["maximum"] = dateJson(whole.maximum);
       json["days_spanned"] = figures.count == 0 ? 0 : whole.maximum - whole.minimum;
       break;
-    default:
+    case ReportKind::kTimes:
       json["minimum_seconds"] = whole.minimum;
       json["maximum_seconds"] = whole.maximum;
       json["average_seconds"] = whole.average;
       json["total_seconds"] = whole.sum;
+      break;
+    case ReportKind::kNone:
       break;
   }
   return json;

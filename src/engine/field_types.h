@@ -87,6 +87,9 @@ enum class CipherForm {
 // Who gives a field its value.
 enum class ValueSource { kPerson, kCounter, kFormula, kOtherDatabase, kNobody };
 
+// The figures that a report has for a field.
+enum class ReportKind { kNone, kWholeNumbers, kNumbers, kChecks, kDates, kTimes };
+
 struct FieldTypeTraits {
   std::string_view name;  // for people
   ValueForm form = ValueForm::kNone;
@@ -94,10 +97,11 @@ struct FieldTypeTraits {
   bool area_adds_width = false;  // ... and as many as the field is wide
   CipherForm cipher = CipherForm::kWhole;
   ValueSource source = ValueSource::kPerson;
-  bool sorts = true;     // can be a level of the sort
-  bool lists = true;     // can be a column of the list
-  bool finds = true;     // can be searched for a text
-  bool reports = false;  // has figures of its own in a report
+  bool sorts = true;             // can be a level of the sort
+  bool lists = true;             // can be a column of the list
+  bool finds = true;             // can be searched for a text
+  bool finds_case_late = false;  // ... and far behind its beginning the case counts
+  ReportKind report = ReportKind::kNone;
 };
 
 constexpr FieldTypeTraits traitsOf(FieldType type) {
@@ -111,17 +115,21 @@ constexpr FieldTypeTraits traitsOf(FieldType type) {
               .area_adds_width = true,
               .cipher = CipherForm::kLengthOfOneByte};
     case FieldType::kInteger:
-      return {.name = "integer", .form = ValueForm::kInteger, .area = 4, .reports = true};
+      return {.name = "integer",
+              .form = ValueForm::kInteger,
+              .area = 4,
+              .report = ReportKind::kWholeNumbers};
     case FieldType::kFloat:
       return {.name = "float",
               .form = ValueForm::kNumberText,
               .area = kNumberTextSize,
               .cipher = CipherForm::kLengthOfOneByte,
-              .reports = true};
+              .report = ReportKind::kNumbers};
     case FieldType::kPopup:
       return {.name = "pop-up", .form = ValueForm::kPopupKey, .area = kPopupKeySize};
     case FieldType::kCheckBox:
-      return {.name = "check box", .form = ValueForm::kFlag, .area = 1, .reports = true};
+      return {
+          .name = "check box", .form = ValueForm::kFlag, .area = 1, .report = ReportKind::kChecks};
     case FieldType::kAutoNumber:
       return {.name = "auto-number",
               .form = ValueForm::kInteger,
@@ -136,9 +144,9 @@ constexpr FieldTypeTraits traitsOf(FieldType type) {
               .lists = false,
               .finds = false};
     case FieldType::kDate:
-      return {.name = "date", .form = ValueForm::kDays, .area = 4, .reports = true};
+      return {.name = "date", .form = ValueForm::kDays, .area = 4, .report = ReportKind::kDates};
     case FieldType::kTime:
-      return {.name = "time", .form = ValueForm::kClock, .area = 4, .reports = true};
+      return {.name = "time", .form = ValueForm::kClock, .area = 4, .report = ReportKind::kTimes};
     case FieldType::kLinkedField:
       return {.name = "linked field",
               .form = ValueForm::kKey,
@@ -156,7 +164,8 @@ constexpr FieldTypeTraits traitsOf(FieldType type) {
       return {.name = "long text",
               .form = ValueForm::kText,
               .area = kLongTextSize,
-              .cipher = CipherForm::kLengthOfTwoBytes};
+              .cipher = CipherForm::kLengthOfTwoBytes,
+              .finds_case_late = true};
     case FieldType::kSeparator:
       return {.name = "separator",
               .source = ValueSource::kNobody,
@@ -168,7 +177,8 @@ constexpr FieldTypeTraits traitsOf(FieldType type) {
               .form = ValueForm::kText,
               .area = 1,
               .area_adds_width = true,
-              .cipher = CipherForm::kLengthOfOneByte};
+              .cipher = CipherForm::kLengthOfOneByte,
+              .finds_case_late = true};
     case FieldType::kCalculated:
       return {.name = "calculated",
               .form = ValueForm::kResult,

@@ -126,23 +126,39 @@ bool setStoredFormula(FieldDefinition& field, const StoredFormula& formula) {
   return true;
 }
 
-FieldType effectiveType(const FieldDefinition& field) {
-  if (field.type != FieldType::kCalculated) return field.type;
+ResultMeaning resultMeaning(const FieldDefinition& field) {
   switch (field.area_f[kResultKindOffset]) {
     case 0:
     case 4:
     case 5:
     case 6:
-      return FieldType::kFloat;
+      return ResultMeaning::kNumber;
     case 1:
-      return FieldType::kInteger;
+      return ResultMeaning::kWholeNumber;
     case 2:
-      return FieldType::kTime;
+      return ResultMeaning::kDuration;
     case 3:
-      return FieldType::kDate;
+      return ResultMeaning::kDate;
     default:
-      return FieldType::kCalculated;
+      return ResultMeaning::kUnknown;
   }
+}
+
+FieldType effectiveType(const FieldDefinition& field) {
+  if (field.type != FieldType::kCalculated) return field.type;
+  switch (resultMeaning(field)) {
+    case ResultMeaning::kNumber:
+      return FieldType::kFloat;
+    case ResultMeaning::kWholeNumber:
+      return FieldType::kInteger;
+    case ResultMeaning::kDuration:
+      return FieldType::kTime;
+    case ResultMeaning::kDate:
+      return FieldType::kDate;
+    case ResultMeaning::kUnknown:
+      break;
+  }
+  return FieldType::kCalculated;
 }
 
 std::size_t fieldValueSize(const FieldDefinition& field) {

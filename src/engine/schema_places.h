@@ -85,6 +85,10 @@ bool setStoredFormula(FieldDefinition& field, const StoredFormula& formula);  //
 // result kind (0 and 4 to 6 float, 1 integer, 2 time, 3 date, others stay 15).
 FieldType effectiveType(const FieldDefinition& field);
 
+// What the number text of a calculated field's result means. Of other fields it says nothing.
+enum class ResultMeaning { kNumber, kWholeNumber, kDuration, kDate, kUnknown };
+ResultMeaning resultMeaning(const FieldDefinition& field);
+
 // The size of the value area of a field of this definition (records unpacked).
 std::size_t fieldValueSize(const FieldDefinition& field);
 

@@ -38,47 +38,52 @@ FieldSearch::FieldSearch(const Database& database, int slot, const SearchText& s
       kind_(kindOf(database.schema.fields[static_cast<std::size_t>(slot)])) {}
 
 FieldSearch::Kind FieldSearch::kindOf(const FieldDefinition& field) {
-  switch (field.type) {
-    case FieldType::kText:
-    case FieldType::kText254:
-      return Kind::kFolded;
-    case FieldType::kLongText:
-    case FieldType::kTextVariant:
-      return Kind::kLongFolded;
-    case FieldType::kFloat:
+  const FieldTypeTraits traits = traitsOf(field.type);
+  if (!traits.finds) return Kind::kNever;
+  switch (traits.form) {
+    case ValueForm::kText:
+      return traits.finds_case_late ? Kind::kLongFolded : Kind::kFolded;
+    case ValueForm::kNumberText:
       return Kind::kAsItStands;
-    case FieldType::kInteger:
-    case FieldType::kAutoNumber:
+    case ValueForm::kInteger:
       return search_.text.empty() || isWithout(search_.text, kDigits) ? Kind::kNever
                                                                       : Kind::kNumber;
-    case FieldType::kPopup:
+    case ValueForm::kPopupKey:
       return preparePopup();
-    case FieldType::kCheckBox:
+    case ValueForm::kFlag:
       return search_.text == "1" || search_.text == "0" ? Kind::kCheckBox : Kind::kNever;
-    case FieldType::kDate:
+    case ValueForm::kDays:
       return prepareDate(Kind::kDate);
-    case FieldType::kTime:
+    case ValueForm::kClock:
       return prepareTime(Kind::kTime);
-    case FieldType::kLinkField:
+    case ValueForm::kLink:
       return Kind::kLink;
-    case FieldType::kLookup:
+    case ValueForm::kLookup:
       return settings_.lookup ? Kind::kLookup : Kind::kNever;
-    case FieldType::kCalculated:
+    case ValueForm::kResult:
+      return kindOfResult(field);
+    case ValueForm::kNone:
+    case ValueForm::kNote:
+    case ValueForm::kKey:
+    case ValueForm::kBlock:
       break;
-    default:
-      return Kind::kNever;
   }
-  switch (effectiveType(field)) {
-    case FieldType::kFloat:
-    case FieldType::kInteger:
+  return Kind::kNever;
+}
+
+FieldSearch::Kind FieldSearch::kindOfResult(const FieldDefinition& field) {
+  switch (resultMeaning(field)) {
+    case ResultMeaning::kNumber:
+    case ResultMeaning::kWholeNumber:
       return Kind::kResult;
-    case FieldType::kTime:
+    case ResultMeaning::kDuration:
       return prepareTime(Kind::kResultTime);
-    case FieldType::kDate:
+    case ResultMeaning::kDate:
       return prepareDate(Kind::kResultDate);
-    default:
-      return Kind::kNever;
+    case ResultMeaning::kUnknown:
+      break;
   }
+  return Kind::kNever;
 }
 
 FieldSearch::Kind FieldSearch::preparePopup() {

@@ -71,6 +71,7 @@ class FieldSearch {
     kResultDate,
   };
   Kind kindOf(const FieldDefinition& field);
+  Kind kindOfResult(const FieldDefinition& field);
   Kind preparePopup();
   Kind prepareDate(Kind kind);
   Kind prepareTime(Kind kind);

@@ -45,24 +45,24 @@ void appendPopup(std::string& into, const FieldRecord& items, ByteView value) {
 void appendResult(std::string& into, const FieldDefinition& field, ByteView value,
                   const FormatSettings& settings, const Patterns& patterns) {
   const std::string_view stored = storedText(value);
-  switch (effectiveType(field)) {
-    case FieldType::kFloat:
-    case FieldType::kInteger:
+  switch (resultMeaning(field)) {
+    case ResultMeaning::kNumber:
+    case ResultMeaning::kWholeNumber:
       into += stored;
       return;
-    case FieldType::kTime: {
+    case ResultMeaning::kDuration: {
       const double seconds = numberOfText(stored, settings.choices.decimal_comma);
       if (!(std::fabs(seconds) <= kLargestCount)) break;
       appendDuration(into, static_cast<std::int64_t>(seconds));
       return;
     }
-    case FieldType::kDate: {
+    case ResultMeaning::kDate: {
       const double days = numberOfText(stored, settings.choices.decimal_comma);
       if (!(days > -1.0 && days <= static_cast<double>(UINT32_MAX))) break;
       appendDate(into, static_cast<std::uint32_t>(days), patterns.date);
       return;
     }
-    default:
+    case ResultMeaning::kUnknown:
       break;
   }
   into += kResultErrorText;
@@ -72,14 +72,13 @@ void appendResult(std::string& into, const FieldDefinition& field, ByteView valu
 bool appendTyped(std::string& into, const FieldDefinition& field, const FieldRecord& items,
                  ByteView value, const FormatSettings& settings, const Patterns& patterns,
                  bool raw) {
-  switch (field.type) {
-    case FieldType::kText:
-    case FieldType::kLongText:
-    case FieldType::kTextVariant:
-    case FieldType::kText254:
+  const ValueForm form = traitsOf(field.type).form;
+  if (value.empty()) return form != ValueForm::kNone && form != ValueForm::kNote;
+  switch (form) {
+    case ValueForm::kText:
       into += storedText(value);
       return true;
-    case FieldType::kFloat: {
+    case ValueForm::kNumberText: {
       const std::size_t begin = into.size();
       into += storedText(value);
       // Stored with a point, shown as results are.
@@ -88,49 +87,41 @@ bool appendTyped(std::string& into, const FieldDefinition& field, const FieldRec
       }
       return true;
     }
-    case FieldType::kExternal:
-    case FieldType::kLookup:
+    case ValueForm::kBlock:
+    case ValueForm::kLookup:
       return true;
-    case FieldType::kUnused:
-    case FieldType::kNote:
-    case FieldType::kSeparator:
+    case ValueForm::kNone:
+    case ValueForm::kNote:
       return false;
-    default:
-      break;
-  }
-  if (value.empty()) return isValidType(field.type);
-  switch (field.type) {
-    case FieldType::kInteger:
-    case FieldType::kAutoNumber:
+    case ValueForm::kInteger:
       appendInteger(into, static_cast<std::int32_t>(numberOfValue(value)));
       return true;
-    case FieldType::kPopup:
+    case ValueForm::kPopupKey:
       appendPopup(into, items, value);
       return true;
-    case FieldType::kCheckBox:
+    case ValueForm::kFlag:
       into += value[0] != 0 ? '1' : '0';
       return true;
-    case FieldType::kDate:
+    case ValueForm::kDays:
       appendDate(into, numberOfValue(value), patterns.date);
       return true;
-    case FieldType::kTime:
+    case ValueForm::kClock:
       appendTime(into, timeOfValue(value), patterns.time);
       return true;
-    case FieldType::kLinkedField:
+    case ValueForm::kKey:
       if (raw) appendInteger(into, numberOfValue(value));
       return raw;
-    case FieldType::kLinkField:
+    case ValueForm::kLink:
       if (raw)
         appendInteger(into, linkKey(value));
       else
         into += linkText(value);
       return true;
-    case FieldType::kCalculated:
+    case ValueForm::kResult:
       appendResult(into, field, value, settings, patterns);
       return true;
-    default:
-      return false;
   }
+  return false;
 }
 
 std::size_t bound(const TextOptions& options) {
@@ -236,41 +227,43 @@ bool hasValue(const Database& database, ByteView record, int slot, const FormatS
   const FieldDefinition& field = database.schema.fields[static_cast<std::size_t>(slot)];
   if (isMasked(field, record)) return false;
   const FieldType type = effectiveType(field);
-  switch (type) {  // those that need no text
+  const auto text = [&] {
+    return fieldText(database, record, slot, settings, {.capacity = kHasValueCapacity, .raw = true})
+        .text;
+  };
+  switch (type) {
     case FieldType::kNote:
       return !value->empty() && value->front() != 0;
     case FieldType::kLinkedField:
       return numberOfValue(*value) != 0;
     case FieldType::kLinkField:
       return value->size() > kLinkHeadSize;
-    default:
-      break;
-  }
-  const std::string text =
-      fieldText(database, record, slot, settings, {.capacity = kHasValueCapacity, .raw = true})
-          .text;
-  switch (type) {
     case FieldType::kText:
     case FieldType::kLongText:
     case FieldType::kTextVariant:
     case FieldType::kLookup:
-      return !text.empty();
+      return !text().empty();
     case FieldType::kInteger:
     case FieldType::kText254:
-      return leadingInteger(text) != 0;
+      return leadingInteger(text()) != 0;
     case FieldType::kFloat:
-      return numberOfText(text, settings.choices.decimal_comma) != 0;
+      return numberOfText(text(), settings.choices.decimal_comma) != 0;
     case FieldType::kPopup:
-      return !value->empty() && text != kNoValueText;
+      return !value->empty() && text() != kNoValueText;
     case FieldType::kCheckBox:
-      return leadingInteger(text) == 1;
+      return leadingInteger(text()) == 1;
     case FieldType::kDate:
-      return !value->empty() && text != kNoDateText;
+      return !value->empty() && text() != kNoDateText;
     case FieldType::kTime:
-      return !value->empty() && text != kNoTimeText;
-    default:
-      return true;
+      return !value->empty() && text() != kNoTimeText;
+    case FieldType::kUnused:
+    case FieldType::kAutoNumber:
+    case FieldType::kSeparator:
+    case FieldType::kCalculated:
+    case FieldType::kExternal:
+      break;
   }
+  return true;
 }
 
 }  // namespace tabelion

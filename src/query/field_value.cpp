@@ -195,22 +195,23 @@ Refusal putDuration(Bytes& into, const Input& input) {
 }
 
 Refusal putResult(Bytes& into, const Input& input) {
-  switch (effectiveType(input.field)) {
-    case FieldType::kFloat:
-    case FieldType::kInteger:
+  switch (resultMeaning(input.field)) {
+    case ResultMeaning::kNumber:
+    case ResultMeaning::kWholeNumber:
       return putNumber(into, input, DecimalMark::kAsTyped);
-    case FieldType::kTime:
+    case ResultMeaning::kDuration:
       return putDuration(into, input);
-    case FieldType::kDate: {
+    case ResultMeaning::kDate: {
       if (withoutBlanks(input.text).empty()) return std::nullopt;
       const auto days = daysOfText(input);
       if (!days) return refusedDate();
       putTerminated(into, std::to_string(*days));
       return std::nullopt;
     }
-    default:
-      return refused("belongs to a calculated field without a kind of result");
+    case ResultMeaning::kUnknown:
+      break;
   }
+  return refused("belongs to a calculated field without a kind of result");
 }
 
 Refusal putLinkText(Bytes& into, const Input& input) {
@@ -237,37 +238,36 @@ bool isUnchanged(const Input& input) {
 
 Refusal putNewValue(Bytes& into, const Input& input) {
   const std::size_t area = fieldValueSize(input.field);
-  switch (input.field.type) {
-    case FieldType::kText:
-    case FieldType::kTextVariant:
-    case FieldType::kLongText:
-    case FieldType::kText254:
+  switch (traitsOf(input.field.type).form) {
+    case ValueForm::kText:
       return putText(into, input.text, area == 0 ? 0 : area - 1);
-    case FieldType::kNote:
+    case ValueForm::kNote:
       return putText(into, input.text, kNoteSize - 1);
-    case FieldType::kInteger:
-    case FieldType::kAutoNumber:
+    case ValueForm::kInteger:
       return putInteger(into, input.text, std::numeric_limits<std::int32_t>::min(),
                         std::numeric_limits<std::int32_t>::max());
-    case FieldType::kLinkedField:
+    case ValueForm::kKey:
       return putInteger(into, input.text, 0, std::numeric_limits<std::uint32_t>::max());
-    case FieldType::kFloat:
+    case ValueForm::kNumberText:
       return putNumber(into, input, DecimalMark::kPoint);
-    case FieldType::kPopup:
+    case ValueForm::kPopupKey:
       return putPopup(into, input);
-    case FieldType::kCheckBox:
+    case ValueForm::kFlag:
       return putCheckBox(into, input.text);
-    case FieldType::kDate:
+    case ValueForm::kDays:
       return putDate(into, input);
-    case FieldType::kTime:
+    case ValueForm::kClock:
       return putTime(into, input);
-    case FieldType::kLinkField:
+    case ValueForm::kLink:
       return putLinkText(into, input);
-    case FieldType::kCalculated:
+    case ValueForm::kResult:
       return putResult(into, input);
-    default:
-      return refused("belongs to a field that takes no text");
+    case ValueForm::kNone:
+    case ValueForm::kLookup:
+    case ValueForm::kBlock:
+      break;
   }
+  return refused("belongs to a field that takes no text");
 }
 
 }  // namespace

@@ -43,70 +43,68 @@ CriterionTest::CriterionTest(const Database& database, const FilterBlock& criter
     : decimal_comma_(settings.formats.choices.decimal_comma), slot_(criterion.field) {
   if (slot_ >= kFieldSlots) return;
   const FieldDefinition& field = database.schema.fields[criterion.field];
-  switch (field.type) {
-    case FieldType::kText:
-    case FieldType::kLongText:
-    case FieldType::kTextVariant:
-    case FieldType::kText254:
-    case FieldType::kLinkField:
-      kind_ = field.type == FieldType::kLinkField ? Kind::kLink : Kind::kText;
+  const FieldTypeTraits traits = traitsOf(field.type);
+  switch (traits.form) {
+    case ValueForm::kText:
+    case ValueForm::kLink:
+      kind_ = traits.form == ValueForm::kLink ? Kind::kLink : Kind::kText;
       word_ = lowerCaseText(areaText(criterion.value1));
       break;
-    case FieldType::kInteger:
-      setSigned(criterion, Kind::kSigned);
+    case ValueForm::kInteger:
+      if (traits.source == ValueSource::kCounter) {
+        setRange(Kind::kUnsigned, criterion.number1, criterion.number2);
+      } else {
+        setSigned(criterion, Kind::kSigned);
+      }
       break;
-    case FieldType::kAutoNumber:
-      setRange(Kind::kUnsigned, criterion.number1, criterion.number2);
-      break;
-    case FieldType::kFloat:
+    case ValueForm::kNumberText:
       setNumbers(criterion);
       break;
-    case FieldType::kPopup:
+    case ValueForm::kPopupKey:
       kind_ = Kind::kPopup;
       std::copy_n(criterion.value1.begin(), key_.size(), key_.begin());
       break;
-    case FieldType::kCheckBox:
+    case ValueForm::kFlag:
       kind_ = Kind::kCheckBox;
       low_ = criterion.number1;
       break;
-    case FieldType::kDate: {
+    case ValueForm::kDays: {
       const DateRange range = dateBounds(criterion, settings);
       setRange(Kind::kUnsigned, range.from, range.to);
       break;
     }
-    case FieldType::kTime:
+    case ValueForm::kClock:
       setRange(Kind::kTime, timeNumber(criterion.value1), timeNumber(criterion.value2));
       break;
-    case FieldType::kCalculated:
+    case ValueForm::kResult:
       prepareCalculated(field, criterion);
       break;
-    case FieldType::kUnused:
-    case FieldType::kNote:
-    case FieldType::kLinkedField:
-    case FieldType::kSeparator:
-    case FieldType::kLookup:
-    case FieldType::kExternal:
-      kind_ = Kind::kAlways;
+    case ValueForm::kNone:
+      if (field.type == FieldType::kUnused || isValidType(field.type)) kind_ = Kind::kAlways;
       break;
-    default:
+    case ValueForm::kNote:
+    case ValueForm::kKey:
+    case ValueForm::kLookup:
+    case ValueForm::kBlock:
+      kind_ = Kind::kAlways;
       break;
   }
 }
 
 void CriterionTest::prepareCalculated(const FieldDefinition& field, const FilterBlock& criterion) {
-  switch (effectiveType(field)) {
-    case FieldType::kInteger:
+  switch (resultMeaning(field)) {
+    case ResultMeaning::kWholeNumber:
       return setSigned(criterion, Kind::kResult);
-    case FieldType::kTime:
+    case ResultMeaning::kDuration:
       return setRange(Kind::kResult, secondsOfTime(timeOfValue(criterion.value1)),
                       secondsOfTime(timeOfValue(criterion.value2)));
-    case FieldType::kDate:
+    case ResultMeaning::kDate:
       // Days alone: the named ranges belong to date fields.
       return setRange(Kind::kResult, loadLe32(criterion.value1.data()),
                       loadLe32(criterion.value2.data()));
-    case FieldType::kFloat:
+    case ResultMeaning::kNumber:
       return setNumbers(criterion);
-    default:
+    case ResultMeaning::kUnknown:
       break;
   }
 }

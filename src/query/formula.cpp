@@ -191,35 +191,35 @@ Formula decodeFormula(const DatabaseRecord& schema, int slot, const FormatSettin
 double formulaNumber(const FieldDefinition& field, const FieldRecord& items, ByteView value,
                      const FormatSettings& formats) {
   if (value.empty()) return 0;
-  switch (field.type) {
-    case FieldType::kText:
-    case FieldType::kFloat:
-    case FieldType::kLongText:
-    case FieldType::kTextVariant:
-    case FieldType::kCalculated:
-    case FieldType::kText254:
+  switch (traitsOf(field.type).form) {
+    case ValueForm::kText:
+    case ValueForm::kNumberText:
+    case ValueForm::kResult:
       return numberOfText(storedText(value), formats.choices.decimal_comma);
-    case FieldType::kInteger:
-    case FieldType::kAutoNumber:
+    case ValueForm::kInteger:
       return static_cast<std::int32_t>(numberOfValue(value));
-    case FieldType::kDate:
-    case FieldType::kLinkedField:
+    case ValueForm::kDays:
+    case ValueForm::kKey:
       return numberOfValue(value);
-    case FieldType::kLinkField:
+    case ValueForm::kLink:
       return linkKey(value);
-    case FieldType::kCheckBox:
+    case ValueForm::kFlag:
       return value[0] != 0;
-    case FieldType::kTime:
+    case ValueForm::kClock:
       return secondsOfTime(timeOfValue(value));
-    case FieldType::kPopup: {
+    case ValueForm::kPopupKey: {
       std::array<std::uint8_t, kPopupKeySize> key{};
       std::copy_n(value.begin(), std::min(value.size(), key.size()), key.begin());
       const PopupItem* item = findItem(items, key);
       return item ? numberOfText(item->text, formats.choices.decimal_comma) : 0;
     }
-    default:
-      return 0;
+    case ValueForm::kNone:
+    case ValueForm::kNote:
+    case ValueForm::kLookup:
+    case ValueForm::kBlock:
+      break;
   }
+  return 0;
 }
 
 FormulaResult runFormula(const Formula& formula, const double* operands) {

@@ -252,7 +252,8 @@ std::vector<int> reportFields(const DatabaseRecord& schema) {
   std::vector<int> slots;
   for (int slot = 0; slot < kFieldSlots; ++slot) {
     const FieldType type = schema.fields[static_cast<std::size_t>(slot)].type;
-    if (traitsOf(type).reports || type == FieldType::kCalculated) slots.push_back(slot);
+    if (traitsOf(type).report != ReportKind::kNone || type == FieldType::kCalculated)
+      slots.push_back(slot);
   }
   return slots;
 }
@@ -262,25 +263,28 @@ ReportFigures reportFigures(const Database& database, int slot, const QuerySetti
   ReportFigures figures;
   if (slot < 0 || slot >= kFieldSlots) return figures;
   const FieldType type = effectiveType(database.schema.fields[static_cast<std::size_t>(slot)]);
-  if (!traitsOf(type).reports) return figures;
+  const ReportKind kind = traitsOf(type).report;
+  if (kind == ReportKind::kNone) return figures;
   figures.type = type;
   const RecordFilter filter(database, settings, link);
   const FormatSettings& formats = settings.formats;
-  switch (type) {
-    case FieldType::kInteger:
+  switch (kind) {
+    case ReportKind::kWholeNumbers:
       tallyIntegers(database, slot, filter, figures);
       break;
-    case FieldType::kFloat:
+    case ReportKind::kNumbers:
       tallyFloats(database, slot, filter, formats.choices.decimal_comma, figures);
       break;
-    case FieldType::kCheckBox:
+    case ReportKind::kChecks:
       tallyChecks(database, slot, filter, figures);
       break;
-    case FieldType::kDate:
+    case ReportKind::kDates:
       tallyDates(database, slot, filter, formats, figures);
       break;
-    default:
+    case ReportKind::kTimes:
       tallyTimes(database, slot, filter, formats, figures);
+      break;
+    case ReportKind::kNone:
       break;
   }
   return figures;

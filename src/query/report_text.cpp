@@ -102,20 +102,21 @@ std::string timeLines(const ReportFigures& figures, const FormatSettings& format
 std::string reportText(const ReportFigures& figures, const FieldDefinition& field,
                        const FormatSettings& formats) {
   const std::string title = fmt::format("Report for {}\r\n", fieldName(field));
-  switch (figures.type) {
-    case FieldType::kInteger:
+  switch (traitsOf(figures.type).report) {
+    case ReportKind::kWholeNumbers:
       return title + integerLines(figures);
-    case FieldType::kFloat:
+    case ReportKind::kNumbers:
       return title + floatLines(figures, field, formats);
-    case FieldType::kCheckBox:
+    case ReportKind::kChecks:
       return title + checkLines(figures, formats);
-    case FieldType::kDate:
+    case ReportKind::kDates:
       return title + dateLines(figures, formats);
-    case FieldType::kTime:
+    case ReportKind::kTimes:
       return title + timeLines(figures, formats);
-    default:
-      return {};
+    case ReportKind::kNone:
+      break;
   }
+  return {};
 }
 
 }  // namespace tabelion

@@ -29,41 +29,36 @@ SortKind kindOfResult(const FieldDefinition& field) {
 }
 
 SortKind kindOf(const FieldDefinition& field) {
-  switch (field.type) {
-    case FieldType::kText:
-    case FieldType::kLongText:
-    case FieldType::kTextVariant:
-    case FieldType::kText254:
+  switch (traitsOf(field.type).form) {
+    case ValueForm::kText:
       return SortKind::kText;
-    case FieldType::kInteger:
-    case FieldType::kAutoNumber:
-    case FieldType::kDate:
+    case ValueForm::kInteger:
+    case ValueForm::kDays:
       return SortKind::kInteger;
-    case FieldType::kFloat:
+    case ValueForm::kNumberText:
       return SortKind::kReal;
-    case FieldType::kPopup:
-    case FieldType::kCheckBox:
-    case FieldType::kTime:
+    case ValueForm::kPopupKey:
+    case ValueForm::kFlag:
+    case ValueForm::kClock:
       return SortKind::kNumber;
-    case FieldType::kLinkField:
+    case ValueForm::kLink:
       return SortKind::kLink;
-    case FieldType::kCalculated:
+    case ValueForm::kResult:
       return kindOfResult(field);
-    default:
-      return SortKind::kAlwaysEqual;
+    case ValueForm::kNone:
+    case ValueForm::kNote:
+    case ValueForm::kKey:
+    case ValueForm::kLookup:
+    case ValueForm::kBlock:
+      break;
   }
+  return SortKind::kAlwaysEqual;
 }
 
 std::size_t numberBytesOf(FieldType type) {
-  switch (type) {
-    case FieldType::kPopup:
-    case FieldType::kCheckBox:
-      return 1;
-    case FieldType::kTime:
-      return 3;
-    default:
-      return sizeof(std::int64_t);
-  }
+  if (type == FieldType::kPopup || type == FieldType::kCheckBox) return 1;
+  if (type == FieldType::kTime) return 3;
+  return sizeof(std::int64_t);
 }
 
 template <class T>

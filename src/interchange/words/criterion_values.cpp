@@ -76,47 +76,53 @@ std::optional<std::int64_t> secondsOfDuration(std::string_view text) {
   return (leadingInteger(tokens[0]) * 60 + minutes) * 60 + seconds;
 }
 
+CriterionKind kindOfResult(const FieldDefinition& field) {
+  switch (resultMeaning(field)) {
+    case ResultMeaning::kNumber:
+      return CriterionKind::kNumber;
+    case ResultMeaning::kWholeNumber:
+      return CriterionKind::kInteger;
+    case ResultMeaning::kDuration:
+      return CriterionKind::kDuration;
+    case ResultMeaning::kDate:
+      return CriterionKind::kDays;
+    case ResultMeaning::kUnknown:
+      break;
+  }
+  return CriterionKind::kNothing;
+}
+
 }  // namespace
 
 CriterionKind criterionKind(const FieldDefinition& field) {
-  switch (field.type) {
-    case FieldType::kText:
-    case FieldType::kLongText:
-    case FieldType::kTextVariant:
-    case FieldType::kText254:
-    case FieldType::kLinkField:
+  const FieldTypeTraits traits = traitsOf(field.type);
+  switch (traits.form) {
+    case ValueForm::kText:
+    case ValueForm::kLink:
       return CriterionKind::kText;
-    case FieldType::kInteger:
-      return CriterionKind::kInteger;
-    case FieldType::kFloat:
+    case ValueForm::kInteger:
+      return traits.source == ValueSource::kCounter ? CriterionKind::kAutoNumber
+                                                    : CriterionKind::kInteger;
+    case ValueForm::kNumberText:
       return CriterionKind::kNumber;
-    case FieldType::kPopup:
+    case ValueForm::kPopupKey:
       return CriterionKind::kItem;
-    case FieldType::kCheckBox:
+    case ValueForm::kFlag:
       return CriterionKind::kCheckBox;
-    case FieldType::kAutoNumber:
-      return CriterionKind::kAutoNumber;
-    case FieldType::kDate:
+    case ValueForm::kDays:
       return CriterionKind::kDate;
-    case FieldType::kTime:
+    case ValueForm::kClock:
       return CriterionKind::kTime;
-    case FieldType::kCalculated:
+    case ValueForm::kResult:
+      return kindOfResult(field);
+    case ValueForm::kNone:
+    case ValueForm::kNote:
+    case ValueForm::kKey:
+    case ValueForm::kLookup:
+    case ValueForm::kBlock:
       break;
-    default:
-      return CriterionKind::kNothing;
   }
-  switch (effectiveType(field)) {
-    case FieldType::kFloat:
-      return CriterionKind::kNumber;
-    case FieldType::kInteger:
-      return CriterionKind::kInteger;
-    case FieldType::kTime:
-      return CriterionKind::kDuration;
-    case FieldType::kDate:
-      return CriterionKind::kDays;
-    default:
-      return CriterionKind::kNothing;
-  }
+  return CriterionKind::kNothing;
 }
 
 WholeRange allValues(CriterionKind kind) {
