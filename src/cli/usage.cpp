@@ -6,6 +6,7 @@
 
 #include <fmt/format.h>
 
+#include "engine/ascii.h"
 #include "query/near_names.h"
 
 namespace tabelion {
@@ -29,7 +30,7 @@ std::vector<std::string> namesOf(const std::list<CommandForm>& commands) {
 
 // Neither "-", which is a file, nor a negative number.
 bool isOption(std::string_view word) {
-  return word.size() > 1 && word[0] == '-' && !(word[1] >= '0' && word[1] <= '9');
+  return word.size() > 1 && word[0] == '-' && !isDigit(word[1]);
 }
 
 // Walks the arguments as the parser does, up to the first that cannot be understood.

@@ -126,14 +126,25 @@ class ByteWriter {
   Bytes& into_;
 };
 
+inline ByteView asBytes(std::string_view text) {
+  return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
+}
+inline std::string_view asText(ByteView bytes) {
+  return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+// The text in front of the first NUL; all of it where there is none.
+inline std::string_view textUntilNul(ByteView bytes) {
+  const std::string_view text = asText(bytes);
+  return text.substr(0, text.find('\0'));
+}
+
 // A fixed-size area that holds text up to its first NUL (or to its end when there is none).
 // Whatever lies behind the NUL is kept as read until a new text is set, which zeroes the rest.
 template <std::size_t N>
 using TextArea = std::array<std::uint8_t, N>;
 
 inline std::string areaText(ByteView area) {
-  const auto* begin = reinterpret_cast<const char*>(area.data());
-  return std::string(begin, strnlen(begin, area.size()));
+  return std::string(textUntilNul(area));
 }
 
 // False, and nothing changed, when the text and its NUL do not fit.
@@ -142,10 +153,6 @@ inline bool setAreaText(std::span<std::uint8_t> area, std::string_view text) {
   std::memset(area.data(), 0, area.size());
   if (!text.empty()) std::memcpy(area.data(), text.data(), text.size());
   return true;
-}
-
-inline ByteView asBytes(std::string_view text) {
-  return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
 }
 
 }  // namespace tabelion

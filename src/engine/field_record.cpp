@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "engine/stored_value.h"
+
 namespace tabelion {
 namespace {
 
@@ -93,9 +95,9 @@ int readFieldRecord(ByteView record, FieldRecord& field) {
 }
 
 const PopupItem* findItem(const FieldRecord& field, ByteView value) {
-  if (value.size() < kPopupKeySize) return nullptr;
+  const PopupKey key = popupKey(value);
   for (const PopupItem& item : field.items) {
-    if (std::memcmp(item.key.data(), value.data(), kPopupKeySize) == 0) return &item;
+    if (std::memcmp(item.key.data(), key.data(), key.size()) == 0) return &item;
   }
   return nullptr;
 }

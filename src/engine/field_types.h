@@ -41,6 +41,10 @@ constexpr std::int32_t codeOf(FieldType type) {
   return static_cast<std::int32_t>(type);
 }
 
+constexpr bool isSlot(int slot) {
+  return slot >= 0 && slot < kFieldSlots;
+}
+
 constexpr bool isValidType(FieldType type) {
   return type > FieldType::kUnused && type <= kLastFieldType;
 }

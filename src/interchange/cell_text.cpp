@@ -5,8 +5,10 @@
 
 #include <fmt/format.h>
 
+#include "engine/ascii.h"
 #include "engine/calendar.h"
 #include "engine/schema_places.h"
+#include "engine/stored_value.h"
 #include "interchange/hex.h"
 #include "query/date_text.h"
 #include "query/field_value.h"
@@ -14,14 +16,6 @@
 
 namespace tabelion {
 namespace {
-
-std::string_view untilNul(ByteView stored) {
-  const auto* begin = reinterpret_cast<const char*>(stored.data());
-  if (stored.empty()) return {};
-  const void* nul = std::memchr(begin, 0, stored.size());
-  return {begin,
-          nul ? static_cast<std::size_t>(static_cast<const char*>(nul) - begin) : stored.size()};
-}
 
 bool isZero(ByteView bytes) {
   return std::all_of(bytes.begin(), bytes.end(), [](std::uint8_t byte) { return byte == 0; });
@@ -94,21 +88,13 @@ CellText popupCell(const PopupNames& popups, ByteView stored, CellScratch& scrat
   return {scratch.text};
 }
 
-// A 32-bit value; one that is stored shorter reads as padded with zeros.
-std::uint32_t load32(ByteView stored) {
-  if (stored.size() >= 4) return loadLe32(stored.data());
-  std::array<std::uint8_t, 4> padded{};
-  std::copy(stored.begin(), stored.end(), padded.begin());
-  return loadLe32(padded.data());
-}
-
 CellText linkCell(bool is_key, ByteView stored, CellScratch& scratch) {
   const bool is_empty = stored.size() <= kLinkHeadSize;
   if (!is_key) {
     if (is_empty) return {};
-    return {untilNul(stored.subspan(kLinkHeadSize)), false, false};
+    return {storedText(stored.subspan(kLinkHeadSize)), false, false};
   }
-  const std::uint32_t key = load32(stored);
+  const std::uint32_t key = numberOfValue(stored);
   if (is_empty && key == 0) return {};
   return numberCell(key, scratch);
 }
@@ -117,17 +103,9 @@ CellText linkCell(bool is_key, ByteView stored, CellScratch& scratch) {
 int parseDigits(std::string_view text) {
   int number = text.empty() ? -1 : 0;
   for (const char c : text) {
-    if (c < '0' || c > '9') return -1;
+    if (!isDigit(c)) return -1;
     number = number * 10 + (c - '0');
   }
-  return number;
-}
-
-template <class Number>
-std::optional<Number> parseNumber(std::string_view text) {
-  Number number = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (text.empty() || error != std::errc() || end != text.data() + text.size()) return std::nullopt;
   return number;
 }
 
@@ -153,7 +131,7 @@ std::optional<CalendarDate> dateInForm(std::string_view text, const FormatSettin
   std::size_t longest = 0;
   std::size_t digits = 0;
   for (const char c : text) {
-    digits = c >= '0' && c <= '9' ? digits + 1 : 0;
+    digits = isDigit(c) ? digits + 1 : 0;
     longest = std::max(longest, digits);
   }
   return longest == 4 ? exactDateOfText(text, formats) : std::nullopt;
@@ -273,18 +251,18 @@ CellText cellText(const TableColumn& column, const PopupNames& popups, ByteView 
   switch (column.type) {
     case FieldType::kInteger:
     case FieldType::kAutoNumber:
-      return numberCell(static_cast<std::int32_t>(load32(stored)), scratch);
+      return numberCell(static_cast<std::int32_t>(numberOfValue(stored)), scratch);
     case FieldType::kLinkedField:
-      return numberCell(load32(stored), scratch);
+      return numberCell(numberOfValue(stored), scratch);
     case FieldType::kFloat:
     case FieldType::kCalculated:
-      return numberTextCell(untilNul(stored), scratch);
+      return numberTextCell(storedText(stored), scratch);
     case FieldType::kPopup:
       return popupCell(popups, stored, scratch);
     case FieldType::kCheckBox:
       return {stored[0] != 0 ? "1" : "0"};
     case FieldType::kDate:
-      return dateCell(load32(stored), scratch);
+      return dateCell(numberOfValue(stored), scratch);
     case FieldType::kTime:
       return timeCell(stored, scratch);
     case FieldType::kLinkField:
@@ -294,13 +272,13 @@ CellText cellText(const TableColumn& column, const PopupNames& popups, ByteView 
       scratch.text = toHex(stored);
       return {scratch.text};
     default:
-      return {untilNul(stored), false, false};
+      return {storedText(stored), false, false};
   }
 }
 
 std::optional<std::uint32_t> parseAutoNumber(std::string_view text, FieldType type) {
-  if (type == FieldType::kLinkedField) return parseNumber<std::uint32_t>(text);
-  const auto number = parseNumber<std::int32_t>(text);
+  if (type == FieldType::kLinkedField) return wholeNumber<std::uint32_t>(text);
+  const auto number = wholeNumber<std::int32_t>(text);
   if (!number) return std::nullopt;
   return static_cast<std::uint32_t>(*number);
 }
@@ -309,7 +287,7 @@ std::optional<std::string> readLinkCells(const TextEncoding& encoding, std::stri
                                          std::string_view key, Bytes& value) {
   if (text.empty() && key.empty()) return std::nullopt;
   const auto number =
-      key.empty() ? std::optional<std::uint32_t>(0) : parseNumber<std::uint32_t>(key);
+      key.empty() ? std::optional<std::uint32_t>(0) : wholeNumber<std::uint32_t>(key);
   if (!number) return fmt::format("\"{}\" is not the number of a record", key);
   putLe32(value, *number);
   value.resize(value.size() + kLinkHeadSize - 4);
@@ -355,7 +333,7 @@ bool isDecimalNumber(std::string_view text) {
   std::size_t i = 0;
   const auto digits = [&] {
     const std::size_t begin = i;
-    while (i < text.size() && text[i] >= '0' && text[i] <= '9') ++i;
+    while (i < text.size() && isDigit(text[i])) ++i;
     return i - begin;
   };
   if (i < text.size() && (text[i] == '-' || text[i] == '+')) ++i;

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cerrno>
 
+#include "engine/ascii.h"
+
 namespace tabelion {
 namespace {
 
@@ -120,8 +122,7 @@ std::optional<std::uint8_t> CodePage::byteFor(char32_t character) const {
 
 Result<std::shared_ptr<const CodePage>> openCodePage(std::string_view name) {
   const auto isNameCharacter = [](char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
-           std::string_view("-_.:").find(c) != std::string_view::npos;
+    return isLetter(c) || isDigit(c) || std::string_view("-_.:").find(c) != std::string_view::npos;
   };
   if (name.empty() || name.size() > kLongestName ||
       !std::all_of(name.begin(), name.end(), isNameCharacter)) {

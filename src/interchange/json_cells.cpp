@@ -4,6 +4,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "engine/ascii.h"
+
 namespace tabelion {
 namespace {
 
@@ -13,12 +15,10 @@ bool isJsonNumber(std::string_view text) {
   const std::size_t first = text[0] == '-' ? 1 : 0;
   if (text[first] == '.') return false;
   if (text[first] == '0' && text.size() > first + 1) {
-    const char second = text[first + 1];
-    if (second >= '0' && second <= '9') return false;
+    if (isDigit(text[first + 1])) return false;
   }
   const std::size_t point = text.find('.');
-  return point == std::string_view::npos ||
-         (point + 1 < text.size() && text[point + 1] >= '0' && text[point + 1] <= '9');
+  return point == std::string_view::npos || (point + 1 < text.size() && isDigit(text[point + 1]));
 }
 
 bool isNumberColumn(const TableColumn& column) {

@@ -6,17 +6,11 @@
 
 #include <fmt/format.h>
 
+#include "engine/ascii.h"
 #include "engine/schema_places.h"
 
 namespace tabelion {
 namespace {
-
-std::string lowerAscii(std::string text) {
-  for (char& c : text) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return text;
-}
 
 bool holdsAValue(FieldType type) {
   return isValidType(type) && type != FieldType::kSeparator;
@@ -48,9 +42,9 @@ std::vector<TableColumn> tableColumns(const DatabaseRecord& schema, const TextEn
       columns.push_back({name + ".key", slot, field.type, true});
   }
   std::map<std::string, int> uses;
-  for (const TableColumn& column : columns) ++uses[lowerAscii(column.name)];
+  for (const TableColumn& column : columns) ++uses[lowerCaseText(column.name)];
   for (TableColumn& column : columns) {
-    if (uses[lowerAscii(column.name)] > 1) column.name += fmt::format(" #{}", column.slot);
+    if (uses[lowerCaseText(column.name)] > 1) column.name += fmt::format(" #{}", column.slot);
   }
   return columns;
 }

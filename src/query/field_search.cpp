@@ -125,11 +125,6 @@ bool FieldSearch::matchesText(std::string_view text) const {
 }
 
 bool FieldSearch::matchesItem(ByteView key) const {
-  std::array<std::uint8_t, kPopupKeySize> padded{};
-  if (key.size() < padded.size()) {
-    std::copy(key.begin(), key.end(), padded.begin());
-    key = padded;
-  }
   const FieldRecord& items = database_.fields[static_cast<std::size_t>(slot_)];
   const PopupItem* item = findItem(items, key);
   return item ? in_item_[static_cast<std::size_t>(item - items.items.data())] != 0 : without_value_;

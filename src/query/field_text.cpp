@@ -23,20 +23,7 @@ struct Patterns {
   const TimePattern& time;
 };
 
-std::string_view asText(ByteView bytes) {
-  return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-}
-
-bool isSlot(int slot) {
-  return slot >= 0 && slot < kFieldSlots;
-}
-
 void appendPopup(std::string& into, const FieldRecord& items, ByteView value) {
-  std::array<std::uint8_t, kPopupKeySize> padded{};
-  if (value.size() < padded.size()) {
-    std::copy(value.begin(), value.end(), padded.begin());
-    value = padded;
-  }
   const PopupItem* item = findItem(items, value);
   into += item ? std::string_view(item->text) : kNoValueText;
 }
@@ -143,27 +130,6 @@ void appendLookup(std::string& into, ByteView record, int slot, const FormatSett
 }
 
 }  // namespace
-
-std::string_view storedText(ByteView value) {
-  const std::string_view text = asText(value);
-  return text.substr(0, text.find('\0'));
-}
-
-std::uint32_t numberOfValue(ByteView value) {
-  if (value.size() >= 4) return loadLe32(value.data());
-  std::array<std::uint8_t, 4> padded{};
-  std::copy(value.begin(), value.end(), padded.begin());
-  return loadLe32(padded.data());
-}
-
-std::uint32_t linkKey(ByteView value) {
-  return numberOfValue(value.first(std::min<std::size_t>(value.size(), 4)));
-}
-
-std::string_view linkText(ByteView value) {
-  return value.size() > kLinkHeadSize ? storedText(value.subspan(kLinkHeadSize))
-                                      : std::string_view();
-}
 
 bool isMasked(const FieldDefinition& field, ByteView record) {
   return field.encrypt_flag != 0 && isRecordEncrypted(record);

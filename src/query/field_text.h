@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "engine/database.h"
+#include "engine/stored_value.h"
 #include "query/format_settings.h"
 
 namespace tabelion {
@@ -66,15 +67,5 @@ FieldText editText(const Database& database, ByteView record, int slot,
 // Compat: a 254-byte text is empty when its leading number is 0, as any word's is
 // (FieldText.HasAValueByType).
 bool hasValue(const Database& database, ByteView record, int slot, const FormatSettings& settings);
-
-// The text in a value: up to its NUL, or all of it where there is none.
-std::string_view storedText(ByteView value);
-
-// The parts of a link field's value; a value of 24 bytes or fewer has no text.
-std::uint32_t linkKey(ByteView value);
-std::string_view linkText(ByteView value);
-
-// A little-endian number of up to four bytes; those that are missing count as zero.
-std::uint32_t numberOfValue(ByteView value);
 
 }  // namespace tabelion

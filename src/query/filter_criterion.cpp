@@ -29,13 +29,6 @@ bool textPasses(std::string_view text, std::string_view word) {
   return word.empty() ? text.empty() : containsAnyCase(text, word);
 }
 
-bool isKey(ByteView value, const std::array<std::uint8_t, kPopupKeySize>& key) {
-  if (value.size() >= key.size()) return std::memcmp(value.data(), key.data(), key.size()) == 0;
-  std::array<std::uint8_t, kPopupKeySize> padded{};
-  std::copy(value.begin(), value.end(), padded.begin());
-  return padded == key;
-}
-
 }  // namespace
 
 CriterionTest::CriterionTest(const Database& database, const FilterBlock& criterion,
@@ -145,7 +138,7 @@ bool CriterionTest::passes(ByteView value) const {
     case Kind::kTime:
       return isWithin(timeNumber(value));
     case Kind::kPopup:
-      return isKey(value, key_);
+      return popupKey(value) == key_;
     case Kind::kResult:
       return isWithin(leadingInteger(storedText(value)));
     case Kind::kNumber: {

@@ -14,10 +14,6 @@ namespace {
 
 constexpr std::string_view kAllFieldsText = "All Fields";
 
-bool isSlot(int slot) {
-  return slot >= 0 && slot < kFieldSlots;
-}
-
 // The fields in which a text is looked for, in slot order up to the last one that can have it.
 class RecordSearch {
  public:

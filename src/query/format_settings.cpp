@@ -4,6 +4,8 @@
 #include <cctype>
 #include <string_view>
 
+#include "engine/ascii.h"
+
 namespace tabelion {
 namespace {
 
@@ -20,14 +22,6 @@ constexpr TypedDateForm kDateForms[kDateFormats] = {
 constexpr TypedTimeForm kTimeForms[kTimeFormats] = {
     {':', true}, {':', false}, {'.', true}, {'.', false}, {',', false},
 };
-
-std::string lowered(std::string_view text) {
-  std::string lower(text);
-  for (char& c : lower) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return lower;
-}
 
 // Splits at the separator's first character; runs of it count as one, a missing token is empty.
 std::array<std::string, 3> splitPattern(std::string_view pattern, std::string_view separator) {
@@ -46,7 +40,7 @@ std::array<std::string, 3> splitPattern(std::string_view pattern, std::string_vi
 // Compat: a month is never shown by name, "mmm" gives two digits (DateText.FollowsThePattern).
 // Compat: an unknown part stays empty, its separator is written (DateText.FollowsThePattern).
 DatePart datePart(std::string_view token) {
-  const std::string lower = lowered(token);
+  const std::string lower = lowerCaseText(token);
   if (lower == "m") return DatePart::kMonth;
   if (lower == "mm" || lower == "mmm") return DatePart::kMonth2;
   if (lower == "d") return DatePart::kDay;
@@ -61,7 +55,7 @@ TimePart timePart(std::string_view token) {
   if (token == "hh") return TimePart::kClockHour2;
   if (token == "H") return TimePart::kHour;
   if (token == "HH") return TimePart::kHour2;
-  if (lowered(token) == "mm") return TimePart::kMinute;
+  if (lowerCaseText(token) == "mm") return TimePart::kMinute;
   if (token.find("ss") != std::string_view::npos) return TimePart::kSecond;
   return TimePart::kNothing;
 }

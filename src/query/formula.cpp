@@ -143,10 +143,6 @@ struct ReferenceWalk {
   }
 };
 
-bool isSlot(int slot) {
-  return slot >= 0 && slot < kFieldSlots;
-}
-
 }  // namespace
 
 int resultDecimals(int result_kind) {
@@ -208,9 +204,7 @@ double formulaNumber(const FieldDefinition& field, const FieldRecord& items, Byt
     case ValueForm::kClock:
       return secondsOfTime(timeOfValue(value));
     case ValueForm::kPopupKey: {
-      std::array<std::uint8_t, kPopupKeySize> key{};
-      std::copy_n(value.begin(), std::min(value.size(), key.size()), key.begin());
-      const PopupItem* item = findItem(items, key);
+      const PopupItem* item = findItem(items, value);
       return item ? numberOfText(item->text, formats.choices.decimal_comma) : 0;
     }
     case ValueForm::kNone:

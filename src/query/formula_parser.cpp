@@ -5,6 +5,7 @@
 #include <cmath>
 #include <optional>
 
+#include "engine/ascii.h"
 #include "query/formula.h"
 #include "query/formula_text.h"
 #include "query/formula_words.h"
@@ -91,8 +92,6 @@ class Parser {
     }
     fail(end_, quoted(rest.substr(0, 1)) + " means nothing in a formula");
   }
-
-  static bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
   void takeBracketed(std::string_view rest) {
     std::string name;

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <iterator>
 
+#include "engine/ascii.h"
 #include "engine/schema_places.h"
 #include "query/formula.h"
 #include "query/text_case.h"
@@ -92,14 +93,14 @@ bool beginsWord(char c) {
 }
 
 bool isInWord(char c) {
-  return beginsWord(c) || isFormulaDigit(c);
+  return beginsWord(c) || isDigit(c);
 }
 
 std::size_t formulaNumberLength(std::string_view text) {
   std::size_t at = 0;
   const auto skipDigits = [&] {
     const std::size_t begin = at;
-    while (at < text.size() && isFormulaDigit(text[at])) ++at;
+    while (at < text.size() && isDigit(text[at])) ++at;
     return at - begin;
   };
   std::size_t digits = skipDigits();

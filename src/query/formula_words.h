@@ -44,9 +44,6 @@ inline constexpr std::string_view kPreviousWord = "previous";
 // Whether a byte may begin a plain word, or stand in one. Bytes from 128 on are letters.
 bool beginsWord(char c);
 bool isInWord(char c);
-inline bool isFormulaDigit(char c) {
-  return c >= '0' && c <= '9';
-}
 
 // The length of the number without a sign at the start of a text; 0 when there is none.
 std::size_t formulaNumberLength(std::string_view text);

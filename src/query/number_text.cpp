@@ -5,6 +5,8 @@
 #include <cmath>
 #include <limits>
 
+#include "engine/ascii.h"
+
 namespace tabelion {
 namespace {
 
@@ -13,15 +15,8 @@ constexpr int kMaxDecimals = 255;
 // The digits of the largest double, its sign, point and decimals.
 constexpr std::size_t kLongestNumber = 320 + kMaxDecimals;
 
-bool isBlank(char c) {
-  return c == ' ' || (c >= '\t' && c <= '\r');
-}
-bool isDigit(char c) {
-  return c >= '0' && c <= '9';
-}
-
 std::string_view withoutLeadingBlanks(std::string_view text) {
-  const auto begin = std::find_if_not(text.begin(), text.end(), isBlank);
+  const auto begin = std::find_if_not(text.begin(), text.end(), isBlank<char>);
   text.remove_prefix(static_cast<std::size_t>(begin - text.begin()));
   return text;
 }

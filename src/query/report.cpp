@@ -192,8 +192,7 @@ void tallyFloats(const Database& database, int slot, const RecordFilter& filter,
   NumberTally<double> tally;
   forEachValue(database, slot, filter, [&](ByteView value) {
     // Reading ends at the text's NUL anyway.
-    tally.add(
-        numberOfText({reinterpret_cast<const char*>(value.data()), value.size()}, decimal_comma));
+    tally.add(numberOfText(asText(value), decimal_comma));
   });
   figures.count = tally.count();
   figures.real = tally.numbers();

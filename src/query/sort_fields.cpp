@@ -8,10 +8,6 @@
 namespace tabelion {
 namespace {
 
-bool isSlot(int slot) {
-  return slot >= 0 && slot < kFieldSlots;
-}
-
 // Compat: list positions are slot + 1, as if the list left no field out; behind one that it does
 // leave out the dialog shows and stores a neighbour
 // (SortFields.ThePositionsCountExcludedFieldsToo).

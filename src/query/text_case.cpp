@@ -44,12 +44,6 @@ bool startsWithin(std::string_view text, std::size_t from, std::size_t places,
 
 }  // namespace
 
-std::string lowerCaseText(std::string_view text) {
-  std::string lower(text);
-  std::transform(lower.begin(), lower.end(), lower.begin(), lowerCase);
-  return lower;
-}
-
 bool startsWithAnyCase(std::string_view text, std::string_view word) {
   return text.size() >= word.size() &&
          std::equal(word.begin(), word.end(), text.begin(),

@@ -5,13 +5,9 @@
 #include <string>
 #include <string_view>
 
+#include "engine/ascii.h"
+
 namespace tabelion {
-
-inline char lowerCase(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-std::string lowerCaseText(std::string_view text);
 
 // Whether `text` contains or starts with `word`, which is given in lower case, in any case of its
 // ASCII letters. Every text contains the empty word.

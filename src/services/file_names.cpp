@@ -2,15 +2,9 @@
 
 #include <algorithm>
 
+#include "engine/ascii.h"
+
 namespace tabelion {
-namespace {
-
-char lowered(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-}  // namespace
-
 std::string FileNameOf(const std::string& path) {
   return path.substr(path.rfind('/') + 1);
 }
@@ -27,7 +21,7 @@ std::string BaseNameOf(const std::string& path) {
 
 bool EqualIgnoringCase(const std::string& a, const std::string& b) {
   return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                    [](char x, char y) { return lowered(x) == lowered(y); });
+                    [](char x, char y) { return lowerCase(x) == lowerCase(y); });
 }
 
 std::string PathIn(Files& files, const std::string& folder, const std::string& name) {

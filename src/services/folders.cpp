@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "engine/ascii.h"
 #include "services/file_names.h"
 #include "services/message.h"
 #include "services/screen_text.h"
@@ -56,13 +57,7 @@ DatabaseFile describe(const Application& app, const std::string& path,
 
 // As a person sorts names, upper and lower case together.
 bool nameLess(const DatabaseFile& a, const DatabaseFile& b) {
-  const auto folded = [](std::u16string text) {
-    for (char16_t& c : text) {
-      if (c >= u'A' && c <= u'Z') c = static_cast<char16_t>(c - u'A' + u'a');
-    }
-    return text;
-  };
-  return std::pair(folded(a.name), a.name) < std::pair(folded(b.name), b.name);
+  return std::pair(lowerCaseText(a.name), a.name) < std::pair(lowerCaseText(b.name), b.name);
 }
 
 struct DatabaseFolder {

@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 
+#include "engine/ascii.h"
 #include "interchange/hex.h"
 #include "interchange/table_columns.h"
 #include "query/date_range.h"
@@ -145,8 +146,8 @@ std::string fieldWords(const Database& database, const TextEncoding& encoding, i
     if (column.slot == slot && !column.is_link_key) name = column.name;
   }
   const bool is_plain = std::all_of(name.begin(), name.end(), [](char c) {
-    return static_cast<unsigned char>(c) >= 0x80 || (c >= '0' && c <= '9') ||
-           (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '.' || c == '-' || c == '_';
+    return static_cast<unsigned char>(c) >= 0x80 || isDigit(c) || isLetter(c) || c == '.' ||
+           c == '-' || c == '_';
   });
   return is_plain ? name : inQuotes(name);
 }

@@ -2,19 +2,15 @@
 
 #include <algorithm>
 
+#include "engine/ascii.h"
 #include "query/field_text.h"
 #include "query/list_columns.h"
+#include "query/text_case.h"
 #include "screens/records/list_columns.h"
 #include "services/screen_text.h"
 
 namespace tabelion {
 namespace {
-
-void foldCase(std::string& text) {
-  for (char& c : text) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-}
 
 // The field that records are looked up by: the one they are sorted by, else the first column.
 int findSlot(const DatabaseRecord& schema) {
@@ -28,8 +24,7 @@ int findSlot(const DatabaseRecord& schema) {
 
 bool IsFindCharacter(char32_t character) {
   if (character >= 0x80) return character >= 0xA0;
-  return character == U' ' || (character >= U'0' && character <= U'9') ||
-         (character >= U'A' && character <= U'Z') || (character >= U'a' && character <= U'z');
+  return character == U' ' || isDigit(character) || isLetter(character);
 }
 
 void QuickFind::clear() {
@@ -57,13 +52,11 @@ std::optional<int> QuickFind::search(Application& app) const {
   const int slot = findSlot(database.schema);
   Result<std::string> wanted = StoredText(app, typed_);
   if (slot < 0 || !wanted.ok() || wanted->empty()) return std::nullopt;
-  foldCase(*wanted);
+  const std::string word = lowerCaseText(*wanted);
   for (std::size_t row = 0; row < database.record_index.size(); ++row) {
     const ByteView record = database.records[database.record_index[row]].bytes();
-    std::string text = fieldText(database, record, slot, app.level().formats).text;
-    text.resize(std::min(text.size(), wanted->size()));
-    foldCase(text);
-    if (text == *wanted) return static_cast<int>(row);
+    const FieldText text = fieldText(database, record, slot, app.level().formats);
+    if (startsWithAnyCase(text.text, word)) return static_cast<int>(row);
   }
   return std::nullopt;
 }
