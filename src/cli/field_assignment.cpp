@@ -60,19 +60,19 @@ Result<Assignment> readAssignment(const Database& database, const TextEncoding& 
 
 // Why nobody but the program gives this field a value; null when people do.
 const char* givenByProgram(FieldType type) {
-  switch (type) {
-    case FieldType::kAutoNumber:
-    case FieldType::kLinkedField:
+  switch (traitsOf(type).source) {
+    case ValueSource::kCounter:
       return "gets its number from the database";
-    case FieldType::kCalculated:
+    case ValueSource::kFormula:
       return "gets its value from a formula";
-    case FieldType::kLookup:
+    case ValueSource::kOtherDatabase:
       return "shows a value of another database";
-    case FieldType::kSeparator:
+    case ValueSource::kNobody:
       return "is a separator and has no value";
-    default:
-      return nullptr;
+    case ValueSource::kPerson:
+      break;
   }
+  return nullptr;
 }
 
 Error about(const Assignment& assignment, std::string_view reason) {

@@ -229,18 +229,9 @@ std::optional<std::string> readExternal(std::string_view text, std::size_t size,
 }
 
 // A text is what stands there, blanks and all.
-bool isTextType(FieldType type) {
-  switch (type) {
-    case FieldType::kText:
-    case FieldType::kLongText:
-    case FieldType::kTextVariant:
-    case FieldType::kText254:
-    case FieldType::kNote:
-    case FieldType::kLookup:
-      return true;
-    default:
-      return false;
-  }
+bool keepsBlanks(ValueForm form) {
+  return form == ValueForm::kText || form == ValueForm::kNote || form == ValueForm::kLookup ||
+         form == ValueForm::kPopupKey;
 }
 
 }  // namespace
@@ -248,32 +239,35 @@ bool isTextType(FieldType type) {
 CellText cellText(const TableColumn& column, const PopupNames& popups, ByteView stored,
                   CellScratch& scratch) {
   if (stored.empty()) return {};
-  switch (column.type) {
-    case FieldType::kInteger:
-    case FieldType::kAutoNumber:
+  switch (traitsOf(column.type).form) {
+    case ValueForm::kInteger:
       return numberCell(static_cast<std::int32_t>(numberOfValue(stored)), scratch);
-    case FieldType::kLinkedField:
+    case ValueForm::kKey:
       return numberCell(numberOfValue(stored), scratch);
-    case FieldType::kFloat:
-    case FieldType::kCalculated:
+    case ValueForm::kNumberText:
+    case ValueForm::kResult:
       return numberTextCell(storedText(stored), scratch);
-    case FieldType::kPopup:
+    case ValueForm::kPopupKey:
       return popupCell(popups, stored, scratch);
-    case FieldType::kCheckBox:
+    case ValueForm::kFlag:
       return {stored[0] != 0 ? "1" : "0"};
-    case FieldType::kDate:
+    case ValueForm::kDays:
       return dateCell(numberOfValue(stored), scratch);
-    case FieldType::kTime:
+    case ValueForm::kClock:
       return timeCell(stored, scratch);
-    case FieldType::kLinkField:
+    case ValueForm::kLink:
       return linkCell(column.is_link_key, stored, scratch);
-    case FieldType::kExternal:
+    case ValueForm::kBlock:
       if (isZero(stored)) return {};
       scratch.text = toHex(stored);
       return {scratch.text};
-    default:
-      return {storedText(stored), false, false};
+    case ValueForm::kNone:
+    case ValueForm::kText:
+    case ValueForm::kNote:
+    case ValueForm::kLookup:
+      break;
   }
+  return {storedText(stored), false, false};
 }
 
 std::optional<std::uint32_t> parseAutoNumber(std::string_view text, FieldType type) {
@@ -296,37 +290,41 @@ std::optional<std::string> readLinkCells(const TextEncoding& encoding, std::stri
 
 std::optional<std::string> readCell(const CellReader& reader, std::string_view text, Bytes& value) {
   const FieldType type = reader.column.type;
-  if (!isTextType(type) && type != FieldType::kPopup) text = withoutBlanks(text);
+  if (!keepsBlanks(traitsOf(type).form)) text = withoutBlanks(text);
   if (text.empty()) return std::nullopt;
-  switch (type) {
-    case FieldType::kInteger:
-    case FieldType::kAutoNumber:
-    case FieldType::kLinkedField: {
+  switch (traitsOf(type).form) {
+    case ValueForm::kInteger:
+    case ValueForm::kKey: {
       const auto number = parseAutoNumber(text, type);
       if (!number) return fmt::format("\"{}\" is not a whole number of 32 bits", text);
       putLe32(value, *number);
       return std::nullopt;
     }
-    case FieldType::kFloat:
-    case FieldType::kCalculated:
+    case ValueForm::kNumberText:
+    case ValueForm::kResult:
       return readNumberText(text, type == FieldType::kCalculated, value);
-    case FieldType::kPopup:
+    case ValueForm::kPopupKey:
       return readPopup(reader.popups, text, value);
-    case FieldType::kCheckBox: {
+    case ValueForm::kFlag: {
       const auto is_checked = checkOfText(text);
       if (!is_checked) return fmt::format("\"{}\" is not 0 or 1, yes or no", text);
       value.push_back(*is_checked ? 1 : 0);
       return std::nullopt;
     }
-    case FieldType::kDate:
+    case ValueForm::kDays:
       return readDate(text, reader.dates, value);
-    case FieldType::kTime:
+    case ValueForm::kClock:
       return readTime(text, value);
-    case FieldType::kExternal:
+    case ValueForm::kBlock:
       return readExternal(text, fieldValueSize(reader.field), value);
-    default:
-      return readText(reader.encoding, text, fieldValueSize(reader.field) - 1, value);
+    case ValueForm::kNone:
+    case ValueForm::kText:
+    case ValueForm::kNote:
+    case ValueForm::kLink:
+    case ValueForm::kLookup:
+      break;
   }
+  return readText(reader.encoding, text, fieldValueSize(reader.field) - 1, value);
 }
 
 bool isDecimalNumber(std::string_view text) {

@@ -22,16 +22,25 @@ bool isJsonNumber(std::string_view text) {
 }
 
 bool isNumberColumn(const TableColumn& column) {
-  switch (column.type) {
-    case FieldType::kInteger:
-    case FieldType::kFloat:
-    case FieldType::kAutoNumber:
-    case FieldType::kLinkedField:
-    case FieldType::kCalculated:
+  switch (traitsOf(column.type).form) {
+    case ValueForm::kInteger:
+    case ValueForm::kNumberText:
+    case ValueForm::kKey:
+    case ValueForm::kResult:
       return true;
-    default:
-      return column.is_link_key;
+    case ValueForm::kNone:
+    case ValueForm::kText:
+    case ValueForm::kNote:
+    case ValueForm::kPopupKey:
+    case ValueForm::kFlag:
+    case ValueForm::kDays:
+    case ValueForm::kClock:
+    case ValueForm::kLink:
+    case ValueForm::kLookup:
+    case ValueForm::kBlock:
+      break;
   }
+  return column.is_link_key;
 }
 
 // Most cells: nothing to escape and nothing to check.

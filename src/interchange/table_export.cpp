@@ -130,23 +130,29 @@ class SqlWriter : public Writer {
 
   static std::string_view typeOf(const TableColumn& column) {
     if (column.is_link_key) return "bigint";
-    switch (column.type) {
-      case FieldType::kInteger:
-      case FieldType::kAutoNumber:
-      case FieldType::kLinkedField:
+    switch (traitsOf(column.type).form) {
+      case ValueForm::kInteger:
+      case ValueForm::kKey:
         return "bigint";
-      case FieldType::kFloat:
-      case FieldType::kCalculated:
+      case ValueForm::kNumberText:
+      case ValueForm::kResult:
         return "numeric";
-      case FieldType::kCheckBox:
+      case ValueForm::kFlag:
         return "boolean";
-      case FieldType::kDate:
+      case ValueForm::kDays:
         return "date";
-      case FieldType::kTime:
+      case ValueForm::kClock:
         return "time";
-      default:
-        return "text";
+      case ValueForm::kNone:
+      case ValueForm::kText:
+      case ValueForm::kNote:
+      case ValueForm::kPopupKey:
+      case ValueForm::kLink:
+      case ValueForm::kLookup:
+      case ValueForm::kBlock:
+        break;
     }
+    return "text";
   }
 
   // Whether the cell is a value of its column's type to every database. Our calendar has a 29

@@ -16,16 +16,17 @@ namespace {
 
 // By the kind of the result; kinds that there are not have no order.
 SortKind kindOfResult(const FieldDefinition& field) {
-  switch (effectiveType(field)) {
-    case FieldType::kFloat:
+  switch (resultMeaning(field)) {
+    case ResultMeaning::kNumber:
       return SortKind::kReal;
-    case FieldType::kInteger:
-    case FieldType::kTime:
-    case FieldType::kDate:
+    case ResultMeaning::kWholeNumber:
+    case ResultMeaning::kDuration:
+    case ResultMeaning::kDate:
       return SortKind::kNumber;
-    default:
-      return SortKind::kAlwaysEqual;
+    case ResultMeaning::kUnknown:
+      break;
   }
+  return SortKind::kAlwaysEqual;
 }
 
 SortKind kindOf(const FieldDefinition& field) {

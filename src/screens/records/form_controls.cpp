@@ -2,17 +2,13 @@
 
 #include <algorithm>
 
-#include "engine/field_types.h"
+#include "engine/schema_places.h"
 
 namespace tabelion {
 namespace {
 
 constexpr std::size_t kButtonCharacters = 10;
-
-bool isText(FieldType type) {
-  return type == FieldType::kText || type == FieldType::kLongText ||
-         type == FieldType::kTextVariant || type == FieldType::kText254 || type == FieldType::kNote;
-}
+constexpr int kLongestInteger = 11;  // the sign and the digits of 32 bits
 
 bool hasLineBreak(const std::u16string& text) {
   return text.find_first_of(u"\n\r") != std::u16string::npos;
@@ -21,60 +17,93 @@ bool hasLineBreak(const std::u16string& text) {
 }  // namespace
 
 ControlKind FormControlKind(FieldType type, const std::u16string& text) {
-  switch (type) {
-    case FieldType::kPopup:
-      return ControlKind::kChoice;
-    case FieldType::kCheckBox:
-      return ControlKind::kCheckBox;
-    case FieldType::kNote:
+  switch (traitsOf(type).form) {
+    case ValueForm::kText:
+      return hasLineBreak(text) ? ControlKind::kButton : ControlKind::kEdit;
+    case ValueForm::kNote:
       return ControlKind::kButton;
-    case FieldType::kExternal:
+    case ValueForm::kPopupKey:
+      return ControlKind::kChoice;
+    case ValueForm::kFlag:
+      return ControlKind::kCheckBox;
+    case ValueForm::kBlock:
       return ControlKind::kLabel;
-    default:
-      return isText(type) && hasLineBreak(text) ? ControlKind::kButton : ControlKind::kEdit;
+    case ValueForm::kNone:
+    case ValueForm::kNumberText:
+    case ValueForm::kResult:
+    case ValueForm::kInteger:
+    case ValueForm::kKey:
+    case ValueForm::kDays:
+    case ValueForm::kClock:
+    case ValueForm::kLink:
+    case ValueForm::kLookup:
+      break;
   }
+  return ControlKind::kEdit;
 }
 
 bool IsShownOnly(FieldType type) {
-  return type == FieldType::kAutoNumber || type == FieldType::kCalculated ||
-         type == FieldType::kLookup || type == FieldType::kLinkedField ||
-         type == FieldType::kLinkField || type == FieldType::kExternal;
+  const FieldTypeTraits traits = traitsOf(type);
+  if (traits.form == ValueForm::kLink || traits.form == ValueForm::kBlock) return true;
+  switch (traits.source) {
+    case ValueSource::kCounter:
+    case ValueSource::kFormula:
+    case ValueSource::kOtherDatabase:
+      return true;
+    case ValueSource::kPerson:
+    case ValueSource::kNobody:
+      break;
+  }
+  return false;
 }
 
 Picture FormIconPicture(FieldType type) {
-  switch (type) {
-    case FieldType::kInteger:
-    case FieldType::kFloat:
+  switch (traitsOf(type).form) {
+    case ValueForm::kInteger:
+    case ValueForm::kNumberText:
       return Picture::kFieldNumber;
-    case FieldType::kPopup:
+    case ValueForm::kPopupKey:
       return Picture::kFieldPopup;
-    case FieldType::kDate:
+    case ValueForm::kDays:
       return Picture::kFieldDate;
-    case FieldType::kTime:
+    case ValueForm::kClock:
       return Picture::kFieldTime;
-    default:
-      return Picture::kFieldText;
+    case ValueForm::kNone:
+    case ValueForm::kText:
+    case ValueForm::kNote:
+    case ValueForm::kResult:
+    case ValueForm::kKey:
+    case ValueForm::kFlag:
+    case ValueForm::kLink:
+    case ValueForm::kLookup:
+    case ValueForm::kBlock:
+      break;
   }
+  return Picture::kFieldText;
 }
 
 int MaxTypedLength(const FieldDefinition& field) {
-  switch (field.type) {
-    case FieldType::kText:
-    case FieldType::kTextVariant:
-      return std::max(1, field.width);
-    case FieldType::kLongText:
-      return static_cast<int>(kLongTextSize) - 1;
-    case FieldType::kText254:
-      return static_cast<int>(kText254Size) - 1;
-    case FieldType::kNote:
-      return static_cast<int>(kNoteSize) - 1;
-    case FieldType::kFloat:
-      return static_cast<int>(kNumberTextSize) - 1;
-    case FieldType::kInteger:
-      return 11;
-    default:
-      return 0;
+  const FieldTypeTraits traits = traitsOf(field.type);
+  switch (traits.form) {
+    case ValueForm::kText:
+    case ValueForm::kNote:
+    case ValueForm::kNumberText:
+      return std::max(1, static_cast<int>(fieldValueSize(field)) - 1);  // a NUL closes the text
+    case ValueForm::kInteger:
+      return traits.source == ValueSource::kPerson ? kLongestInteger : 0;
+    case ValueForm::kNone:
+    case ValueForm::kResult:
+    case ValueForm::kKey:
+    case ValueForm::kPopupKey:
+    case ValueForm::kFlag:
+    case ValueForm::kDays:
+    case ValueForm::kClock:
+    case ValueForm::kLink:
+    case ValueForm::kLookup:
+    case ValueForm::kBlock:
+      break;
   }
+  return 0;
 }
 
 std::u16string ButtonText(const std::u16string& text) {

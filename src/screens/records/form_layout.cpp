@@ -47,9 +47,16 @@ RowShape shapeOf(FieldType type) {
     case FieldType::kLinkField:
     case FieldType::kLookup:
       return {1, 3, 24, Top::kValue, 24, Top::kValue2, false, 26};
-    default:  // texts and numbers
-      return {9, 12, 16, Top::kLabel, 22, Top::kValue, true, 24};
+    case FieldType::kUnused:
+    case FieldType::kText:
+    case FieldType::kInteger:
+    case FieldType::kFloat:
+    case FieldType::kLongText:
+    case FieldType::kSeparator:
+    case FieldType::kTextVariant:
+      break;
   }
+  return {9, 12, 16, Top::kLabel, 22, Top::kValue, true, 24};
 }
 
 struct RunningTops {
