@@ -1,6 +1,7 @@
 // The one place that puts numbers into bytes and takes them out again. The byte order is in the
 // name of every call; numbers in headers, record lists and schema records are big-endian (Be),
-// values inside data records little-endian (Le).
+// values inside data records little-endian (Le). Nothing else in the house shifts bytes or lays a
+// structure over them, so the program reads the same files on every machine.
 #pragma once
 
 #include <array>
@@ -14,10 +15,13 @@
 
 namespace tabelion {
 
+// Bytes that are owned, and bytes that lie with somebody else: a view is good as long as its owner
+// neither changes nor goes, which for a record's bytes means until the record is replaced.
 using Bytes = std::vector<std::uint8_t>;
 using ByteView = std::span<const std::uint8_t>;
 
-// Loads and stores at a place whose room the caller has checked.
+// Loads and stores at a place whose room the caller has checked. What is too large for its bytes
+// loses its high ones.
 inline std::uint16_t loadLe16(const std::uint8_t* at) {
   return static_cast<std::uint16_t>(at[0] | at[1] << 8);
 }
@@ -58,6 +62,7 @@ class ByteReader {
   explicit ByteReader(ByteView bytes) : bytes_(bytes) {}
 
   bool ok() const { return ok_; }
+  // How far it has come, in bytes from the front; after a failed read, the end.
   std::size_t position() const { return position_; }
   std::size_t remaining() const { return bytes_.size() - position_; }
   ByteView rest() const { return bytes_.subspan(position_); }
@@ -78,6 +83,7 @@ class ByteReader {
     const std::uint8_t* at = take(2);
     return at ? loadLe16(at) : std::uint16_t{0};
   }
+  // As many as `into` has; when there are fewer it keeps what it held.
   void readBytes(std::span<std::uint8_t> into) {
     if (const std::uint8_t* at = take(into.size()); at && !into.empty()) {
       std::memcpy(into.data(), at, into.size());
@@ -101,7 +107,8 @@ class ByteReader {
   bool ok_ = true;
 };
 
-// Appends to a vector that the caller owns.
+// Appends to a vector that the caller owns and that outlives the writer. A number is cut to the
+// bytes that the call names; memory alone bounds how much can be put.
 class ByteWriter {
  public:
   explicit ByteWriter(Bytes& into) : into_(into) {}
@@ -147,7 +154,8 @@ inline std::string areaText(ByteView area) {
   return std::string(textUntilNul(area));
 }
 
-// False, and nothing changed, when the text and its NUL do not fit.
+// Puts the text and zeros behind it. False, and nothing changed, when the text and its NUL do not
+// fit or when the text holds a NUL.
 inline bool setAreaText(std::span<std::uint8_t> area, std::string_view text) {
   if (text.size() >= area.size() || text.find('\0') != std::string_view::npos) return false;
   std::memset(area.data(), 0, area.size());

@@ -29,9 +29,11 @@ struct ExtensionRecord {
   std::uint32_t offset = 0;
 };
 
+// In bytes, as written: 28 and 16 for each entry, and the surplus.
 std::size_t extensionRecordLength(const ExtensionRecord& extension);
 void writeExtensionRecord(const ExtensionRecord& extension, RecordIO& to);
-// False when the entry count does not fit the bytes.
+// False when the entry count does not fit the bytes; `extension` then has what came before the
+// entries. A record of another type byte is true: its bytes are in `ignored`.
 [[nodiscard]] bool readExtensionRecord(ByteView record, ExtensionRecord& extension);
 
 }  // namespace tabelion

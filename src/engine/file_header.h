@@ -49,7 +49,7 @@ struct FileHeader {
   std::uint16_t record_count = 0;  // data records + 102
 };
 
-// Probe results.
+// What a probe of a file says, in the numbers that the system has for it.
 inline constexpr int kProbeAccepted = 1;
 inline constexpr int kProbeCannotOpen = 0;
 inline constexpr int kProbeWrongCreator = -1;

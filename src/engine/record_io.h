@@ -19,20 +19,25 @@ class RecordIO {
  public:
   virtual ~RecordIO() = default;
 
-  // Writing. endRecord hands the buffered bytes to writeBuffered and starts the next record.
+  // Writing. Nothing is bounded here: a record that is longer than the format allows is refused
+  // where it is stored (RecordStore), not cut. endRecord hands the buffered bytes to writeBuffered
+  // and starts the next record.
   void putByte(std::uint32_t value) { ByteWriter(buffer_).putByte(value); }
   void putBytes(ByteView bytes) { ByteWriter(buffer_).putBytes(bytes); }
   void putBe16(std::uint32_t value) { ByteWriter(buffer_).putBe16(value); }
   void putBe32(std::uint32_t value) { ByteWriter(buffer_).putBe32(value); }
   void putLe16(std::uint32_t value) { ByteWriter(buffer_).putLe16(value); }
+  // 1 when all of the record was written; 0 is the base class's answer, which writes nowhere.
   int endRecord(std::uint8_t attributes, const UniqueId& unique_id);
 
   // Reading. nextRecord makes the next record the current one, enters it into the attached map
   // under the running record counter, and returns 1; 0 when there is none or it cannot be read.
   int nextRecord(std::uint8_t& attributes, UniqueId& unique_id);
+  // The current record's bytes: a view into the file, good until the next call of nextRecord.
   ByteView record() const { return record_; }
   std::int8_t getByte();  // of the current record; 0 past its end
 
+  // `map` is not owned and must outlive the reading; null detaches it.
   void attachMap(UIDMap* map) { map_ = map; }
   int recordsRead() const { return counter_; }
 

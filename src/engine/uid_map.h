@@ -1,4 +1,9 @@
 // Maps unique record IDs to record indexes while and after a file is read.
+//
+// IDs come from the file, where nothing keeps them unique: any number of records may have the same
+// one, 0 above all, and the first that was added is the one that is found. An index is a place in
+// the record list of the file as it was read (0 is the database record); it does not follow
+// records that are inserted, moved or removed later.
 #pragma once
 
 #include <array>
@@ -17,13 +22,15 @@ inline std::uint32_t uniqueIdNumber(const UniqueId& id) {
 
 class UIDMap {
  public:
+  // Pairs take 8 bytes each; `reserve` makes room for that many without filling it.
   void clear() { pairs_.clear(); }
   void reserve(std::size_t count) { pairs_.reserve(count); }
   void add(const UniqueId& id, std::uint32_t index) {
     pairs_.push_back({uniqueIdNumber(id), index});
     sorted_ = false;
   }
-  // The index that was added first for this ID. Sorts the pairs when any was added since.
+  // The index that was added first for this ID, none when it was never added. Sorts the pairs when
+  // any was added since, so the first call after a file was read costs as much as a sort.
   std::optional<std::uint32_t> find(const UniqueId& id);
   std::size_t size() const { return pairs_.size(); }
 

@@ -1,4 +1,7 @@
 // Everything that the program is handed at its start, as one bundle of references.
+//
+// main() builds the implementations and owns them; they outlive everything that is handed the
+// bundle. A test hands over its own, most of them in memory. All calls come from one thread.
 #pragma once
 
 #include <string>
@@ -19,7 +22,9 @@ struct Platform {
   Settings& settings;
   Dialogs& dialogs;
   Instance& instance;
-  std::string samples_folder;  // sample databases to offer; may not exist
+  // UTF-8; the sample databases to offer lie in it. Empty, or of a folder that does not exist,
+  // where there are none.
+  std::string samples_folder;
 };
 
 }  // namespace tabelion
