@@ -7,7 +7,7 @@
 #include "cli/context.h"
 #include "cli/json_output.h"
 #include "interchange/words/filter_words.h"
-#include "query/record_index.h"
+#include "query/recompute.h"
 
 namespace tabelion {
 namespace {

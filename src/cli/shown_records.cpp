@@ -5,6 +5,7 @@
 #include "interchange/words/filter_words.h"
 #include "interchange/words/sort_choice.h"
 #include "interchange/words/view_choice.h"
+#include "query/recompute.h"
 #include "query/record_index.h"
 #include "query/view.h"
 

@@ -69,6 +69,13 @@ std::vector<int> slotsInOrderOfUse(const DatabaseRecord& schema) {
   return slots;
 }
 
+// Of these, the ones whose values come from other records too.
+std::vector<int> runningSlots(const Database& database) {
+  std::vector<int> slots = slotsInOrderOfUse(database.schema);
+  std::erase_if(slots, [&](int slot) { return !usesOtherRecords(database, slot); });
+  return slots;
+}
+
 bool isOfOtherFields(FieldType type) {
   return type == FieldType::kCalculated || type == FieldType::kText254;
 }
@@ -81,11 +88,12 @@ bool sortUsesOtherFields(const DatabaseRecord& schema) {
 
 enum class RecordsMeant : std::uint8_t { kAll, kWithinFilter };
 
-// The records from `first` on.
-RecomputeSummary recomputeFrom(Database& database, std::uint32_t first, RecordsMeant meant,
+// These fields of the records from `first` on.
+RecomputeSummary recomputeFrom(Database& database, const std::vector<int>& slots,
+                               std::uint32_t first, RecordsMeant meant,
                                const QuerySettings& settings, const CorruptFormula& corrupt) {
   RecomputeSummary summary;
-  Calculator calculator(database, slotsInOrderOfUse(database.schema), settings);
+  Calculator calculator(database, slots, settings);
   if (calculator.isEmpty()) return summary;
   findPrevious(database, first, settings, calculator);
   const RecordFilter filter(database, settings);
@@ -156,18 +164,29 @@ RecomputeSummary recomputeAll(Database& database, const QuerySettings& settings,
     sortRecords(database, settings.formats);
     schema.sort_pending = 0;
   }
-  const RecomputeSummary summary =
-      recomputeFrom(database, 0, RecordsMeant::kWithinFilter, settings, corrupt);
+  RecomputeSummary summary = recomputeFrom(database, slotsInOrderOfUse(schema), 0,
+                                           RecordsMeant::kWithinFilter, settings, corrupt);
   if (schema.sort_pending != 0) {
     sortRecords(database, settings.formats);
     schema.sort_pending = 0;
+    // Totals belong to the order that stands.
+    const RecomputeSummary again = recomputeDependents(database, settings);
+    summary.records = std::max(summary.records, again.records);
+    summary.values += again.values;
   }
   return summary;
 }
 
+RecomputeSummary recomputeDependents(Database& database, const QuerySettings& settings,
+                                     const CorruptFormula& corrupt) {
+  return recomputeFrom(database, runningSlots(database), 0, RecordsMeant::kWithinFilter, settings,
+                       corrupt);
+}
+
 RecomputeSummary recomputeAdded(Database& database, std::uint32_t first,
                                 const QuerySettings& settings, const CorruptFormula& corrupt) {
-  return recomputeFrom(database, first, RecordsMeant::kAll, settings, corrupt);
+  return recomputeFrom(database, slotsInOrderOfUse(database.schema), first, RecordsMeant::kAll,
+                       settings, corrupt);
 }
 
 }  // namespace tabelion

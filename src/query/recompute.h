@@ -44,9 +44,16 @@ struct RecomputeSummary {
 // Has a part in keeping the order: when a sort level uses a field of type 15 or 17, the order is
 // stale afterwards and the records are sorted at the end. Otherwise, when the sort-pending flag
 // says that the order is stale already, they are sorted first: values of the previous record are
-// those of the record that will be shown before. The flag is off in the end.
+// those of the record that will be shown before. The flag is off in the end. Running totals are
+// those of the order in the end.
 RecomputeSummary recomputeAll(Database& database, const QuerySettings& settings,
                               const CorruptFormula& corrupt = {});
+
+// The calculated fields whose values come from other records too (running totals), of every record
+// that passes the filter, for the order that stands. Needed whenever records came, went or moved,
+// or the filter changed; costs nothing in a database that has no such field. Never sorts.
+RecomputeSummary recomputeDependents(Database& database, const QuerySettings& settings,
+                                     const CorruptFormula& corrupt = {});
 
 // Every calculated field of the records from `first` on, which were just added, whether they pass
 // the filter or not. Leaves the order to recomputeAll.

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "engine/schema_places.h"
-#include "query/record_index.h"
 #include "query/sort.h"
 
 namespace tabelion {
@@ -62,8 +61,8 @@ std::uint32_t storeRecord(Database& database, Engine& engine, std::uint32_t posi
     if (!database.records.replace(position, packed)) return kNoPosition;
     setDirty(database);
   }
-  std::uint32_t place = replaceInOrder(database, position, settings.formats);
-  recomputeDependents(database, settings, &place);
+  const std::uint32_t place = replaceInOrder(database, position, settings.formats);
+  recomputeDependents(database, settings);
   return place;
 }
 

@@ -1,8 +1,9 @@
 // Storing, adding and deleting records the way a form does: completed, calculated, in their place.
 //
-// None of these asks for access rights; callers do. Each leaves calculated fields of all records
-// right and marks the database dirty; the list of records shown (Database::record_index) is the
-// caller's to refresh.
+// None of these asks for access rights; callers do. Each leaves running totals of all records right
+// for the order that stands, and marks the database dirty. The order of the other records stays:
+// the one that is stored is put in its place among them. The list of records shown
+// (Database::record_index) is the caller's to refresh.
 #pragma once
 
 #include <cstdint>

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "query/formula.h"
 #include "query/recompute.h"
 #include "query/sort.h"
 
@@ -13,7 +12,7 @@ namespace {
 // No record lies there: files end before it.
 constexpr std::uint32_t kMarkOffset = 0xFFFFFFFFu;
 
-// Keeps an eye on one record while others sort and change them all. What a record has beside its
+// Keeps an eye on one record while all are sorted. What a record has beside its
 // bytes stays with it, so that its offset in the file can be its mark meanwhile.
 class FollowedRecord {
  public:
@@ -37,16 +36,6 @@ class FollowedRecord {
   std::uint32_t offset_ = 0;
 };
 
-bool hasDependents(const Database& database) {
-  for (int slot = 0; slot < kFieldSlots; ++slot) {
-    if (database.schema.fields[static_cast<std::size_t>(slot)].type == FieldType::kCalculated &&
-        usesOtherRecords(database, slot)) {
-      return true;
-    }
-  }
-  return false;
-}
-
 }  // namespace
 
 void refreshRecordIndex(Database& database, const QuerySettings& settings, const LinkFilter* link,
@@ -62,16 +51,8 @@ void refreshRecordIndex(Database& database, const QuerySettings& settings, const
 void sortAndRecompute(Database& database, const QuerySettings& settings, std::uint32_t* followed) {
   FollowedRecord record(database.records, followed);
   sortRecords(database, settings.formats);
+  record.find();
   recomputeDependents(database, settings);
-  record.find();
-}
-
-void recomputeDependents(Database& database, const QuerySettings& settings,
-                         std::uint32_t* followed) {
-  if (!hasDependents(database)) return;
-  FollowedRecord record(database.records, followed);
-  recomputeAll(database, settings);
-  record.find();
 }
 
 }  // namespace tabelion

@@ -19,10 +19,4 @@ void refreshRecordIndex(Database& database, const QuerySettings& settings,
 void sortAndRecompute(Database& database, const QuerySettings& settings,
                       std::uint32_t* followed = nullptr);
 
-// Works out calculated fields again whose values come from other records too (running totals).
-// Needed whenever records came, went or moved, or the filter changed; costs nothing in a database
-// that has no such field. May sort, see recomputeAll.
-void recomputeDependents(Database& database, const QuerySettings& settings,
-                         std::uint32_t* followed = nullptr);
-
 }  // namespace tabelion

@@ -4,7 +4,9 @@
 #include <bitset>
 
 #include "query/filter.h"
+#include "query/recompute.h"
 #include "query/record_index.h"
+#include "query/sort.h"
 #include "query/text_cut.h"
 
 namespace tabelion {
@@ -187,8 +189,11 @@ ViewChange chooseView(Database& database, int view) {
 ViewChange applyView(Database& database, int view, const QuerySettings& settings) {
   ViewChange change = chooseView(database, view);
   if (!change.sort_changed && !change.filter_changed) return change;
-  if (change.sort_changed) database.schema.sort_pending = 1;
-  if (change.filter_changed) recomputeDependents(database, settings);
+  if (change.sort_changed) {
+    sortRecords(database, settings.formats);
+    database.schema.sort_pending = 0;
+  }
+  recomputeDependents(database, settings);
   refreshRecordIndex(database, settings);
   database.needs_refresh = true;
   return change;

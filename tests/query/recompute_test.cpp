@@ -202,6 +202,14 @@ TEST(Recompute, StaleOrderIsPutRightBeforeOrAfter) {
       << "sorted afterwards by what came out";
   EXPECT_EQ(account.database.schema.sort_pending, 0);
 
+  // Totals are those of the order in the end, not of the one that they were worked out in first.
+  const int total = account.world.addFormula({previousOf(2), fieldOf(0), op(2)}, 1);
+  account.world.setFormula(account.balance, {fieldOf(0)}, 1);
+  account.database.schema.sort[0].order = 0;
+  recomputeAll(account.database, account.settings);
+  EXPECT_EQ(account.balances(), (std::vector<std::string>{"30", "20", "10"}));
+  EXPECT_EQ(account.world.stored(2, total), "60");
+
   Books plain;
   plain.world.addField(FieldType::kInteger);
   plain.database.schema.sort_pending = 1;

@@ -5,6 +5,8 @@
 #include "query/filter.h"
 #include "query/formula_fixtures.h"
 #include "query/record_index.h"
+#include "query/sort.h"
+#include "query/view.h"
 #include "support/fake_clock.h"
 #include "support/memory_files.h"
 
@@ -75,23 +77,80 @@ TEST(RecordChange, AStaleOrderIsMendedAndTheCurrentRecordFollowed) {
   EXPECT_EQ(ledger.database.schema.sort_pending, 0);
 }
 
-// Equal records change places in a sort, and the sort level here is worked out after it.
-TEST(RecordChange, ARecordIsFollowedThroughSortsByCalculatedFields) {
-  Ledger ledger;
-  ledger.world.setFormula(ledger.twice, {constant(0), fieldOf(ledger.day), op(1)}, 1, {"2"});
-  ledger.database.schema.sort[0].field = static_cast<std::uint8_t>(ledger.twice);
-  const auto amountAt = [&](std::uint32_t place) {
-    return loadLe32(slotValue(ledger.database.records[place].bytes(), ledger.amount)->data());
-  };
-  for (int amount = 1; amount <= 12; ++amount) {
-    EXPECT_EQ(amountAt(ledger.store(kNoPosition, 7, amount)), static_cast<std::uint32_t>(amount));
+// Equal records change places in a sort, and the sort level here is worked out itself.
+struct SortedByResult : Ledger {
+  SortedByResult() {
+    world.setFormula(twice, {constant(0), fieldOf(day), op(1)}, 1, {"2"});
+    database.schema.sort[0].field = static_cast<std::uint8_t>(twice);
   }
+  std::vector<std::uint32_t> amounts() const {
+    std::vector<std::uint32_t> amounts;
+    for (const Record& record : database.records) {
+      amounts.push_back(loadLe32(slotValue(record.bytes(), amount)->data()));
+    }
+    return amounts;
+  }
+  void expectTotalsOfTheOrder() const {
+    std::uint32_t sum = 0;
+    Texts sums;
+    for (const std::uint32_t each : amounts()) sums.push_back(std::to_string(sum += each));
+    EXPECT_EQ(column(balance), sums);
+  }
+};
+
+TEST(RecordChange, ASavedRecordMovesAloneAndTotalsFollowTheOrder) {
+  SortedByResult ledger;
+  std::vector<std::uint32_t> expected;
+  for (int amount = 1; amount <= 12; ++amount) {
+    ledger.store(kNoPosition, 7, amount);
+    expected.push_back(static_cast<std::uint32_t>(amount));
+  }
+  EXPECT_EQ(ledger.amounts(), expected) << "each behind those that it equals";
+  EXPECT_EQ(ledger.store(3, 7, 100), 11u);
+  expected.erase(expected.begin() + 3);
+  expected.push_back(100);
+  EXPECT_EQ(ledger.amounts(), expected);
+  ledger.expectTotalsOfTheOrder();
+  deleteRecords(ledger.database, {5, 0}, ledger.settings);
+  expected.erase(expected.begin() + 5);
+  expected.erase(expected.begin());
+  EXPECT_EQ(ledger.amounts(), expected);
+  ledger.expectTotalsOfTheOrder();
+}
+
+TEST(RecordChange, AChosenViewSortsOnceAndTotalsFollowTheOrder) {
+  SortedByResult ledger;
+  for (std::uint32_t i = 0; i < 16; ++i) {
+    ledger.store(kNoPosition, static_cast<int>(i % 3), static_cast<int>(i + 1));
+  }
+  addView(ledger.database);
+  View& view = ledger.database.schema.views[0];
+  view.sort[0].order = 0;
+  view.filters[0].enabled = 1;
+  view.filters[0].field = static_cast<std::uint16_t>(ledger.day);
+  Ledger once;  // sorted a single time, by the same order
+  for (const Record& record : ledger.database.records) {
+    once.database.records.insert(once.database.records.count(), record.bytes(), {});
+  }
+  once.database.schema = ledger.database.schema;
+  once.database.schema.sort = view.sort;
+  sortRecords(once.database, once.settings.formats);
+
+  applyView(ledger.database, 0, ledger.settings);
+  ledger.expectTotalsOfTheOrder();
+  EXPECT_EQ(ledger.column(ledger.amount), once.column(once.amount));
+  EXPECT_EQ(ledger.database.schema.sort_pending, 0);
+}
+
+TEST(RecordChange, ARecordIsFollowedThroughASort) {
+  SortedByResult ledger;
+  for (int amount = 1; amount <= 12; ++amount) ledger.store(kNoPosition, 7, amount);
   for (std::uint32_t start = 0; start < 12; ++start) {
     std::uint32_t current = start;
-    const std::uint32_t amount = amountAt(start);
+    const std::uint32_t amount = ledger.amounts()[start];
     ledger.database.schema.sort_pending = 1;
     refreshRecordIndex(ledger.database, ledger.settings, nullptr, &current);
-    EXPECT_EQ(amountAt(current), amount) << start;
+    EXPECT_EQ(ledger.amounts()[current], amount) << start;
   }
 }
 
