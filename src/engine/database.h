@@ -69,6 +69,7 @@ struct Database {
   UIDMap unique_ids;
   std::vector<std::uint32_t> record_index;  // positions of the records shown, in order
   bool dirty = false;
+  std::uint64_t times_marked_dirty = 0;  // so that nobody's change goes by another unseen
 };
 
 inline bool isDirty(const Database& database) {
@@ -76,6 +77,7 @@ inline bool isDirty(const Database& database) {
 }
 inline void setDirty(Database& database) {
   database.dirty = true;
+  ++database.times_marked_dirty;
 }
 inline void clearDirty(Database& database) {
   database.dirty = false;

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -52,6 +53,8 @@ class Record {
     return true;
   }
   std::uint32_t length() const { return length_; }
+  // Bytes that this record holds in memory beside the image of the file.
+  std::size_t ownSize() const { return owned_ ? length_ : 0; }
 
   std::uint32_t offset = 0;  // in the file, computed at the last save
   UniqueId unique_id{};
@@ -77,10 +80,31 @@ static_assert(sizeof(Record) == 24);
 
 inline constexpr std::uint32_t kNoPosition = 0xFFFFFFFFu;
 
+// Is told of every change that a RecordStore makes, right after it, with what it takes to take the
+// change back. Not told: what a file brings, and clear().
+class RecordWatcher {
+ public:
+  virtual ~RecordWatcher() = default;
+  virtual void onReplaced(std::uint32_t position, Record old) = 0;
+  virtual void onInserted(std::uint32_t position) = 0;
+  // By rising position, as they stood before the first was taken out.
+  virtual void onRemoved(std::vector<std::uint32_t> positions, std::vector<Record> records) = 0;
+  virtual void onMoved(std::uint32_t from, std::uint32_t to) = 0;
+  // order[i]: where the record that stands at i now stood before.
+  virtual void onRearranged(std::span<const std::uint32_t> order) = 0;
+};
+
 class RecordStore {
  public:
   static constexpr std::size_t kCacheLine = 64;
   static constexpr std::size_t kNearLines = 2;  // what a record begins with
+
+  // At most one, which must outlive its watching; null for none.
+  void setWatcher(RecordWatcher* watcher) { watcher_ = watcher; }
+  RecordWatcher* watcher() const { return watcher_; }
+  // Differs whenever records came, went or changed places since it was asked last: positions that
+  // were noted then may mean other records now.
+  std::uint64_t arrangement() const { return arrangement_; }
 
   std::uint32_t count() const { return static_cast<std::uint32_t>(records_.size()); }
   bool isFull() const { return records_.size() >= kMaxRecords; }
@@ -127,17 +151,28 @@ class RecordStore {
   [[nodiscard]] bool replaceFront(std::uint32_t position, std::size_t old_size, ByteView bytes);
   // Takes the record out and puts it back so that it stands at `to`.
   void move(std::uint32_t from, std::uint32_t to);
-  void remove(std::uint32_t position);
-  // Removes every record for which the mark is set; marks has count() entries.
-  void removeMarked(const std::vector<bool>& marks);
+  void remove(std::uint32_t position) { removeAll({position}); }
+  // Removes the records at these positions: rising, each once.
+  void removeAll(std::vector<std::uint32_t> positions);
+  // Puts the records into another order: the one from position order[i] will stand at i. `order`
+  // has every position once.
+  void rearrange(std::span<const std::uint32_t> order);
   void clear();
 
-  // For sorting in place.
+  // The two halves of a removal that can be taken back; the watcher is not told of them. Positions
+  // are rising, each once; in insertAll those where the records stand in the end, and the caller
+  // knows that there is room.
+  std::vector<Record> takeAll(std::span<const std::uint32_t> positions);
+  void insertAll(std::span<const std::uint32_t> positions, std::vector<Record> records);
+
+  // For numbering all records; their bytes and places are changed by the calls above alone.
   std::vector<Record>& records() { return records_; }
 
  private:
   std::vector<Record> records_;
   FileImage image_;
+  RecordWatcher* watcher_ = nullptr;
+  std::uint64_t arrangement_ = 0;
 };
 
 }  // namespace tabelion

@@ -66,12 +66,12 @@ std::uint32_t storeRecord(Database& database, Engine& engine, std::uint32_t posi
   return place;
 }
 
-void deleteRecords(Database& database, const std::vector<std::uint32_t>& positions,
+void deleteRecords(Database& database, std::vector<std::uint32_t> positions,
                    const QuerySettings& settings) {
-  std::vector<bool> marks(database.records.count());
-  for (const std::uint32_t position : positions) marks[position] = true;
-  database.records.removeMarked(marks);
-  if (!positions.empty()) setDirty(database);
+  if (positions.empty()) return;
+  std::sort(positions.begin(), positions.end());
+  database.records.removeAll(std::move(positions));
+  setDirty(database);
   recomputeDependents(database, settings);
 }
 

@@ -30,7 +30,7 @@ std::uint32_t storeRecord(Database& database, Engine& engine, std::uint32_t posi
                           const CorruptFormula& corrupt = {});
 
 // Deletes the records at these positions (any order, each once).
-void deleteRecords(Database& database, const std::vector<std::uint32_t>& positions,
+void deleteRecords(Database& database, std::vector<std::uint32_t> positions,
                    const QuerySettings& settings);
 
 // Which records a group deletion takes.

@@ -77,12 +77,10 @@ std::vector<SortElement> elementsOf(const RecordStore& records) {
 
 // The elements' records in their order.
 void arrange(RecordStore& records, const std::vector<SortElement>& elements) {
-  std::vector<Record> arranged;
-  arranged.reserve(elements.size());
-  for (const SortElement& element : elements) {
-    arranged.push_back(std::move(records[element.position]));
-  }
-  records.records() = std::move(arranged);
+  std::vector<std::uint32_t> order;
+  order.reserve(elements.size());
+  for (const SortElement& element : elements) order.push_back(element.position);
+  records.rearrange(order);
 }
 
 bool hasLevels(const DatabaseRecord& schema) {

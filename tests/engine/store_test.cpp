@@ -66,8 +66,10 @@ TEST_F(Store, RecordsKeepTheirIdentityWhenMovedReplacedAndRemoved) {
   EXPECT_EQ(store.insert(1, Bytes{0, 0xFF, 0xFF}, {9, 0, 0}), 1u);
   EXPECT_EQ(order(), "0912345");
   store.remove(0);
-  store.removeMarked({false, true, false, true, false, true});
+  store.removeAll({1, 3, 5});
   EXPECT_EQ(order(), "924");
+  store.rearrange(std::vector<std::uint32_t>{2, 0, 1});
+  EXPECT_EQ(order(), "492");
 }
 
 TEST_F(Store, The65001stRecordIsRefused) {
