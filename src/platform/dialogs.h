@@ -183,7 +183,9 @@ enum class Key {
   kPageUp,
   kPageDown,
   kHome,
-  kEnd
+  kEnd,
+  kUndo,  // in a box where something was typed they are the box's own
+  kRedo,
 };
 
 struct KeyPress {

@@ -17,6 +17,7 @@ class KeysTest : public QObject {
   void focusGoesThroughEveryUsableControl();
   void refusedCharactersDoNotAppear();
   void untouchedTextComesBackAsItWasSet();
+  void undoIsTheBoxesWhileSomethingWasTypedThere();
   void steppersStepOpenAndTakeDigits();
 };
 
@@ -225,6 +226,49 @@ void KeysTest::refusedCharactersDoNotAppear() {
   }
   script.key(Qt::Key_F1);
   script.run(formOf({line, box}), handler);
+}
+
+void KeysTest::undoIsTheBoxesWhileSomethingWasTypedThere() {
+  QtDialogs dialogs({{240, 320}, 1});
+  RecordingHandler handler;
+  endOnDone(handler);
+  std::vector<Key> told;
+  handler.key = [&](const KeyPress& press) {
+    if (press.key == Key::kUndo || press.key == Key::kRedo) told.push_back(press.key);
+    return false;
+  };
+  Script script(dialogs);
+  const auto chord = [&script](int key, Qt::KeyboardModifiers modifiers = Qt::ControlModifier) {
+    script.then([&script, key, modifiers] { script.press(static_cast<Qt::Key>(key), modifiers); });
+  };
+  for (const int id : {1, 2}) {
+    const auto check = [&, id](const std::u16string& text, std::vector<Key> keys) {
+      script.then([&script, &told, id, text, keys] {
+        QCOMPARE(script.screen()->control(id).text(), text);
+        QCOMPARE(told, keys);
+      });
+    };
+    script.then([&script, &told, id] {
+      script.screen()->control(id).focus();
+      told.clear();
+    });
+    script.type("ab");
+    chord(Qt::Key_Z);
+    check(u"set", {});
+    chord(Qt::Key_Y);
+    check(u"abset", {});
+    chord(Qt::Key_Z);
+    chord(Qt::Key_Z);
+    check(u"set", {Key::kUndo});
+    chord(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    chord(Qt::Key_Y);
+    check(u"abset", {Key::kUndo, Key::kRedo});
+  }
+  script.key(Qt::Key_F1);
+  ControlTemplate line = makeControlTemplate(1, ControlKind::kEdit, {0, 0, 200, 22});
+  ControlTemplate box = makeControlTemplate(2, ControlKind::kMultiEdit, {0, 40, 200, 60});
+  line.text = box.text = u"set";
+  QCOMPARE(script.run(formOf({line, box}), handler), kDone);
 }
 
 void KeysTest::untouchedTextComesBackAsItWasSet() {

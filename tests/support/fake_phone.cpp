@@ -178,8 +178,17 @@ void FakeDialog::focusNeighbour(int step) {
 
 bool FakeDialog::pressInEdit(FakeControl& edit, Key key, char32_t character) {
   if (key == Key::kLeft || key == Key::kRight || key == Key::kHome || key == Key::kEnd) return true;
+  std::vector<std::u16string> before = edit.before_typing;
+  if (key == Key::kUndo && !before.empty()) {
+    edit.setText(before.back());
+    before.pop_back();
+    edit.before_typing = std::move(before);
+    handler.onNotice(*this, edit.face.id, Notice::kEdited);
+    return true;
+  }
   if (key != Key::kCharacter && key != Key::kBack) return false;
   if (edit.face.read_only) return true;
+  before.push_back(edit.text());
   std::u16string text = edit.text();
   if (key == Key::kBack) {
     if (text.empty()) return true;
@@ -196,6 +205,7 @@ bool FakeDialog::pressInEdit(FakeControl& edit, Key key, char32_t character) {
     if (limit != 0 && text.size() > limit) return true;
   }
   edit.setText(text);
+  edit.before_typing = std::move(before);
   handler.onNotice(*this, edit.face.id, Notice::kEdited);
   return true;
 }

@@ -48,7 +48,10 @@ class FakeControl : public ListControl {
   FakeControl(FakeDialog& dialog, ControlTemplate from);
 
   std::u16string text() const override { return face.text; }
-  void setText(const std::u16string& text) override { face.text = text; }
+  void setText(const std::u16string& text) override {
+    face.text = text;
+    before_typing.clear();
+  }
   bool checked() const override { return checked_; }
   void setChecked(bool checked) override { checked_ = checked; }
   void setChoices(const std::vector<std::u16string>& texts) override;
@@ -78,6 +81,7 @@ class FakeControl : public ListControl {
 
   ControlTemplate face;  // as the template gave it, with what was set since
   std::vector<std::u16string> choices;
+  std::vector<std::u16string> before_typing;  // the texts that Undo in the box goes back to
   int font_pixels = 0;
   int scrolled = 0;
 

@@ -49,6 +49,8 @@ class ScreenControl {
   virtual Control& seam() = 0;
   // Whether the control itself uses this key for editing, before its screen sees it.
   virtual bool editsWith(const KeyPress&) const { return false; }
+  // Takes back, or does again, what was typed in this box; false when there is nothing of that.
+  virtual bool undoTyping(bool /*again*/) { return false; }
   // Uses a key that the screen's handler did not want; false leaves it to the screen.
   virtual bool takeKey(const KeyPress&) { return false; }
   virtual void applyScale();

@@ -50,6 +50,16 @@ std::optional<KeyPress> translate(const QKeyEvent& event) {
     case Qt::Key_End:
       press.key = Key::kEnd;
       return press;
+    case Qt::Key_Z:
+    case Qt::Key_Y:
+      if (event.modifiers().testFlag(Qt::ControlModifier) &&
+          !event.modifiers().testFlag(Qt::AltModifier)) {
+        const bool again =
+            event.key() == Qt::Key_Y || event.modifiers().testFlag(Qt::ShiftModifier);
+        press.key = again ? Key::kRedo : Key::kUndo;
+        return press;
+      }
+      break;
     default:
       break;
   }
@@ -92,6 +102,8 @@ bool DialogScreen::takeKey(ScreenControl* control, QKeyEvent* event) {
   if (!translated) return false;
   KeyPress press = *translated;
   press.control = control == nullptr ? 0 : control->id();
+  const bool undoes = press.key == Key::kUndo || press.key == Key::kRedo;
+  if (undoes && control != nullptr && control->undoTyping(press.key == Key::kRedo)) return true;
   const bool erases =
       event->key() == Qt::Key_Backspace && isTextBox(control) && !control->madeFrom().read_only;
   if (erases || (control != nullptr && control->editsWith(press))) return false;

@@ -115,6 +115,11 @@ class EditControl final : public ControlOf<Control> {
     line_->setEchoMode(masked ? QLineEdit::Password : QLineEdit::Normal);
   }
   bool editsWith(const KeyPress& press) const override { return isLineKey(press.key); }
+  bool undoTyping(bool again) override {
+    if (!(again ? line_->isRedoAvailable() : line_->isUndoAvailable())) return false;
+    again ? line_->redo() : line_->undo();
+    return true;
+  }
 
  private:
   QLineEdit* line_;
@@ -215,6 +220,12 @@ class MultiEditControl final : public ControlOf<Control> {
       default:
         return isLineKey(press.key);
     }
+  }
+  bool undoTyping(bool again) override {
+    const QTextDocument& text = *box_->document();
+    if (!(again ? text.isRedoAvailable() : text.isUndoAvailable())) return false;
+    again ? box_->redo() : box_->undo();
+    return true;
   }
   void applyScale() override {
     ControlOf::applyScale();
