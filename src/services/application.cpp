@@ -37,6 +37,10 @@ Database& CurrentDatabase(Application& app) {
   return *app.level().database;
 }
 
+ChangeTarget CurrentTarget(Application& app) {
+  return {CurrentDatabase(app), app.level().current_record};
+}
+
 bool IsDatabaseOpen(const Application& app) {
   return app.level().open;
 }

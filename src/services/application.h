@@ -15,6 +15,7 @@
 #include "query/format_settings.h"
 #include "query/query_settings.h"
 #include "security/password.h"
+#include "services/changes/history.h"
 #include "services/preferences.h"
 
 namespace tabelion {
@@ -43,6 +44,7 @@ struct Level {
   TextEncoding encoding = TextEncoding::utf8();
   std::uint32_t current_record = 0;  // data record number, or kNewRecord
   bool new_record = false;
+  History history;  // what was done to the database since it was opened
 };
 
 // Level 0 holds the database that the user opened, deeper ones those opened through a link.
@@ -101,6 +103,8 @@ struct Application {
 // The database that screens work on; an empty one when none is open.
 Database& CurrentDatabase(Application& app);
 bool IsDatabaseOpen(const Application& app);
+// The same and its current record, as what changes it takes them.
+ChangeTarget CurrentTarget(Application& app);
 
 // Prepares the level's formats and encoding anew; run when the preferences or its database changed.
 void PrepareFormats(Application& app);

@@ -26,6 +26,8 @@ inline constexpr CommandId kNarrowerCommand = 40024;
 inline constexpr CommandId kDoneCommand = 40028;
 inline constexpr CommandId kEncryptCommand = 40040;
 inline constexpr CommandId kCancelCommand = 40035;
+inline constexpr CommandId kUndoCommand = 40211;
+inline constexpr CommandId kRedoCommand = 40212;
 
 inline constexpr CommandId kFirstListedCommand = 40100;  // entries that name data, from here up
 

@@ -3,10 +3,11 @@
 #include <algorithm>
 #include <utility>
 
-#include "query/record_change.h"
 #include "screens/kit/screen_numbers.h"
 #include "screens/program/ask_password.h"
+#include "screens/records/undo.h"
 #include "services/access.h"
+#include "services/changes/record_steps.h"
 #include "services/encryption.h"
 #include "services/message.h"
 #include "services/screen_text.h"
@@ -56,6 +57,9 @@ bool EditRecordScreen::MayChange() const {
 
 void EditRecordScreen::LoadEditRecord(Dialog& dialog, std::uint32_t record) {
   const Database& database = CurrentDatabase(app_);
+  if (record == kNewRecord && !app_.level().new_record) {
+    record_before_new_ = app_.level().current_record;
+  }
   app_.level().current_record = record;
   app_.level().new_record = record == kNewRecord;
   copy_.reset();
@@ -72,14 +76,18 @@ void EditRecordScreen::LoadEditRecord(Dialog& dialog, std::uint32_t record) {
   form_.Show(dialog, packed, copy_.has_value() && MayChange());
 }
 
-CommandTable<EditRecordScreen> EditRecordScreen::Commands(Dialog&) {
+CommandTable<EditRecordScreen> EditRecordScreen::Commands(Dialog& dialog) {
   using Self = EditRecordScreen;
+  StepEntry undo = UndoEntry(app_);
+  StepEntry redo = RedoEntry(app_);
+  if (form_.Changed(dialog)) {  // what was typed and is not stored yet was done last
+    undo = {app_.level().new_record ? u"Undo New record" : u"Undo Edit of record", true};
+    redo.enabled = false;
+  }
   const auto change_width = [](int step) {
-    return [step](Self& self, Dialog& dialog) { self.ChangeWidth(dialog, step); };
+    return [step](Self& self, Dialog& on) { self.ChangeWidth(on, step); };
   };
-  const auto move = [](Move to) {
-    return [to](Self& self, Dialog& dialog) { self.MoveTo(dialog, to); };
-  };
+  const auto move = [](Move to) { return [to](Self& self, Dialog& on) { self.MoveTo(on, to); }; };
   CommandTable<Self> table{
       .resource = 115,
       .left = {kFormDone, u"Done", &Self::Done},
@@ -93,7 +101,9 @@ CommandTable<EditRecordScreen> EditRecordScreen::Commands(Dialog&) {
                           .rows = {{kGoFirst, u"First", move(Move::kFirst)},
                                    {kGoPrevious, u"Previous", move(Move::kPrevious)},
                                    {kGoNext, u"Next", move(Move::kNext)},
-                                   {kGoLast, u"Last", move(Move::kLast)}}}}},
+                                   {kGoLast, u"Last", move(Move::kLast)}}},
+                         {kUndoCommand, undo.text, &Self::Undo, undo.enabled},
+                         {kRedoCommand, redo.text, &Self::Redo, redo.enabled}}},
       .keys = {{kBackCommand, {}, &Self::Back}}};
   auto& entries = table.right.rows;
   if (CurrentDatabase(app_).schema.encryption_mode == kEncryptRecordsByHand) {
@@ -123,9 +133,22 @@ void EditRecordScreen::onNotice(Dialog& dialog, ControlId control, Notice notice
 }
 
 bool EditRecordScreen::onKey(Dialog& dialog, const KeyPress& key) {
-  if (key.key != Key::kPageUp && key.key != Key::kPageDown) return false;
-  MoveTo(dialog, key.key == Key::kPageUp ? Move::kPrevious : Move::kNext);
-  return true;
+  switch (key.key) {
+    case Key::kPageUp:
+      MoveTo(dialog, Move::kPrevious);
+      return true;
+    case Key::kPageDown:
+      MoveTo(dialog, Move::kNext);
+      return true;
+    case Key::kUndo:
+      Undo(dialog);
+      return true;
+    case Key::kRedo:
+      Redo(dialog);
+      return true;
+    default:
+      return false;
+  }
 }
 
 bool EditRecordScreen::acceptsCharacter(Dialog&, ControlId, char32_t character) {
@@ -155,22 +178,28 @@ bool EditRecordScreen::SaveEditRecord(Dialog& dialog) {
 }
 
 bool EditRecordScreen::StoreCopy() {
-  if (app_.level().new_record && !HasRoomForRecord(app_)) return false;
+  Level& level = app_.level();
+  if (level.new_record && !HasRoomForRecord(app_)) return false;
   Database& database = CurrentDatabase(app_);
-  const std::uint32_t position = storeRecord(
-      database, app_.engine, app_.level().new_record ? kNoPosition : app_.level().current_record,
-      *copy_, QuerySettingsOf(app_, database), [this, told = false](auto...) mutable {
-        if (std::exchange(told, true)) return;  // once, however many formulas are
-        ShowMessage(app_, u"Formula is invalid or corrupt, please verify", u"Error",
-                    MessageIcon::kExclamation);
-      });
+  if (level.new_record) level.current_record = record_before_new_;  // where Undo leads back to
+  bool is_corrupt = false;
+  const std::uint32_t position =
+      StoreRecord(level.history, CurrentTarget(app_), app_.engine,
+                  level.new_record ? kNoPosition : level.current_record, *copy_,
+                  QuerySettingsOf(app_, database), [&](auto...) { is_corrupt = true; });
+  if (is_corrupt) {  // said once, however many formulas are
+    ShowMessage(app_, u"Formula is invalid or corrupt, please verify", u"Error",
+                MessageIcon::kExclamation);
+  }
   if (position == kNoPosition) {
+    if (level.new_record) level.current_record = kNewRecord;
     ShowMessage(app_, u"ERROR: Saving record!", u"ERROR", MessageIcon::kWarning);
     return false;
   }
-  app_.level().current_record = position;
-  app_.level().new_record = false;
-  if (database.schema.encryption_mode == kEncryptRecordsOnSave) EncipherStored();
+  level.new_record = false;
+  if (database.schema.encryption_mode == kEncryptRecordsOnSave) {
+    level.history.Amend(CurrentTarget(app_), [this] { EncipherStored(); });
+  }
   app_.engine.steps.refresh(database);
   return true;
 }
@@ -212,9 +241,11 @@ void EditRecordScreen::ToggleEncryption(Dialog& dialog) {
                   MessageIcon::kError);
     }
     if (result != kRecordDecrypted) return;
-    if (database.records.replace(app_.level().current_record, record)) setDirty(database);
+    ReplaceRecord(app_.level().history, CurrentTarget(app_), "Decryption of record",
+                  app_.level().current_record, record);
   } else {
-    EncipherStored();
+    app_.level().history.Perform(CurrentTarget(app_), "Encryption of record",
+                                 [this] { EncipherStored(); });
   }
   app_.engine.steps.refresh(database);
   LoadEditRecord(dialog, app_.level().current_record);
@@ -228,8 +259,8 @@ void EditRecordScreen::DeleteEditRecord(Dialog& dialog) {
     return;
   }
   Database& database = CurrentDatabase(app_);
-  deleteRecords(database, {app_.level().current_record}, QuerySettingsOf(app_, database));
-  if (app_.level().current_record > 0) --app_.level().current_record;
+  DeleteRecords(app_.level().history, CurrentTarget(app_), {app_.level().current_record},
+                QuerySettingsOf(app_, database));
   app_.engine.steps.refresh(database);
   dialog.end(kDialogClosed);
 }
@@ -256,6 +287,21 @@ void EditRecordScreen::NewRecord(Dialog& dialog) {
     return;
   }
   LoadEditRecord(dialog, kNewRecord);
+}
+
+// What was typed is stored first, as a step of its own, so that Redo brings it back.
+void EditRecordScreen::Undo(Dialog& dialog) {
+  if (form_.Changed(dialog) && !SaveEditRecord(dialog)) return;
+  if (UndoStep(app_)) ShowCurrent(dialog);
+}
+
+void EditRecordScreen::Redo(Dialog& dialog) {
+  if (!form_.Changed(dialog) && RedoStep(app_)) ShowCurrent(dialog);
+}
+
+void EditRecordScreen::ShowCurrent(Dialog& dialog) {
+  if (CurrentDatabase(app_).records.count() == 0) return dialog.end(kDialogClosed);
+  LoadEditRecord(dialog, app_.level().current_record);
 }
 
 void EditRecordScreen::ChangeWidth(Dialog& dialog, int step) {

@@ -1,7 +1,8 @@
 // The form on which one record is shown and changed.
 //
 // Keys: Up and Down move between the rows, Page Up and Page Down to the previous and the next
-// record, the action key is Done. Leaving by the Back key saves as well; only Cancel does not.
+// record, the action key is Done; Undo and Redo take steps back and do them again. Leaving by the
+// Back key saves as well; only Cancel does not.
 #pragma once
 
 #include <optional>
@@ -43,12 +44,16 @@ class EditRecordScreen : public CommandScreen<EditRecordScreen> {
   void DecipherForEditing(Bytes& record);
   void EncipherStored();
   void ToggleEncryption(Dialog& dialog);
+  void Undo(Dialog& dialog);
+  void Redo(Dialog& dialog);
+  void ShowCurrent(Dialog& dialog);
   bool MayChange() const;
 
   Application& app_;
   RecordForm form_;
   std::uint32_t first_record_;
-  std::optional<UnpackedRecord> copy_;  // of the record being edited; none when there is no record
+  std::uint32_t record_before_new_ = 0;  // that was current when the new one was begun
+  std::optional<UnpackedRecord> copy_;   // of the record being edited; none when there is no record
 };
 
 // Whether the database has room for another record; says so when it has not.

@@ -9,6 +9,7 @@
 #include "screens/records/edit_record.h"
 #include "screens/records/form_layout.h"
 #include "screens/records/list_columns.h"
+#include "screens/records/undo.h"
 #include "services/access.h"
 #include "services/message.h"
 #include "services/open_database.h"
@@ -60,11 +61,15 @@ int ShowRecordList(Application& app, const std::string& path, std::optional<std:
 
 CommandTable<RecordListScreen> RecordListScreen::Commands(Dialog&) {
   using Self = RecordListScreen;
+  const StepEntry undo = UndoEntry(app_);
+  const StepEntry redo = RedoEntry(app_);
   return {.resource = 146,
           .left = {kNewRecordCommand, u"New Record", &Self::NewRecord},
           .right = {.text = u"Menu",
                     .rows = {{kPreferencesCommand, u"Preferences", &Self::ChangePreferences},
                              {kSaveCommand, u"Save", &Self::Save},
+                             {kUndoCommand, undo.text, &Self::Undo, undo.enabled},
+                             {kRedoCommand, redo.text, &Self::Redo, redo.enabled},
                              {kBackCommand, u"Close", &Self::Close}}},
           .keys = {{kActionCommand, {}, &Self::OpenSelected}}};
 }
@@ -233,7 +238,19 @@ bool RecordListScreen::CloseFor(int result) {
   return true;
 }
 
+void RecordListScreen::Undo(Dialog& dialog) {
+  if (IsDatabaseOpen(app_) && UndoStep(app_)) FillRecordList(dialog);
+}
+
+void RecordListScreen::Redo(Dialog& dialog) {
+  if (IsDatabaseOpen(app_) && RedoStep(app_)) FillRecordList(dialog);
+}
+
 bool RecordListScreen::onKey(Dialog& dialog, const KeyPress& key) {
+  if (key.key == Key::kUndo || key.key == Key::kRedo) {
+    key.key == Key::kUndo ? Undo(dialog) : Redo(dialog);
+    return true;
+  }
   if (key.key == Key::kLeft || key.key == Key::kRight) {
     dialog.list(kRecordList).scrollSideways(key.key == Key::kRight ? kScrollStep : -kScrollStep);
     return true;

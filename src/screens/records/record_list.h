@@ -48,6 +48,8 @@ class RecordListScreen : public CommandScreen<RecordListScreen> {
   void NewRecord(Dialog& dialog);
   void ChangePreferences(Dialog& dialog);
   void Save(Dialog& dialog);
+  void Undo(Dialog& dialog);
+  void Redo(Dialog& dialog);
   void Close(Dialog& dialog);
   void CloseWith(Dialog& dialog, int result);
   bool CloseFor(int result);  // false: the database stays open
