@@ -18,6 +18,7 @@
 #include "platform/locale.h"
 #include "platform/settings.h"
 #include "query/query_settings.h"
+#include "services/changes/history.h"
 
 namespace tabelion {
 
@@ -57,6 +58,7 @@ class CliContext {
   Clock& clock;
   Engine engine;
   OutputBuffer out;
+  History history;  // of the database that is being changed
 
   // A message of one line on standard error.
   void say(std::string_view text);
@@ -72,6 +74,8 @@ class CliContext {
   enum class Opening { kForUse, kAsItIs };
   std::optional<OpenedDatabase> openToChange(const std::string& path, ExitCode& failure,
                                              Opening how = Opening::kForUse);
+  // What steps change: the database, whose current record nobody stands on here.
+  ChangeTarget target(Database& database) { return {database, current_record_}; }
   // Writes the database to its path; records that open() deciphered are enciphered again first.
   ExitCode save(Database& database);
   std::unique_ptr<FileLock> lock(const std::string& path, ExitCode& failure);
@@ -116,6 +120,7 @@ class CliContext {
   SecretPrompt secret_prompt_;
   GlobalOptions options_;
   std::optional<Deciphered> deciphered_;
+  std::uint32_t current_record_ = kNoPosition;
   std::string engine_message_;
   bool shows_progress_ = false;
 };

@@ -6,7 +6,7 @@
 
 #include "cli/command.h"
 #include "cli/record_command.h"
-#include "query/record_change.h"
+#include "services/changes/record_steps.h"
 
 namespace tabelion {
 namespace {
@@ -81,7 +81,7 @@ ExitCode runDelete(const DeleteOptions& options, CliContext& context) {
       context.say(options.file + ": nothing was deleted");
       return ExitCode::kRefused;
     }
-    deleteRecords(database, *positions, settings);
+    DeleteRecords(context.history, context.target(database), *positions, settings);
   }
   // A database that is piped through goes on even when nothing was deleted.
   if (isDirty(database) || options.file == kPipe) {

@@ -64,8 +64,10 @@ ExitCode changeFilter(const FilterOptions& options, CliContext& context) {
   if (!criteria.ok()) {
     return context.fail({criteria.error().kind, options.file + ": " + criteria.error().text});
   }
-  storeFilter(database, *criteria);
-  recomputeDependents(database, context.querySettings(encoding));
+  context.history.Perform(context.target(database), "Filter", [&] {
+    storeFilter(database, *criteria);
+    recomputeDependents(database, context.querySettings(encoding));
+  });
   return context.save(database);
 }
 

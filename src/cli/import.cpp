@@ -139,6 +139,23 @@ ExitCode settleRefused(CliContext& context, const RowOptions& options,
   return ExitCode::kDone;
 }
 
+ExitCode takeIn(CliContext& context, const RowOptions& options, const ImportForm& form,
+                const TextEncoding& encoding, std::string_view text, Database& database) {
+  const std::uint32_t first = database.records.count();
+  const auto summary =
+      importCsv(text, form, encoding, context.engine, database, context.progress("importing"));
+  if (!summary.ok()) {
+    return context.fail({summary.error().kind, options.path + ": " + summary.error().text});
+  }
+  context.clearProgress();
+  const ExitCode settled = settleRefused(context, options, *summary);
+  // Rows that do not fit are safe before those that do become records.
+  const Status written = writeRejects(context, options, *summary, database);
+  if (!written.ok()) return context.fail(written.error());
+  if (settled == ExitCode::kDone) bringUpToDate(context, encoding, first, database);
+  return settled;
+}
+
 }  // namespace
 
 void declareRowOptions(OptionList& list, RowOptions& options) {
@@ -172,19 +189,13 @@ ExitCode importRows(CliContext& context, const RowOptions& options, const FileIm
   if (!form.ok()) return context.fail(form.error());
   const auto text = textOf(context, options, rows, *encoding);
   if (!text.ok()) return context.fail(text.error());
-  const std::uint32_t first = database.records.count();
-  const auto summary = importCsv(text->text(), *form, *encoding, context.engine, database,
-                                 context.progress("importing"));
-  if (!summary.ok()) {
-    return context.fail({summary.error().kind, options.path + ": " + summary.error().text});
-  }
-  context.clearProgress();
-  const ExitCode settled = settleRefused(context, options, *summary);
-  // Rows that do not fit are safe before those that do become records.
-  const Status written = writeRejects(context, options, *summary, database);
-  if (!written.ok()) return context.fail(written.error());
-  if (settled == ExitCode::kDone) bringUpToDate(context, *encoding, first, database);
-  return settled;
+  ExitCode code = ExitCode::kRefused;
+  // What does not come in as it should is taken back at once.
+  context.history.Attempt(context.target(database), "Import", [&] {
+    code = takeIn(context, options, *form, *encoding, text->text(), database);
+    return code == ExitCode::kDone;
+  });
+  return code;
 }
 
 CommandBody declareImport(OptionList list) {

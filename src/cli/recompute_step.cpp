@@ -26,8 +26,10 @@ CorruptFormula collectInto(std::vector<CorruptField>& corrupt) {
 RecomputeOutcome recomputeRecords(CliContext& context, const TextEncoding& encoding,
                                   Database& database) {
   RecomputeOutcome outcome;
-  outcome.summary =
-      recomputeAll(database, context.querySettings(encoding), collectInto(outcome.corrupt));
+  context.history.Perform(context.target(database), "Recalculation", [&] {
+    outcome.summary =
+        recomputeAll(database, context.querySettings(encoding), collectInto(outcome.corrupt));
+  });
   return outcome;
 }
 

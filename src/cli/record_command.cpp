@@ -8,7 +8,7 @@
 #include "cli/json_output.h"
 #include "engine/schema_places.h"
 #include "query/formula.h"
-#include "query/record_change.h"
+#include "services/changes/record_steps.h"
 
 namespace tabelion {
 namespace {
@@ -71,8 +71,9 @@ ExitCode storeAndSave(CliContext& context, Database& database, const TextEncodin
                             kFormulaErrorText));
   };
   const bool was_full = position == kNoPosition && database.records.isFull();
-  const std::uint32_t place = storeRecord(database, context.engine, position, std::move(record),
-                                          context.querySettings(encoding), warn);
+  const std::uint32_t place =
+      StoreRecord(context.history, context.target(database), context.engine, position,
+                  std::move(record), context.querySettings(encoding), warn);
   if (place == kNoPosition) {
     const std::string reason =
         was_full ? fmt::format("is full: it holds {} records, the most it can", kMaxRecords)

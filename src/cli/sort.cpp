@@ -32,16 +32,24 @@ ExitCode runSort(const SortOptions& options, CliContext& context) {
   const auto refuse = [&](const Error& error) {
     return context.fail({error.kind, options.file + ": " + error.text});
   };
+  std::optional<SortSelection> selection;
   if (!options.by.empty() || options.none) {
-    const auto selection = selectionOf(options, database, encoding);
-    if (!selection.ok()) return refuse(selection.error());
-    const std::string refusal = storeSortSelection(database, *selection);
-    if (!refusal.empty()) return refuse({ErrorKind::kRefused, encoding.toUtf8(refusal)});
+    const auto chosen = selectionOf(options, database, encoding);
+    if (!chosen.ok()) return refuse(chosen.error());
+    selection = *chosen;
   } else if (database.schema.sort[0].field == kNoField) {
     return refuse({ErrorKind::kInvalid, "is not sorted by any field; --by names some"});
   }
-  sortAndRecompute(database, context.querySettings(encoding));
-  database.schema.sort_pending = 0;
+  std::string refusal;
+  const auto sort = [&] {
+    if (selection) refusal = storeSortSelection(database, *selection);
+    if (!refusal.empty()) return;
+    sortAndRecompute(database, context.querySettings(encoding));
+    database.schema.sort_pending = 0;
+  };
+  // A view with live update takes the order over.
+  context.history.Perform(context.target(database), "Sort", sort, SchemaExtent::kWhole);
+  if (!refusal.empty()) return refuse({ErrorKind::kRefused, encoding.toUtf8(refusal)});
   return context.save(database);
 }
 

@@ -37,7 +37,10 @@ class ViewCommand {
     encoding_ = std::move(encoding).value();
     viewsMenu(*database_);
     if (!changes) return list();
-    const Result<bool> done = change();
+    Result<bool> done = false;
+    context_.history.Perform(
+        context_.target(*database_), "Change of view", [&] { done = change(); },
+        SchemaExtent::kWhole);
     if (!done.ok()) return context_.fail({done.error().kind, place(done.error().text)});
     return *done ? context_.save(*database_) : ExitCode::kDone;
   }
