@@ -95,6 +95,7 @@ int run(int argc, char** argv) {
   benchmark::RegisterBenchmark("change a record", changeRecord, database.path)
       ->Unit(benchmark::kMicrosecond);
   benchmark::RegisterBenchmark("lay out a save", layOut, std::ref(database))->Unit(ms);
+  registerChanges(database.path);
   registerCipher(database.path);
   registerRecompute(database.path);
   registerReport(database);

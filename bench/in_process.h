@@ -9,6 +9,7 @@
 
 namespace tabelion {
 
+void registerChanges(const std::string& path);
 void registerCipher(const std::string& path);
 void registerRecompute(const std::string& path);
 void registerReport(const Database& database);

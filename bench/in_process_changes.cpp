@@ -1,0 +1,92 @@
+// What it costs to be able to take a change back: the same change as a step of a history and
+// without one, turn by turn, on records that lie anywhere in memory. Beside it, what the bytes that
+// a step keeps cost in any case: taking memory for them and copying.
+#include <chrono>
+#include <string>
+
+#include "engine/packed_record.h"
+#include "in_process.h"
+#include "platform/std/std_clock.h"
+#include "platform/std/std_files.h"
+#include "services/changes/record_steps.h"
+
+namespace tabelion {
+namespace {
+
+constexpr std::uint32_t kRecordsPerTurn = 256;
+
+class Stopwatch {
+ public:
+  explicit Stopwatch(double& seconds) : seconds_(seconds) {}
+  ~Stopwatch() {
+    seconds_ += std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
+  }
+
+ private:
+  double& seconds_;
+  std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+};
+
+void recordedStep(benchmark::State& state, const std::string& path) {
+  StdFiles files;
+  StdClock clock;
+  Engine engine{.files = files, .clock = clock, .random = [] { return 1u; }};
+  Database database;
+  database.path = path;
+  if (openDatabase(database, engine) != 1) return state.SkipWithError("cannot be opened");
+  RecordStore& records = database.records;
+  History history;
+  std::uint32_t current = 0;
+  const ChangeTarget target{database, current};
+  std::uint32_t at = 0;
+  struct Planned {
+    std::uint32_t position;
+    Bytes bytes;
+  };
+  std::vector<Planned> turn;
+  const auto plan = [&] {  // records far from each other, each a little changed
+    turn.clear();
+    for (std::uint32_t i = 0; i < kRecordsPerTurn; ++i) {
+      at = (at + 7919) % records.count();
+      const ByteView record = records[at].bytes();
+      turn.push_back({at, Bytes(record.begin(), record.end())});
+      turn.back().bytes[1] ^= 1;
+    }
+  };
+  double plain = 0;
+  double recorded = 0;
+  double bytes_alone = 0;
+  for (auto _ : state) {
+    plan();
+    {
+      const Stopwatch time(plain);
+      for (const Planned& change : turn) {
+        if (records.replace(change.position, change.bytes)) setDirty(database);
+      }
+    }
+    plan();
+    {
+      const Stopwatch time(recorded);
+      for (const Planned& change : turn) {
+        ReplaceRecord(history, target, "Edit of record", change.position, change.bytes);
+      }
+    }
+    plan();
+    const Stopwatch time(bytes_alone);
+    for (const Planned& change : turn) benchmark::DoNotOptimize(Record::copied(change.bytes));
+  }
+  const double each = 1e9 / (static_cast<double>(state.iterations()) * kRecordsPerTurn);
+  state.counters["unrecorded_ns"] = plain * each;
+  state.counters["recorded_ns"] = recorded * each;
+  state.counters["its_bytes_ns"] = bytes_alone * each;
+  state.counters["more_ns"] = (recorded - plain - bytes_alone) * each;
+}
+
+}  // namespace
+
+void registerChanges(const std::string& path) {
+  benchmark::RegisterBenchmark("a recorded step, 256 times", recordedStep, path)
+      ->Unit(benchmark::kMicrosecond);
+}
+
+}  // namespace tabelion
