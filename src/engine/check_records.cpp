@@ -182,7 +182,7 @@ std::size_t fixedSize(const FieldTypeTraits& traits) {
 
 void checkValue(const FieldDefinition& field, ByteView value, std::string_view where,
                 std::size_t offset, std::vector<Deviation>& found) {
-  const FieldTypeTraits traits = traitsOf(field.type);
+  const FieldTypeTraits& traits = traitsOf(field.type);
   const ByteView text = textPart(traits.form, value);
   if (!text.empty() && !hasNul(text)) {
     found.push_back({offset, fmt::format("{}: the text has no NUL", where)});

@@ -1,6 +1,8 @@
 // The types of fields: their stored codes, and one row for each of what the program knows of it.
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -108,7 +110,8 @@ struct FieldTypeTraits {
   ReportKind report = ReportKind::kNone;
 };
 
-constexpr FieldTypeTraits traitsOf(FieldType type) {
+// The row of a type as it is written down; the compiler names the type that has none.
+constexpr FieldTypeTraits traitsRow(FieldType type) {
   switch (type) {
     case FieldType::kUnused:
       return {.name = "unused", .source = ValueSource::kNobody, .sorts = false, .finds = false};
@@ -210,6 +213,20 @@ constexpr FieldTypeTraits traitsOf(FieldType type) {
               .finds = false};
   }
   return {.name = "unknown", .source = ValueSource::kNobody, .finds = false};
+}
+
+// All rows by code, behind them that of an unknown type.
+inline constexpr auto kFieldTypeRows = [] {
+  std::array<FieldTypeTraits, std::size_t{codeOf(kLastFieldType)} + 2> rows;
+  for (std::size_t code = 0; code < rows.size(); ++code) {
+    rows[code] = traitsRow(FieldType{static_cast<std::int32_t>(code)});
+  }
+  return rows;
+}();
+
+constexpr const FieldTypeTraits& traitsOf(FieldType type) {
+  const auto code = static_cast<std::uint32_t>(codeOf(type));
+  return kFieldTypeRows[std::min<std::size_t>(code, kFieldTypeRows.size() - 1)];
 }
 
 }  // namespace tabelion

@@ -162,7 +162,7 @@ FieldType effectiveType(const FieldDefinition& field) {
 }
 
 std::size_t fieldValueSize(const FieldDefinition& field) {
-  const FieldTypeTraits traits = traitsOf(field.type);
+  const FieldTypeTraits& traits = traitsOf(field.type);
   return traits.area + (traits.area_adds_width ? static_cast<std::size_t>(field.width) : 0);
 }
 

@@ -38,7 +38,7 @@ FieldSearch::FieldSearch(const Database& database, int slot, const SearchText& s
       kind_(kindOf(database.schema.fields[static_cast<std::size_t>(slot)])) {}
 
 FieldSearch::Kind FieldSearch::kindOf(const FieldDefinition& field) {
-  const FieldTypeTraits traits = traitsOf(field.type);
+  const FieldTypeTraits& traits = traitsOf(field.type);
   if (!traits.finds) return Kind::kNever;
   switch (traits.form) {
     case ValueForm::kText:

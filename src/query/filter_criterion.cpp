@@ -36,7 +36,7 @@ CriterionTest::CriterionTest(const Database& database, const FilterBlock& criter
     : decimal_comma_(settings.formats.choices.decimal_comma), slot_(criterion.field) {
   if (slot_ >= kFieldSlots) return;
   const FieldDefinition& field = database.schema.fields[criterion.field];
-  const FieldTypeTraits traits = traitsOf(field.type);
+  const FieldTypeTraits& traits = traitsOf(field.type);
   switch (traits.form) {
     case ValueForm::kText:
     case ValueForm::kLink:

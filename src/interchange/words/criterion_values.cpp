@@ -95,7 +95,7 @@ CriterionKind kindOfResult(const FieldDefinition& field) {
 }  // namespace
 
 CriterionKind criterionKind(const FieldDefinition& field) {
-  const FieldTypeTraits traits = traitsOf(field.type);
+  const FieldTypeTraits& traits = traitsOf(field.type);
   switch (traits.form) {
     case ValueForm::kText:
     case ValueForm::kLink:

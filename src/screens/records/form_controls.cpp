@@ -43,7 +43,7 @@ ControlKind FormControlKind(FieldType type, const std::u16string& text) {
 }
 
 bool IsShownOnly(FieldType type) {
-  const FieldTypeTraits traits = traitsOf(type);
+  const FieldTypeTraits& traits = traitsOf(type);
   if (traits.form == ValueForm::kLink || traits.form == ValueForm::kBlock) return true;
   switch (traits.source) {
     case ValueSource::kCounter:
@@ -83,7 +83,7 @@ Picture FormIconPicture(FieldType type) {
 }
 
 int MaxTypedLength(const FieldDefinition& field) {
-  const FieldTypeTraits traits = traitsOf(field.type);
+  const FieldTypeTraits& traits = traitsOf(field.type);
   switch (traits.form) {
     case ValueForm::kText:
     case ValueForm::kNote:
