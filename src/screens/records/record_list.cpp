@@ -77,6 +77,7 @@ CommandTable<RecordListScreen> RecordListScreen::Commands(Dialog&) {
 void RecordListScreen::onInit(Dialog& dialog) {
   ShowCommands(dialog);
   Layout(dialog);
+  for (const ControlId label : {kNameLabel, kViewLabel}) dialog.control(label).setText({});
   dialog.post(kOpenMessage);
 }
 
