@@ -225,6 +225,9 @@ class Dialog {
   virtual Size screenSize() const = 0;  // of the client area, between title and soft keys
   virtual Size fullScreenSize() const = 0;
   virtual int verticalDpi() const = 0;  // of the screen's own pixels; 96 unless zoomed oddly
+  // The room of a text in the dialog's font, without any margin, rounded up: on one line, or broken
+  // into lines of at most `width` when that is not 0. Line feeds begin a line in either case.
+  virtual Size textSize(const std::u16string& text, int width) const = 0;
 
   // A control of the template or one added since; asking for an unknown id is a program fault.
   virtual Control& control(ControlId id) = 0;

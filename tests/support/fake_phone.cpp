@@ -56,6 +56,30 @@ std::string narrow(const std::u16string& text) {
   return out;
 }
 
+Size plainTextSize(const std::u16string& text, int width) {
+  constexpr int kCharacter = 7;
+  constexpr int kLine = 15;
+  const std::size_t room =
+      width > 0 ? static_cast<std::size_t>(std::max(1, width / kCharacter)) : text.size() + 1;
+  std::size_t widest = 0;
+  std::size_t used = 0;
+  int lines = 1;
+  for (std::size_t at = 0; at < text.size();) {
+    std::size_t end = at;
+    while (end < text.size() && text[end] != u' ' && text[end] != u'\n') ++end;
+    if (used > 0 && used + (end - at) > room) used = 0, ++lines;      // the word begins a line
+    for (used += end - at; width > 0 && used > room; used -= room) {  // and may need several
+      widest = room;
+      ++lines;
+    }
+    widest = std::max(widest, used);
+    if (end < text.size() && text[end] == u'\n') used = 0, ++lines;
+    if (end < text.size() && text[end] == u' ') ++used;
+    at = end + 1;
+  }
+  return {static_cast<int>(widest) * kCharacter, lines * kLine};
+}
+
 std::vector<std::u16string> PaintedRow::words() const {
   std::vector<std::u16string> words;
   for (const Text& text : texts) words.push_back(text.text);
@@ -126,6 +150,10 @@ FakeDialog::FakeDialog(FakePhone& on, const DialogTemplate& from, DialogHandler&
 
 Size FakeDialog::screenSize() const {
   return {phone.screen.width, phone.screen.height - kTitleHeight - kSoftKeyBarHeight};
+}
+
+Size FakeDialog::textSize(const std::u16string& text, int width) const {
+  return plainTextSize(text, width);
 }
 
 Size FakeDialog::fullScreenSize() const {

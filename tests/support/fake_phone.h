@@ -103,6 +103,7 @@ class FakeDialog : public Dialog {
   Size screenSize() const override;
   Size fullScreenSize() const override;
   int verticalDpi() const override { return 96; }
+  Size textSize(const std::u16string& text, int width) const override;
   Control& control(ControlId id) override { return fake(id); }
   ListControl& list(ControlId id) override { return fake(id); }
   Control& addControl(const ControlTemplate& control) override;
@@ -230,6 +231,9 @@ class FakePhone : public Dialogs {
   std::deque<Step> script_;
   std::vector<FakeDialog*> open_;  // the top one last
 };
+
+// A text's room where each character is 7 pixels wide and each line 15 high.
+Size plainTextSize(const std::u16string& text, int width);
 
 // UTF-8, for failure messages.
 std::string narrow(const std::u16string& text);

@@ -357,10 +357,9 @@ void Tour::manageFiles() {
   markDatabase(*second_);
   driver_.choose(kChooserScreen, "Info");
   driver_.see(kDatabaseInfoScreen, "Chose Info", "info", [this] {
-    const QString name = "Database Name :" + qt(second_->name);
-    const QString count = "No.of Records : " + QString::number(second_->record_count);
+    const QString count = QString::number(second_->record_count);
     const QStringList texts = probe_.texts();
-    return Seen{texts.contains(name) && texts.contains(count),
+    return Seen{texts.contains(qt(second_->name)) && texts.contains(count),
                 "it says \"" + texts.join("\", \"").toStdString() + "\""};
   });
   driver_.press(kDatabaseInfoScreen, Qt::Key_F1);

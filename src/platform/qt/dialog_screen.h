@@ -39,6 +39,7 @@ class DialogScreen final : public Layer, public Dialog, private ControlHost {
   Size screenSize() const override;
   Size fullScreenSize() const override;
   int verticalDpi() const override;
+  Size textSize(const std::u16string& text, int width) const override;
   Control& control(ControlId id) override;
   ListControl& list(ControlId id) override;
   Control& addControl(const ControlTemplate& made_from) override;

@@ -8,6 +8,7 @@
 #include "platform/qt/dialog_screen.h"
 #include "platform/qt/phone_frame.h"
 #include "platform/qt/theme.h"
+#include "platform/qt/wrapped_text.h"
 
 namespace tabelion {
 
@@ -156,6 +157,10 @@ Size DialogScreen::fullScreenSize() const {
 }
 int DialogScreen::verticalDpi() const {
   return theme::kDotsPerInch;
+}
+Size DialogScreen::textSize(const std::u16string& text, int width) const {
+  const QSizeF size = wrappedTextSize(toQt(text), theme::font(scale()), scale().px(width));
+  return {qCeil(size.width() / scale().zoom()), qCeil(size.height() / scale().zoom())};
 }
 
 void DialogScreen::setContentHeight(int height) {

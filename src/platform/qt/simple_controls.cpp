@@ -9,6 +9,7 @@
 #include "platform/qt/control.h"
 #include "platform/qt/pictures.h"
 #include "platform/qt/theme.h"
+#include "platform/qt/wrapped_text.h"
 
 namespace tabelion {
 
@@ -29,9 +30,7 @@ class LabelWidget final : public QLabel {
     const int inset = scale_.px(3);  // from the screen's edge, or from an icon
     const QRect space = rect().adjusted(inset, 0, -inset, 0);
     if (height() >= 2 * metrics.height()) {
-      painter.drawText(space, int(side_ | Qt::AlignTop) | Qt::TextWordWrap | Qt::TextExpandTabs,
-                       text());
-      return;
+      return drawWrappedText(painter, space, side_, text());
     }
     painter.drawText(space, int(side_ | Qt::AlignVCenter) | Qt::TextSingleLine,
                      metrics.elidedText(text(), Qt::ElideRight, space.width()));
@@ -99,7 +98,7 @@ class CheckWidget final : public QCheckBox {
     label.setRight(width() - scale_.px(3));
     painter.setPen(QColor::fromRgb(isEnabled() ? theme::kInk : theme::kInkDisabled));
     if (wraps) {
-      painter.drawText(label.adjusted(0, inset, 0, 0), Qt::AlignLeft | Qt::TextWordWrap, text());
+      drawWrappedText(painter, label.adjusted(0, inset, 0, 0), Qt::AlignLeft, text());
     } else {
       painter.drawText(label, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine,
                        metrics.elidedText(text(), Qt::ElideRight, label.width()));

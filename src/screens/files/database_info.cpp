@@ -2,11 +2,13 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <memory>
+#include <utility>
+#include <vector>
 
 #include "query/time_text.h"
 #include "screens/kit/commands.h"
+#include "screens/kit/row_layout.h"
 #include "screens/kit/screen_numbers.h"
 #include "services/file_management.h"
 #include "services/folders.h"
@@ -15,26 +17,19 @@
 namespace tabelion {
 namespace {
 
-constexpr int kMargin = 4;
-constexpr int kLineHeight = 17;
-constexpr int kCharacterWidth = 8;
-constexpr int kGap = 3;
-constexpr ControlId kLabels[] = {kInfoAuthor,  kInfoName,    kInfoSize,
-                                 kInfoRecords, kInfoCreated, kInfoModified};
+constexpr std::pair<ControlId, const char16_t*> kLabels[] = {
+    {kInfoAuthor, u"Author :"},      {kInfoName, u"Database Name :"},
+    {kInfoSize, u"Database Size :"}, {kInfoRecords, u"No. of Records :"},
+    {kInfoCreated, u"Created On :"}, {kInfoModified, u"Date Modified :"}};
 
 DialogTemplate infoTemplate() {
   DialogTemplate dialog;
   dialog.resource = kDatabaseInfoScreen;
   dialog.title = u"Database Info";
-  const auto label = [&](ControlId id, const char16_t* text) {
+  for (const auto& [id, text] : kLabels) {
     dialog.controls.push_back({.id = id, .kind = ControlKind::kLabel, .text = text});
-  };
-  label(kInfoAuthor, u"Author :");
-  label(kInfoName, u"Database Name :");
-  label(kInfoSize, u"Database Size :");
-  label(kInfoRecords, u"No. of Records :");
-  label(kInfoCreated, u"Created On :");
-  label(kInfoModified, u"Date Modified :");
+    dialog.controls.push_back({.id = InfoValue(id), .kind = ControlKind::kLabel});
+  }
   return dialog;
 }
 
@@ -54,25 +49,16 @@ class DatabaseInfoScreen : public CommandScreen<DatabaseInfoScreen> {
     showDate(dialog, kInfoModified, u"Modified On :", FileDate::kModified);
     if (const auto info = app_.platform.files.info(path_); info.ok()) {
       const float kilobytes = static_cast<float>(info->size) * 0.001F;
-      dialog.control(kInfoSize).setText(
-          FromUtf8(fmt::format("Database Size :{:.2f} Kb", kilobytes)));
+      show(dialog, kInfoSize, u"Database Size :", FromUtf8(fmt::format("{:.2f} Kb", kilobytes)));
     }
     onResize(dialog);
   }
-  // A label is as high as its text may need; a name may be of wide letters alone, or have one word
-  // that leaves half a line empty.
   void onResize(Dialog& dialog) override {
-    const int width = dialog.screenSize().width - 2 * kMargin;
-    const int characters = std::max(1, width / kCharacterWidth);
-    int y = kGap;
-    for (const ControlId id : kLabels) {
-      Control& label = dialog.control(id);
-      int lines = 1 + (static_cast<int>(label.text().size()) - 1) / characters;
-      if (lines > 1 && (id == kInfoAuthor || id == kInfoName)) ++lines;
-      label.setPlace({kMargin, y, width, lines * kLineHeight});
-      y += lines * kLineHeight + kGap;
+    std::vector<LayoutRow> rows;
+    for (const auto& [label, text] : kLabels) {
+      rows.push_back(LabeledRow(label, {TextCell(InfoValue(label))}));
     }
-    dialog.setContentHeight(y);
+    PlaceRows(dialog, rows);
   }
 
  private:
@@ -82,13 +68,15 @@ class DatabaseInfoScreen : public CommandScreen<DatabaseInfoScreen> {
     const auto summary = std::make_unique<DatabaseSummary>();
     if (!ReadDatabaseSummary(app_, path_, *summary)) return;
     const TextEncoding encoding = EncodingOf(app_, summary->schema);
-    dialog.control(kInfoAuthor)
-        .setText(u"Author :" + encoding.toUtf16(areaText(summary->schema.author)));
-    dialog.control(kInfoName).setText(u"Database Name :" +
-                                      encoding.toUtf16(areaText(summary->header.name)));
-    dialog.control(kInfoRecords)
-        .setText(FromUtf8(
-            fmt::format("No.of Records : {}", summary->header.record_count - kSchemaRecords)));
+    show(dialog, kInfoAuthor, u"Author :", encoding.toUtf16(areaText(summary->schema.author)));
+    show(dialog, kInfoName, u"Database Name :", encoding.toUtf16(areaText(summary->header.name)));
+    show(dialog, kInfoRecords, u"No.of Records :",
+         FromUtf8(std::to_string(summary->header.record_count - kSchemaRecords)));
+  }
+  static void show(Dialog& dialog, ControlId label, const std::u16string& text,
+                   const std::u16string& value) {
+    dialog.control(label).setText(text);
+    dialog.control(InfoValue(label)).setText(value);
   }
   void showDate(Dialog& dialog, ControlId id, const std::u16string& name, FileDate which) {
     const auto date = GetFileDate(app_, path_, which);
@@ -97,9 +85,9 @@ class DatabaseInfoScreen : public CommandScreen<DatabaseInfoScreen> {
     time.hour = static_cast<std::uint8_t>(date->hour);
     time.minute = static_cast<std::uint8_t>(date->minute);
     time.second = static_cast<std::uint8_t>(date->second);
-    dialog.control(id).setText(
-        name + FromUtf8(fmt::format("{}/{}/{}\t {}", date->month, date->day, date->year,
-                                    timeText(time, app_.level().formats))));
+    show(dialog, id, name,
+         FromUtf8(fmt::format("{}/{}/{}\t {}", date->month, date->day, date->year,
+                              timeText(time, app_.level().formats))));
   }
 
   Application& app_;

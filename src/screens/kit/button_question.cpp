@@ -1,17 +1,13 @@
 #include "screens/kit/button_question.h"
 
-#include <algorithm>
-
 #include "screens/kit/commands.h"
+#include "screens/kit/row_layout.h"
 
 namespace tabelion {
 namespace {
 
 constexpr ControlId kQuestionText = 1;
-constexpr int kMargin = 8;
-constexpr int kRow = 26;
-constexpr int kStep = kRow + 4;
-constexpr int kMostButtonWidth = 200;
+constexpr int kButtonWidth = 200;
 
 class ButtonQuestionScreen : public CommandScreen<ButtonQuestionScreen> {
  public:
@@ -29,21 +25,15 @@ class ButtonQuestionScreen : public CommandScreen<ButtonQuestionScreen> {
     onResize(dialog);
     dialog.control(question_.focus).focus();
   }
-  // The text has whatever the answers leave it.
+  // The answers stand at the bottom, however long the text is.
   void onResize(Dialog& dialog) override {
-    const Size size = dialog.screenSize();
-    const bool has_box = question_.check_box.id != 0;
-    const int rows = static_cast<int>(question_.buttons.size()) + (has_box ? 1 : 0);
-    int y = std::max(kStep, size.height - rows * kStep);
-    dialog.control(kQuestionText).setPlace({kMargin, 2, size.width - 2 * kMargin, y - 4});
-    const int width = std::min(size.width - 2 * kMargin, kMostButtonWidth);
+    std::vector<LayoutRow> rows{TextRow(kQuestionText), SpringRow()};
     for (const QuestionButton& button : question_.buttons) {
-      dialog.control(button.id).setPlace({(size.width - width) / 2, y, width, kRow});
-      y += kStep;
+      rows.push_back(Centered({.cells = {ButtonCell(button.id)}}));
+      rows.back().cells[0].width = kButtonWidth;
     }
-    if (!has_box) return;
-    dialog.control(question_.check_box.id)
-        .setPlace({(size.width - width) / 2, y, size.width - (size.width - width) / 2, kRow});
+    if (question_.check_box.id != 0) rows.push_back(CheckRow(question_.check_box.id));
+    PlaceRows(dialog, rows, {.margin = 8});
   }
   void onNotice(Dialog& dialog, ControlId control, Notice notice) override {
     if (notice == Notice::kActivated) end(dialog, control);

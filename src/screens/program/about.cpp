@@ -1,6 +1,7 @@
 #include "screens/program/about.h"
 
 #include "screens/kit/commands.h"
+#include "screens/kit/row_layout.h"
 #include "screens/kit/screen_numbers.h"
 #include "services/screen_text.h"
 
@@ -8,6 +9,7 @@ namespace tabelion {
 namespace {
 
 constexpr int kNamePixels = 20;
+constexpr int kNameHeight = 28;
 constexpr Size kLogoSize{96, 48};
 
 DialogTemplate aboutTemplate() {
@@ -60,20 +62,17 @@ class AboutScreen : public CommandScreen<AboutScreen> {
     dialog.control(kAboutLogo).setPlace({40, 12, kLogoSize.width, kLogoSize.height});
     dialog.control(kAboutName).setPlace({136, 8, 136, 28});
     dialog.control(kAboutVersion).setPlace({136, 38, 136, 20});
-    dialog.control(kAboutPurpose).setPlace({8, 74, 304, 48});
-    dialog.control(kAboutKeys).setPlace({8, 130, 304, 60});
-    dialog.setContentHeight(190);
+    PlaceRows(dialog, {TextRow(kAboutPurpose), Spaced(TextRow(kAboutKeys))},
+              {.top = 70, .margin = 8});
   }
   // Everything below each other.
   static void placePortrait(Dialog& dialog) {
-    const int width = dialog.screenSize().width;
-    dialog.control(kAboutLogo)
-        .setPlace({(width - kLogoSize.width) / 2, 12, kLogoSize.width, kLogoSize.height});
-    dialog.control(kAboutName).setPlace({0, 66, width, 28});
-    dialog.control(kAboutVersion).setPlace({0, 94, width, 20});
-    dialog.control(kAboutPurpose).setPlace({8, 126, width - 16, 64});
-    dialog.control(kAboutKeys).setPlace({8, 196, width - 16, 64});
-    dialog.setContentHeight(260);
+    LayoutRow name = TextRow(kAboutName);
+    name.cells[0].height = kNameHeight;
+    PlaceRows(dialog,
+              {Centered({.cells = {AreaCell(kAboutLogo, kLogoSize)}}), name, TextRow(kAboutVersion),
+               Spaced(TextRow(kAboutPurpose)), Spaced(TextRow(kAboutKeys))},
+              {.top = 8, .margin = 8});
   }
 };
 

@@ -1,6 +1,7 @@
 #include "screens/program/ask_password.h"
 
 #include "screens/kit/commands.h"
+#include "screens/kit/row_layout.h"
 #include "screens/kit/screen_numbers.h"
 #include "services/message.h"
 #include "services/screen_text.h"
@@ -45,10 +46,8 @@ class PasswordScreen : public CommandScreen<PasswordScreen> {
     dialog.control(kPasswordEdit).focus();
   }
   void onResize(Dialog& dialog) override {
-    const int width = dialog.screenSize().width;
-    dialog.control(kPasswordLabel).setPlace({4, 20, width - 8, 20});
-    dialog.control(kPasswordEdit).setPlace({20, 46, width - 40, 24});
-    dialog.control(kHidePasswordBox).setPlace({20, 78, width - 40, 24});
+    PlaceRows(dialog, {TextRow(kPasswordLabel), BoxRow(kPasswordEdit), CheckRow(kHidePasswordBox)},
+              {.top = 14, .widest = 260, .margin = 20});
   }
   void onNotice(Dialog& dialog, ControlId control, Notice notice) override {
     if (control != kHidePasswordBox || notice != Notice::kEdited) return;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "screens/kit/row_layout.h"
 #include "screens/kit/screen_numbers.h"
 #include "services/screen_text.h"
 #include "services/setting_table.h"
@@ -113,42 +114,21 @@ void PreferencesScreen::onInit(Dialog& dialog) {
   Layout(dialog);
 }
 
-// Rows from the top. The two parts of a longer row stand where the text of its check box ends,
-// indented; the long text of the box for auto-close takes their place while they are hidden.
+// The number boxes stand within their sentences, while they are there.
 void PreferencesScreen::Layout(Dialog& dialog) {
-  constexpr int kLeft = 2;
-  constexpr int kIndent = 22;
-  constexpr int kRow = 22;
-  constexpr int kGap = 2;
-  constexpr int kWideScreen = 300;
-  constexpr int kTextLine = 15;
-  const int width = dialog.screenSize().width - 2 * kLeft;
-  const int lines = width >= kWideScreen ? 2 : 3;  // that a long text takes
-  int y = kGap;
-  const auto place = [&](ControlId id, int x, int wide, int high) {
-    dialog.control(id).setPlace({x, y, wide, high});
-  };
-  place(kSaveOnCloseBox, kLeft, width, kRow);
-  y += kRow + kGap;
-  place(kSaveByTimeBox, kLeft, width, kRow);
-  y += kRow + kGap;
-  place(kSaveSeconds, kIndent, 46, kRow);
-  place(kSecondsLabel, kIndent + 48, 80, kRow);
-  y += kRow + kGap;
-  const int long_row = lines * kTextLine + 6;
-  place(kAutoEncryptBox, kLeft, width, long_row);
-  y += long_row + kGap;
-  const bool closes = dialog.control(kAutoCloseBox).checked();
-  place(kAutoCloseBox, kLeft, width, closes ? kRow : long_row);
-  const int below = y + std::max(long_row, 2 * kRow + kGap) + kGap;
-  y += kRow + kGap;
-  place(kCloseMinutes, kIndent, 34, kRow);
-  place(kMinutesPreset, kIndent + 36, 28, kRow);  // its arrows alone: the box shows the value
-  place(kMinutesLabel, kIndent + 66, width - kIndent - 64, kRow);
-  y = below;
-  place(kWeekStartsLabel, kLeft, 84, kRow);
-  place(kWeekStartChoice, kLeft + 86, 110, kRow);
-  dialog.setContentHeight(y + kRow + kGap);
+  std::vector<LayoutCell> saving{CheckCell(kSaveByTimeBox)};
+  if (dialog.control(kSaveByTimeBox).checked()) {
+    saving.insert(saving.end(), {BoxCell(kSaveSeconds, 46), Glued(TextCell(kSecondsLabel))});
+  }
+  std::vector<LayoutCell> closing{CheckCell(kAutoCloseBox)};
+  if (dialog.control(kAutoCloseBox).checked()) {
+    closing.insert(closing.end(), {BoxCell(kCloseMinutes, 34),
+                                   Glued(BoxCell(kMinutesPreset, 28)),  // its arrows alone
+                                   TextCell(kMinutesLabel)});
+  }
+  PlaceRows(dialog,
+            {CheckRow(kSaveOnCloseBox), SentenceRow(saving), CheckRow(kAutoEncryptBox),
+             SentenceRow(closing), LabeledRow(kWeekStartsLabel, {BoxCell(kWeekStartChoice, 110)})});
 }
 
 void PreferencesScreen::ShowSeconds(Dialog& dialog, bool shown) {
@@ -169,7 +149,8 @@ void PreferencesScreen::onNotice(Dialog& dialog, ControlId control, Notice notic
     case kSaveByTimeBox: {
       const bool checked = dialog.control(kSaveByTimeBox).checked();
       if (checked) dialog.control(kSaveSeconds).setText(u"60");
-      return ShowSeconds(dialog, checked);
+      ShowSeconds(dialog, checked);
+      return Layout(dialog);
     }
     case kAutoCloseBox:
       ShowMinutes(dialog, dialog.control(kAutoCloseBox).checked());

@@ -26,6 +26,16 @@ constexpr int kIconSize = 20;
 constexpr int kSeparatorStep = 22;
 constexpr int kNoteWidth = 80;
 
+// On screens that no phone had.
+constexpr int kWidestPhone = 400;
+constexpr int kWidestForm = 640;  // that the share of the values is taken of
+constexpr int kWideMargin = 8;
+constexpr int kWideLabelLeft = 20;
+constexpr int kIconMiddle = 4;  // below its top; it is drawn in the upper left quarter
+constexpr int kWideLabelMargin = 8;
+constexpr int kWideRow = 24;
+constexpr int kWideGap = 4;
+
 RowShape shapeOf(FieldType type) {
   switch (type) {
     case FieldType::kPopup:
@@ -74,26 +84,40 @@ struct RunningTops {
   }
 };
 
-}  // namespace
-
-FormLayout LayoutEditForm(const DatabaseRecord& schema, int screen_width) {
-  const int form_width = screen_width - 8;
+int valueWidth(const DatabaseRecord& schema, int form_width) {
   const int adjustment =
       std::clamp<int>(schema.label_width_adjustment, kNarrowestValues, kWidestValues);
-  const int value_width = (adjustment + 80) * form_width / 160;
-  FormLayout layout;
-  RunningTops tops;
+  return (adjustment + 80) * form_width / 160;
+}
+
+// What the form shows: the fields, and separators among them.
+std::vector<const FieldDefinition*> shownFields(const DatabaseRecord& schema) {
+  std::vector<const FieldDefinition*> fields;
   for (const int slot : slotsInDisplayOrder(schema)) {
     const FieldDefinition& field = schema.fields[static_cast<std::size_t>(slot)];
-    if (field.record_view_flag == 0) continue;
-    if (field.type == FieldType::kSeparator) {
+    if (field.record_view_flag != 0) fields.push_back(&field);
+  }
+  return fields;
+}
+
+int slotOf(const DatabaseRecord& schema, const FieldDefinition& field) {
+  return static_cast<int>(&field - schema.fields.data());
+}
+
+FormLayout layoutAsOnThePhone(const DatabaseRecord& schema, int screen_width) {
+  const int form_width = screen_width - 8;
+  const int value_width = valueWidth(schema, form_width);
+  FormLayout layout;
+  RunningTops tops;
+  for (const FieldDefinition* field : shownFields(schema)) {
+    if (field->type == FieldType::kSeparator) {
       tops.advance(kSeparatorStep);
       continue;
     }
-    const RowShape shape = shapeOf(field.type);
+    const RowShape shape = shapeOf(field->type);
     FormRow row;
-    row.slot = slot;
-    row.type = field.type;
+    row.slot = slotOf(schema, *field);
+    row.type = field->type;
     row.label = {shape.label_x, tops.of(shape.label_top),
                  std::max(0, form_width - value_width - shape.label_margin), shape.label_height};
     row.value = {form_width - value_width, tops.of(shape.value_top),
@@ -105,6 +129,48 @@ FormLayout LayoutEditForm(const DatabaseRecord& schema, int screen_width) {
   }
   layout.height = tops.value;
   return layout;
+}
+
+FormLayout layoutWide(const DatabaseRecord& schema, const FormScreen& screen) {
+  const std::vector<const FieldDefinition*> fields = shownFields(schema);
+  int label_width = 0;
+  for (const FieldDefinition* field : fields) {
+    if (field->type == FieldType::kSeparator) continue;
+    label_width = std::max(label_width, screen.label_width(*field) + kWideLabelMargin);
+  }
+  label_width = std::min(label_width, screen.width / 2 - kWideLabelLeft);
+  const int value_left = kWideLabelLeft + label_width + kWideMargin;
+  const int value_width = std::min(valueWidth(schema, std::min(screen.width - 8, kWidestForm)),
+                                   screen.width - kWideMargin - value_left);
+  const int row_height = std::max(kWideRow, screen.font_height + 8);
+  FormLayout layout;
+  int top = kWideMargin;
+  for (const FieldDefinition* field : fields) {
+    if (field->type == FieldType::kSeparator) {
+      top += kSeparatorStep;
+      continue;
+    }
+    const int fixed = shapeOf(field->type).fixed_value_width;
+    FormRow row;
+    row.slot = slotOf(schema, *field);
+    row.type = field->type;
+    row.label = {kWideLabelLeft, top, label_width, row_height};
+    row.value = {value_left, top, fixed != 0 ? fixed : value_width, row_height};
+    if (shapeOf(field->type).has_icon) {
+      row.icon = Rect{kWideMargin, top + row_height / 2 - kIconMiddle, kIconSize, kIconSize};
+    }
+    layout.rows.push_back(row);
+    top += row_height + kWideGap;
+  }
+  layout.height = top + kWideMargin - kWideGap;
+  return layout;
+}
+
+}  // namespace
+
+FormLayout LayoutEditForm(const DatabaseRecord& schema, const FormScreen& screen) {
+  return screen.width > kWidestPhone ? layoutWide(schema, screen)
+                                     : layoutAsOnThePhone(schema, screen.width);
 }
 
 }  // namespace tabelion

@@ -1,6 +1,7 @@
 // Where the rows of the edit form lie.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -28,7 +29,16 @@ struct FormLayout {
   int height = 0;
 };
 
-// Rows for every field in display order that the form shows, on a screen of this width.
-FormLayout LayoutEditForm(const DatabaseRecord& schema, int screen_width);
+// The screen that the form lies on, and what its font needs.
+struct FormScreen {
+  int width = 0;
+  int font_height = 0;
+  std::function<int(const FieldDefinition&)> label_width;  // of the field's name
+};
+
+// Rows for every field in display order that the form shows. Up to 400 pixels the phone's own
+// places, which put the label behind the icon; on wider screens one column of icons, one of labels
+// and one of values beside them, in even steps.
+FormLayout LayoutEditForm(const DatabaseRecord& schema, const FormScreen& screen);
 
 }  // namespace tabelion

@@ -39,10 +39,18 @@ const FieldRecord& RecordForm::Items(int slot) const {
   return CurrentDatabase(app_).fields[static_cast<std::size_t>(slot)];
 }
 
+FormLayout RecordForm::LayOut(Dialog& dialog) const {
+  return LayoutEditForm(CurrentDatabase(app_).schema,
+                        {dialog.screenSize().width, dialog.textSize(u"X", 0).height,
+                         [&](const FieldDefinition& field) {
+                           return dialog.textSize(ScreenText(app_, fieldName(field)), 0).width;
+                         }});
+}
+
 void RecordForm::Show(Dialog& dialog, ByteView record, bool editable) {
   Clear(dialog);
   record_.assign(record.begin(), record.end());
-  const FormLayout layout = LayoutEditForm(CurrentDatabase(app_).schema, dialog.screenSize().width);
+  const FormLayout layout = LayOut(dialog);
   fields_.reserve(layout.rows.size());
   for (const FormRow& row : layout.rows) {
     Field& field = fields_.emplace_back(MakeField(row, record, editable));
@@ -122,7 +130,7 @@ void RecordForm::FillChoice(Dialog& dialog, Field& field, ByteView record) {
 }
 
 void RecordForm::Place(Dialog& dialog) {
-  const FormLayout layout = LayoutEditForm(CurrentDatabase(app_).schema, dialog.screenSize().width);
+  const FormLayout layout = LayOut(dialog);
   for (const FormRow& row : layout.rows) {
     Field* field = FieldOf(FormValue(row.slot));
     if (field == nullptr) continue;

@@ -68,6 +68,7 @@ class RecordForm {
   };
 
   Field MakeField(const FormRow& row, ByteView record, bool editable) const;
+  FormLayout LayOut(Dialog& dialog) const;
   void AddControls(Dialog& dialog, const Field& field);
   void FillChoice(Dialog& dialog, Field& field, ByteView record);
   bool IsChanged(Dialog& dialog, const Field& field) const;

@@ -4,6 +4,8 @@
 
 #include <memory>
 
+#include "engine/schema_places.h"
+
 namespace tabelion {
 namespace {
 
@@ -12,6 +14,12 @@ std::unique_ptr<DatabaseRecord> schemaOf(const std::vector<FieldType>& types) {
   initSchema(*schema);
   for (std::size_t i = 0; i < types.size(); ++i) schema->fields[i].type = types[i];
   return schema;
+}
+
+FormLayout layOut(const DatabaseRecord& schema, int width) {
+  return LayoutEditForm(schema, {width, 15, [](const FieldDefinition& field) {
+                                   return static_cast<int>(fieldName(field).size()) * 7;
+                                 }});
 }
 
 // On a screen of 168 pixels S is 160, so with adjustment 0 the value column is 80 wide.
@@ -43,7 +51,7 @@ TEST(FormLayout, PlacesEveryRowByItsType) {
       {FieldType::kLookup, {1, 5, 77, 24}, {80, 8, 80, 24}, false, 26},
   };
   for (const Case& expected : cases) {
-    const FormLayout layout = LayoutEditForm(*schemaOf({expected.type, expected.type}), 168);
+    const FormLayout layout = layOut(*schemaOf({expected.type, expected.type}), 168);
     ASSERT_EQ(layout.rows.size(), 2u) << codeOf(expected.type);
     EXPECT_EQ(layout.rows[0].label, expected.label) << codeOf(expected.type);
     EXPECT_EQ(layout.rows[0].value, expected.value) << codeOf(expected.type);
@@ -61,13 +69,37 @@ TEST(FormLayout, SharesTheWidthByTheAdjustment) {
   const auto schema = schemaOf({FieldType::kText});
   const auto valueWidth = [&](int adjustment, int screen) {
     schema->label_width_adjustment = static_cast<std::int16_t>(adjustment);
-    return LayoutEditForm(*schema, screen).rows[0].value.width;
+    return layOut(*schema, screen).rows[0].value.width;
   };
   EXPECT_EQ(valueWidth(0, 176), 84);
   EXPECT_EQ(valueWidth(2, 240), 118);  // 82 × 232 / 160 = 118.9
   EXPECT_EQ(valueWidth(-70, 240), 14);
   EXPECT_EQ(valueWidth(78, 240), 229);
   EXPECT_EQ(valueWidth(-30000, 240), 14);  // a value from a file stays on the screen
+}
+
+TEST(FormLayout, HasOneColumnOfEachOnWideScreens) {
+  const auto schema = schemaOf({FieldType::kText, FieldType::kNote, FieldType::kCheckBox,
+                                FieldType::kDate, FieldType::kLookup, FieldType::kInteger});
+  setFieldName(schema->fields[4], "The longest name");
+  for (const int width : {401, 480, 800, 1600}) {
+    for (const int adjustment : {int{kNarrowestValues}, 0, int{kWidestValues}}) {
+      schema->label_width_adjustment = static_cast<std::int16_t>(adjustment);
+      const FormLayout layout = layOut(*schema, width);
+      const FormRow& first = layout.rows.front();
+      EXPECT_GE(first.label.width, 16 * 7);
+      for (std::size_t i = 0; i < layout.rows.size(); ++i) {
+        const FormRow& row = layout.rows[i];
+        EXPECT_EQ(row.label.x, first.label.x);
+        EXPECT_EQ(row.value.x, first.value.x);
+        EXPECT_EQ(row.value.y, first.value.y + static_cast<int>(i) * 28);
+        EXPECT_EQ(row.label.y + row.label.height / 2, row.value.y + row.value.height / 2);
+        EXPECT_LE(row.value.x + row.value.width, width);
+        EXPECT_LE(row.icon.value_or(Rect{}).x + 10, row.label.x);
+      }
+      EXPECT_LE(first.value.x, first.label.x + first.label.width + 8);  // beside its label
+    }
+  }
 }
 
 TEST(FormLayout, FollowsTheDisplayOrderAndLeavesOutWhatTheFormHides) {
@@ -78,7 +110,7 @@ TEST(FormLayout, FollowsTheDisplayOrderAndLeavesOutWhatTheFormHides) {
   schema->display_order[4] = 3;  // twice, and a slot that there is not
   schema->display_order[5] = 200;
   schema->fields[4].record_view_flag = 0;
-  const FormLayout layout = LayoutEditForm(*schema, 240);
+  const FormLayout layout = layOut(*schema, 240);
   ASSERT_EQ(layout.rows.size(), 2u);
   EXPECT_EQ(layout.rows[0].slot, 3);
   EXPECT_EQ(layout.rows[1].slot, 0);
