@@ -40,6 +40,7 @@ ExitCode exitCodeFor(ErrorKind kind) {
     case ErrorKind::kCannotOpen:
       return ExitCode::kCannotOpen;
     case ErrorKind::kCannotWrite:
+    case ErrorKind::kWarning:
       return ExitCode::kCannotWrite;
     case ErrorKind::kLocked:
       return ExitCode::kLocked;
@@ -239,11 +240,11 @@ bool CliContext::encipherAgain(Database& database) {
 ExitCode CliContext::save(Database& database) {
   if (deciphered_ && !encipherAgain(database)) return ExitCode::kRefused;
   nameCurrentRecord(database);
-  if (saveDatabase(database, engine)) return ExitCode::kDone;
-  Error error = files.lastWriteError();
-  if (error.text.empty()) error.text = database.path + ": too large to be written";
-  error.kind = ErrorKind::kCannotWrite;
-  return fail(error);
+  engine_message_.clear();
+  const Status saved = trySaveDatabase(database, engine);
+  if (!saved.ok()) return fail({ErrorKind::kCannotWrite, saved.error().text});
+  if (!engine_message_.empty()) say(engine_message_);
+  return ExitCode::kDone;
 }
 
 std::unique_ptr<FileLock> CliContext::lock(const std::string& path, ExitCode& failure) {

@@ -29,18 +29,13 @@ Result<std::vector<std::uint8_t>> PipedFiles::readStart(const std::string& path,
 }
 
 Status PipedFiles::replace(const std::string& path, std::span<const BytePiece> pieces) {
-  if (path != kPipe) {
-    Status status = real_.replace(path, pieces);
-    if (!status.ok()) last_write_error_ = status.error();
-    return status;
-  }
+  if (path != kPipe) return real_.replace(path, pieces);
   OutputBuffer buffer(streams_.out);
   for (const BytePiece& piece : pieces) {
     buffer.put({reinterpret_cast<const char*>(piece.data()), piece.size()});
   }
   if (buffer.flush()) return Done{};
-  last_write_error_ = makeError(ErrorKind::kCannotWrite, "standard output cannot be written");
-  return last_write_error_;
+  return makeError(ErrorKind::kCannotWrite, "standard output cannot be written");
 }
 
 Result<std::unique_ptr<FileLock>> PipedFiles::lock(const std::string& path,

@@ -16,9 +16,6 @@ class PipedFiles : public Files {
  public:
   PipedFiles(Files& real, Streams& streams) : real_(real), streams_(streams) {}
 
-  // Why the last replace() failed; a save itself tells only that it did.
-  const Error& lastWriteError() const { return last_write_error_; }
-
   Result<FileImage> read(const std::string& path) override;
   Result<std::vector<std::uint8_t>> readStart(const std::string& path, std::size_t limit) override;
   Status replace(const std::string& path, std::span<const BytePiece> pieces) override;
@@ -46,7 +43,6 @@ class PipedFiles : public Files {
   Streams& streams_;
   std::optional<FileImage> started_;  // input of which only the start was wanted so far
   bool input_used_ = false;
-  Error last_write_error_;
 };
 
 }  // namespace tabelion

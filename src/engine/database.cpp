@@ -241,14 +241,27 @@ bool layOutDatabase(Database& database, FileLayout& layout) {
   return true;
 }
 
-int saveDatabase(Database& database, Engine& engine) {
+Status trySaveDatabase(Database& database, Engine& engine) {
   database.header.modification_date = secondsSince1904(engine.clock.utc());
   FileLayout layout;
-  if (!layOutDatabase(database, layout)) return 0;
+  if (!layOutDatabase(database, layout)) {
+    return makeError(ErrorKind::kRefused,
+                     fmt::format("Could not write {}: it would be larger than 4 GiB, which is the "
+                                 "most that a database can have",
+                                 database.path));
+  }
   const Status written = engine.files.replace(database.path, layout.pieces);
-  if (!written.ok() && written.error().kind == ErrorKind::kRefused) return 0;
+  if (!written.ok() && written.error().kind == ErrorKind::kRefused) return written;
   clearDirty(database);
-  return written.ok() ? 1 : 0;
+  if (!written.ok() && written.error().kind == ErrorKind::kWarning) {
+    engine.message(written.error().text);
+    return Done{};
+  }
+  return written;
+}
+
+int saveDatabase(Database& database, Engine& engine) {
+  return trySaveDatabase(database, engine).ok() ? 1 : 0;
 }
 
 void nameCurrentRecord(Database& database) {

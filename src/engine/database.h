@@ -94,6 +94,9 @@ int openDatabase(Database& database, Engine& engine);
 // Compat: once writing has begun the dirty flag is cleared, also when the write fails
 // (Saving.FailedWriteClearsTheDirtyFlag); who shows the result sets it again.
 int saveDatabase(Database& database, Engine& engine);
+// The same, with the reason of a failure in words for the user. A file that was written but may not
+// outlast a power failure counts as saved; Engine::message says so.
+Status trySaveDatabase(Database& database, Engine& engine);
 
 // For a program that has no current record of its own, before it saves: the record that was the
 // current one at the last save stays it, wherever it stands now. Item 24 is 0 when it was deleted.

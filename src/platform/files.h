@@ -63,10 +63,12 @@ class Files {
                                                       std::size_t limit) = 0;
   // Writes the pieces, in order, as the new content of `path`, in one step: whatever happens in
   // between, the file is wholly the old one or wholly the new one, flushed to the disk when this
-  // returns. An error means that the old file (or its absence) is still in place. Mode, owner and
+  // returns. An error means that the old file (or its absence) is still in place, but for
+  // kWarning: then the new one is, but may be lost in a power failure. Mode, owner and
   // a symbolic link at `path` are kept. Devices, and targets that could not be opened for writing
   // or have no room for a sibling, are refused with kRefused before anything is written;
-  // whatever fails later is kCannotWrite.
+  // whatever fails later is kCannotWrite. The text says in a person's words what is in the way: a
+  // file or folder that is read-only, a full disk, an owner that cannot be kept.
   virtual Status replace(const std::string& path, std::span<const BytePiece> pieces) = 0;
   // Takes the advisory lock that every writing program takes before it opens `path` for changing.
   // `holder` is what the next one is told ("tabelion"); process and machine are added. kLocked

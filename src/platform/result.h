@@ -12,6 +12,7 @@ enum class ErrorKind {
   kNotFound,     // no such file, folder, field, …
   kCannotOpen,   // it is there, but cannot be read
   kCannotWrite,  // it cannot be written; what was there before is unharmed
+  kWarning,      // it is done, but the text tells what may still go wrong with it
   kLocked,       // another program holds it; the text names the holder
   kNotDatabase,  // readable, but not a file of this system
   kDamaged,      // a file of this system whose bytes contradict each other

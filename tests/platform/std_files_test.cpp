@@ -157,20 +157,22 @@ TEST_F(FilesTest, ReplaceRefusesWhatIsNoFile) {
   EXPECT_TRUE(S_ISCHR(status.st_mode));
 }
 
-TEST_F(FilesTest, ReplaceRefusesProtectedFiles) {
+TEST_F(FilesTest, ReplaceSaysWhatIsProtected) {
   // The folder would let it be replaced; the file itself says no.
   const std::string path = folder.write("file", "old");
+  const auto fails = [&](const std::string& reason) {
+    return holdsWithoutRights([&] {
+      const Status result = replaceWith(files, path, "new");
+      return !result.ok() && result.error().kind == ErrorKind::kRefused &&
+             result.error().text == "Could not write " + path + ": " + reason;
+    });
+  };
   ASSERT_EQ(::chmod(folder.path().c_str(), 0777), 0);
   ASSERT_EQ(::chmod(path.c_str(), 0444), 0);
-  EXPECT_TRUE(holdsWithoutRights([&] { return !replaceWith(files, path, "new").ok(); }));
-  if (::getuid() == 0) {
-    // Writable for all, but its owner could not be kept.
-    ASSERT_EQ(::chmod(path.c_str(), 0666), 0);
-    EXPECT_TRUE(holdsWithoutRights([&] {
-      const Status result = replaceWith(files, path, "new");
-      return !result.ok() && result.error().text.find("owner") != std::string::npos;
-    }));
-  }
+  EXPECT_TRUE(fails("the file is read-only"));
+  ASSERT_EQ(::chmod(path.c_str(), 0666), 0);
+  ASSERT_EQ(::chmod(folder.path().c_str(), 0555), 0);
+  EXPECT_TRUE(fails("its folder is read-only, and saving needs room beside it"));
   EXPECT_EQ(folder.read("file"), "old");
   EXPECT_EQ(folder.count(), 1u);
 }

@@ -168,7 +168,7 @@ TEST_F(FileManagement, MovedDatabaseLeavesItsPlaceOnlyWhenTheCopyIsWhole) {
   };
 
   world.files.read_only.insert(form_on_card);
-  world.phone.says(u"Could not write /card/Tabelion/Notes_TBF.PDB: Permission denied",
+  world.phone.says(u"Could not write /card/Tabelion/Notes_TBF.PDB: the file is read-only",
                    u"Move Database");
   move(CopyChoice::kOverwrite);
   EXPECT_TRUE(world.files.exists(path) && world.files.exists(form));

@@ -59,7 +59,7 @@ std::optional<Error> MemoryFiles::refusal(const std::string& path) const {
   const auto at = nodes_.find(path);
   const bool is_folder = at != nodes_.end() && at->second.is_folder;
   if (!is_folder && read_only.count(path) == 0 && nodes_.count(parentOf(path)) != 0) return {};
-  return makeError(ErrorKind::kCannotWrite, "Could not write " + path + ": Permission denied");
+  return makeError(ErrorKind::kCannotWrite, "Could not write " + path + ": the file is read-only");
 }
 
 Result<FileImage> MemoryFiles::read(const std::string& path) {
@@ -67,7 +67,8 @@ Result<FileImage> MemoryFiles::read(const std::string& path) {
   const Node* const node = fileAt(path);
   if (!node) return notFound(path);
   if (unreadable.count(path) != 0) {
-    return makeError(ErrorKind::kCannotOpen, "Could not open " + path + ": Permission denied");
+    return makeError(ErrorKind::kCannotOpen,
+                     "Could not open " + path + ": this user has no right to it");
   }
   // A copy of the exact size, so that a read past the end is seen.
   auto copy = std::shared_ptr<std::uint8_t[]>(new std::uint8_t[node->bytes.size()]);
@@ -88,8 +89,7 @@ Status MemoryFiles::replace(const std::string& path, std::span<const BytePiece> 
   std::vector<std::uint8_t> content;
   for (const BytePiece& piece : pieces) content.insert(content.end(), piece.begin(), piece.end());
   if (fail_replace_at && content.size() > *fail_replace_at) {
-    return makeError(ErrorKind::kCannotWrite,
-                     "Could not write " + path + ": No space left on device");
+    return makeError(ErrorKind::kCannotWrite, "Could not write " + path + ": the disk is full");
   }
   nodes_[path].bytes = std::move(content);
   nodes_[path].version = ++writes_;

@@ -82,11 +82,13 @@ bool writeFully(int fd, std::span<iovec> pieces) {
   return true;
 }
 
-// A rename is on the disk once its folder is. By then the new file is in place whatever happens,
-// so a failure here changes nothing that could be reported.
-void flushFolder(const std::string& path) {
+// A rename is on the disk once its folder is. `file` is what was renamed. False with errno set.
+bool flushFolder(const std::string& path, int file) {
   const FileDescriptor folder(::open(folderOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (folder) ::fsync(folder.get());
+  // A folder that may be written but not read is flushed with everything else on its disk.
+  if (!folder) return errno == EACCES && ::syncfs(file) == 0;
+  if (retryInterrupted([&] { return ::fsync(folder.get()); }) == 0) return true;
+  return errno == EINVAL || errno == ENOTSUP || errno == ENOSYS;  // no such thing on this disk
 }
 
 }  // namespace
@@ -116,6 +118,10 @@ Error Replacement::failed(std::string_view step, int error_number) const {
                      error_number);
 }
 
+Error Replacement::failed(std::string_view reason) const {
+  return makeError(ErrorKind::kCannotWrite, fmt::format("Could not write {}: {}", target_, reason));
+}
+
 Error Replacement::failed(int error_number) const {
   return systemError(ErrorKind::kCannotWrite, fmt::format("Could not write {}", target_),
                      error_number);
@@ -141,6 +147,8 @@ Result<Replacement> Replacement::begin(const std::string& path, Existing existin
   // Replacing needs only rights on the folder; a file that is protected itself is refused here.
   const FileDescriptor old_file(
       retryInterrupted([&] { return ::open(target->c_str(), O_WRONLY | O_NOFOLLOW | O_CLOEXEC); }));
+  if (!old_file && (errno == EACCES || errno == EPERM))
+    return replacement.failed("the file is read-only");
   if (!old_file) return replacement.failed(errno);
   if (::fstat(old_file.get(), &old) != 0) return replacement.failed(errno);
   if (Status made = replacement.createSibling(0600); !made) return made.error();
@@ -168,7 +176,8 @@ Status Replacement::createSibling(mode_t mode) {
       }
       continue;
     }
-    if (errno != EEXIST) return failed("no new file can be made beside it", errno);
+    if (errno == EACCES) return failed("its folder is read-only, and saving needs room beside it");
+    if (errno != EEXIST) return failed(errno);
     const FileDescriptor left(::open(path, kFlags | O_NONBLOCK));
     if (left && ::flock(left.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) break;
     if (::unlink(path) != 0 && errno != ENOENT) {
@@ -226,9 +235,13 @@ Status Replacement::commit() {
                            ? ::rename(sibling_.c_str(), target_.c_str()) == 0
                            : renameNoReplace(sibling_, target_);
   if (!renamed) return failed(errno);
-  file_.close();
-  flushFolder(target_);
-  return Done{};
+  const FileDescriptor file = std::move(file_);
+  if (flushFolder(target_, file.get())) return Done{};
+  return systemError(ErrorKind::kWarning,
+                     fmt::format("{} is written, but a power failure may still bring back what was "
+                                 "there before",
+                                 target_),
+                     errno);
 }
 
 Status replaceFile(const std::string& path, std::span<const BytePiece> pieces) {

@@ -33,7 +33,8 @@ class Replacement {
   Status append(std::span<const BytePiece> pieces);
   // Gives the new file the mode and the times of `status` (a moved file keeps its own).
   Status takeAttributes(const struct stat& status);
-  // Flushes the bytes to the disk and renames.
+  // Flushes the bytes to the disk, renames, and flushes the folder; kWarning when only that
+  // last step failed.
   Status commit();
 
  private:
@@ -41,6 +42,7 @@ class Replacement {
   Status createSibling(mode_t mode);
   Status keepAttributes(int old_fd, const struct stat& old);
   Error failed(std::string_view step, int error_number) const;
+  Error failed(std::string_view reason) const;
   Error failed(int error_number) const;
 
   std::string target_;

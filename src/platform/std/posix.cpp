@@ -34,8 +34,31 @@ bool FileDescriptor::close() {
   return ::close(release()) == 0 || errno == EINTR;
 }
 
+std::string reasonInWords(int error_number) {
+  switch (error_number) {
+    case ENOENT:
+      return "there is no such file or folder";
+    case EACCES:
+      return "this user has no right to it";
+    case EROFS:
+      return "the disk is read-only";
+    case ENOSPC:
+      return "the disk is full";
+    case EDQUOT:
+      return "this user's share of the disk is used up";
+    case EFBIG:
+      return "it is larger than is possible here";
+    case EIO:
+      return "the disk reports an error";
+    case ENOMEM:
+      return "there is not enough memory";
+    default:
+      return std::system_category().message(error_number);
+  }
+}
+
 Error systemError(ErrorKind kind, std::string_view what, int error_number) {
-  return makeError(kind, fmt::format("{}: {}", what, std::system_category().message(error_number)));
+  return makeError(kind, fmt::format("{}: {}", what, reasonInWords(error_number)));
 }
 
 std::string folderOf(const std::string& path) {

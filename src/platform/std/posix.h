@@ -39,7 +39,11 @@ auto retryInterrupted(Call call) {
   return result;
 }
 
-// "WHAT: reason", the reason being the system's words for `error_number`.
+// Why the system refused, for people: "the disk is full". The system's own words where it has no
+// better ones here.
+std::string reasonInWords(int error_number);
+
+// "WHAT: reason", the reason as reasonInWords() says it.
 Error systemError(ErrorKind kind, std::string_view what, int error_number);
 
 std::string folderOf(const std::string& path);   // "." for a bare name

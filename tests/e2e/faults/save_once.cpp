@@ -3,8 +3,8 @@
 //   save_once make FILE RECORDS
 //   save_once change FILE SEED
 //
-// Exit codes: 0 saved, 1 not saved (the file is as it was), 2 wrong arguments. The clock stands
-// still, so that a change gives the same bytes whenever it is made.
+// Exit codes: 0 saved, 1 not saved (the file is as it was), 2 wrong arguments, 3 saved, with a
+// warning. The clock stands still, so that a change gives the same bytes whenever it is made.
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -21,6 +21,7 @@ namespace {
 constexpr int kSaved = 0;
 constexpr int kNotSaved = 1;
 constexpr int kUsage = 2;
+constexpr int kWarned = 3;
 
 Bytes makeRecord(const std::string& text) {
   UnpackedRecord record;
@@ -49,7 +50,10 @@ int change(Database& database, Engine& engine, const std::string& seed) {
     if (!database.records.replace(i, changed)) return kNotSaved;
   }
   setDirty(database);
-  return saveDatabase(database, engine) == 1 ? kSaved : kNotSaved;
+  bool warned = false;
+  engine.message = [&](const std::string&) { warned = true; };
+  if (saveDatabase(database, engine) != 1) return kNotSaved;
+  return warned ? kWarned : kSaved;
 }
 
 int run(int count, char** arguments) {
