@@ -26,9 +26,11 @@ class ImageFiles : public Files {
     std::copy(image_.begin(), image_.end(), bytes.get());
     return FileImage{bytes, image_.size()};
   }
-  Result<std::vector<std::uint8_t>> readStart(const std::string&, std::size_t limit) override {
-    const ByteView start = image_.first(std::min(limit, image_.size()));
-    return std::vector<std::uint8_t>(start.begin(), start.end());
+  Result<std::vector<std::uint8_t>> readPart(const std::string&, std::uint64_t offset,
+                                             std::size_t limit) override {
+    const ByteView rest = image_.subspan(std::min<std::size_t>(offset, image_.size()));
+    const ByteView part = rest.first(std::min(limit, rest.size()));
+    return std::vector<std::uint8_t>(part.begin(), part.end());
   }
   Status replace(const std::string&, std::span<const BytePiece>) override { return none(); }
   Result<std::unique_ptr<FileLock>> lock(const std::string&, const std::string&) override {

@@ -5,7 +5,12 @@
 namespace tabelion {
 
 Result<FileImage> PipedFiles::read(const std::string& path) {
-  if (path != kPipe) return real_.read(path);
+  Result<FileImage> image = path == kPipe ? readInput() : real_.read(path);
+  read_error_ = image.ok() ? std::nullopt : std::optional(image.error());
+  return image;
+}
+
+Result<FileImage> PipedFiles::readInput() {
   if (started_) {
     FileImage image = std::move(*started_);
     started_.reset();
@@ -18,13 +23,14 @@ Result<FileImage> PipedFiles::read(const std::string& path) {
   return streams_.read_input();
 }
 
-Result<std::vector<std::uint8_t>> PipedFiles::readStart(const std::string& path,
-                                                        std::size_t limit) {
-  if (path != kPipe) return real_.readStart(path, limit);
+Result<std::vector<std::uint8_t>> PipedFiles::readPart(const std::string& path,
+                                                       std::uint64_t offset, std::size_t limit) {
+  if (path != kPipe) return real_.readPart(path, offset, limit);
   auto image = read(path);
   if (!image.ok()) return image.error();
   started_ = *image;
-  const auto bytes = image->span().first(std::min(limit, image->size));
+  const auto rest = image->span().subspan(std::min<std::size_t>(offset, image->size));
+  const auto bytes = rest.first(std::min(limit, rest.size()));
   return std::vector<std::uint8_t>(bytes.begin(), bytes.end());
 }
 

@@ -16,8 +16,12 @@ class PipedFiles : public Files {
  public:
   PipedFiles(Files& real, Streams& streams) : real_(real), streams_(streams) {}
 
+  // Why the last read() failed; opening a database tells only that it did.
+  const std::optional<Error>& readError() const { return read_error_; }
+
   Result<FileImage> read(const std::string& path) override;
-  Result<std::vector<std::uint8_t>> readStart(const std::string& path, std::size_t limit) override;
+  Result<std::vector<std::uint8_t>> readPart(const std::string& path, std::uint64_t offset,
+                                             std::size_t limit) override;
   Status replace(const std::string& path, std::span<const BytePiece> pieces) override;
   Result<std::unique_ptr<FileLock>> lock(const std::string& path,
                                          const std::string& holder) override;
@@ -39,10 +43,13 @@ class PipedFiles : public Files {
   }
 
  private:
+  Result<FileImage> readInput();
+
   Files& real_;
   Streams& streams_;
   std::optional<FileImage> started_;  // input of which only the start was wanted so far
   bool input_used_ = false;
+  std::optional<Error> read_error_;
 };
 
 }  // namespace tabelion

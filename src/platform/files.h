@@ -58,9 +58,12 @@ class Files {
 
   // Reads the whole file. kNotFound or kCannotOpen.
   virtual Result<FileImage> read(const std::string& path) = 0;
-  // Reads at most `limit` bytes from the start; a shorter file gives what it has.
-  virtual Result<std::vector<std::uint8_t>> readStart(const std::string& path,
-                                                      std::size_t limit) = 0;
+  // Reads at most `limit` bytes, from `offset` on; a shorter file gives what it has there.
+  virtual Result<std::vector<std::uint8_t>> readPart(const std::string& path, std::uint64_t offset,
+                                                     std::size_t limit) = 0;
+  Result<std::vector<std::uint8_t>> readStart(const std::string& path, std::size_t limit) {
+    return readPart(path, 0, limit);
+  }
   // Writes the pieces, in order, as the new content of `path`, in one step: whatever happens in
   // between, the file is wholly the old one or wholly the new one, flushed to the disk when this
   // returns. An error means that the old file (or its absence) is still in place, but for
@@ -79,6 +82,7 @@ class Files {
 
   virtual Result<std::vector<FolderEntry>> list(const std::string& folder) = 0;  // sorted by name
   virtual Result<FileInfo> info(const std::string& path) = 0;
+  // Never goes through a symbolic link at `to`.
   virtual Status copy(const std::string& from, const std::string& to, bool overwrite) = 0;
   virtual Status move(const std::string& from, const std::string& to) = 0;  // never overwrites
   virtual Status remove(const std::string& path) = 0;      // a file or an empty folder

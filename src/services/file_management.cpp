@@ -68,7 +68,7 @@ bool takeIn(Application& app, const std::string& package, const std::string& fol
 }  // namespace
 
 bool DeleteDatabase(Application& app, const DatabaseFile& file) {
-  if (Ask(app, file.name, u"Delete?") != Answer::kYes) return false;
+  if (Ask(app, file.label, u"Delete?") != Answer::kYes) return false;
   if (!GetDatabaseFolder(app)) {
     sayNoFolder(app);
     return false;

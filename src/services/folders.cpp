@@ -1,6 +1,7 @@
 #include "services/folders.h"
 
 #include <algorithm>
+#include <map>
 #include <utility>
 
 #include "engine/ascii.h"
@@ -28,8 +29,10 @@ std::optional<std::string> databaseFolder(Files& files, Volume volume) {
   return target;
 }
 
+// Hidden files are other programs' business: half a download, what a card reader leaves, a copy
+// that is being written.
 bool isDatabaseFileName(const std::string& name) {
-  if (name.size() < 4) return false;
+  if (name.size() < 4 || name.starts_with('.')) return false;
   const std::string extension = name.substr(name.size() - 4);
   return extension == ".pdb" || extension == ".PDB";
 }
@@ -50,6 +53,7 @@ DatabaseFile describe(const Application& app, const std::string& path,
   DatabaseFile file;
   file.path = path;
   file.name = encoding.toUtf16(areaText(summary.header.name));
+  file.label = file.name;
   file.category = encoding.toUtf16(areaText(summary.schema.category));
   if (file.category.empty()) file.category = kUnfiled;
   return file;
@@ -58,6 +62,16 @@ DatabaseFile describe(const Application& app, const std::string& path,
 // As a person sorts names, upper and lower case together.
 bool nameLess(const DatabaseFile& a, const DatabaseFile& b) {
   return std::pair(lowerCaseText(a.name), a.name) < std::pair(lowerCaseText(b.name), b.name);
+}
+
+// Databases of one name on one volume get their file's name behind it: "Books (Old books.pdb)".
+void tellApart(std::vector<DatabaseFile>& files) {
+  std::map<std::pair<std::u16string, Volume>, int> counts;
+  for (const DatabaseFile& file : files) ++counts[{file.name, file.volume}];
+  for (DatabaseFile& file : files) {
+    if (counts[{file.name, file.volume}] < 2) continue;
+    file.label += u" (" + FromUtf8(FileNameOf(file.path)) + u")";
+  }
 }
 
 struct DatabaseFolder {
@@ -92,16 +106,11 @@ bool ReadDatabaseSummary(Application& app, const std::string& path, DatabaseSumm
       summary.header.record_count < kSchemaRecords) {
     return false;
   }
-  const auto start = files.readStart(path, kHeaderSize + kRecordListEntrySize);
-  const auto info = files.info(path);
-  if (!start.ok() || !info.ok() || start->size() < kHeaderSize + kRecordListEntrySize) return false;
-  const std::uint64_t offset = loadBe32(start->data() + kHeaderSize);
-  const std::uint64_t end = offset + kDatabaseRecordSize;
-  if (end > info->size) return false;
-  const auto bytes = files.readStart(path, static_cast<std::size_t>(end));
-  if (!bytes.ok() || bytes->size() < end) return false;
-  return readDatabaseRecord(ByteView(*bytes).subspan(static_cast<std::size_t>(offset)),
-                            summary.schema) != 0;
+  const auto entry = files.readPart(path, kHeaderSize, kRecordListEntrySize);
+  if (!entry.ok() || entry->size() < kRecordListEntrySize) return false;
+  const auto bytes = files.readPart(path, loadBe32(entry->data()), kDatabaseRecordSize);
+  if (!bytes.ok() || bytes->size() < kDatabaseRecordSize) return false;
+  return readDatabaseRecord(ByteView(*bytes), summary.schema) != 0;
 }
 
 DatabaseList ListDatabases(Application& app, const std::u16string& category) {
@@ -125,6 +134,7 @@ DatabaseList ListDatabases(Application& app, const std::u16string& category) {
     }
   }
   std::stable_sort(list.files.begin(), list.files.end(), nameLess);
+  tellApart(list.files);
   return list;
 }
 

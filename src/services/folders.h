@@ -21,6 +21,7 @@ struct DatabaseFile {
   std::u16string name;      // from the file's header
   std::u16string category;  // kUnfiled when the database names none
   Volume volume = Volume::kMain;
+  std::u16string label{};  // the name, with the file's behind it where another one has the same
 };
 
 // What the chooser shows.

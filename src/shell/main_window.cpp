@@ -242,7 +242,7 @@ void MainWindow::onPaintRow(Dialog& dialog, ControlId control, int row, ListPain
   cell.x += 2;
   cell.width -= 4;
   const DatabaseFile& file = list_.files[static_cast<std::size_t>(row)];
-  painter.text(cell, file.name, kInk, TextWeight::kSemiBold);
+  painter.text(cell, file.label, kInk, TextWeight::kSemiBold);
   if (file.volume != Volume::kCard) return;
   cell.x += std::max(0, cell.width - kCardMarkWidth);
   painter.fill({cell.x, cell.y, kCardMarkWidth, cell.height}, paper);
@@ -252,7 +252,7 @@ void MainWindow::onPaintRow(Dialog& dialog, ControlId control, int row, ListPain
 std::u16string MainWindow::rowText(Dialog&, ControlId, int row) {
   if (row < 0 || static_cast<std::size_t>(row) >= list_.files.size()) return {};
   const DatabaseFile& file = list_.files[static_cast<std::size_t>(row)];
-  return file.volume == Volume::kCard ? file.name + u", Card" : file.name;
+  return file.volume == Volume::kCard ? file.label + u", Card" : file.label;
 }
 
 }  // namespace tabelion

@@ -12,6 +12,7 @@
 #include <new>
 #include <vector>
 
+#include "platform/std/process_mark.h"
 #include "support/temporary_folder.h"
 
 namespace tabelion {
@@ -91,6 +92,53 @@ TEST(FileLock, NeverHeldTwiceWhileItComesAndGoes) {
   EXPECT_EQ(shared->collisions, 0);
   EXPECT_EQ(shared->taken, 1200);
   ::munmap(page, 4096);
+}
+
+TEST(FileLock, HeedsALockThatIsOnlyAFile) {
+  // What a program leaves where the disk knows no locks.
+  const TemporaryFolder folder;
+  const std::string path = folder / "file";
+  const std::string own = processMark();
+  const std::string other_start = own.substr(0, own.rfind('-')) + "-1";
+  const auto lockWith = [&](const std::string& mark) {
+    folder.write(".file.lock", "tabelion, process 7 on elsewhere\n" + mark + " file\n");
+    return lockFile(path, "tabelion-cli");
+  };
+  for (const std::string& alive : {own, std::string("0badf00d-0001-7-5"), std::string("?")}) {
+    const auto lock = lockWith(alive);
+    ASSERT_FALSE(lock.ok()) << alive;
+    EXPECT_EQ(lock.error().text,
+              path +
+                  " is open in tabelion (process 7 on elsewhere); close it there "
+                  "first. If that program has ended, delete " +
+                  folder / ".file.lock");
+  }
+  EXPECT_TRUE(lockWith(other_start).ok()) << "its number belongs to another process now";
+  EXPECT_EQ(folder.count(), 0u);
+}
+
+TEST(FileLock, SaysWhatIsInItsPlace) {
+  const TemporaryFolder folder;
+  std::filesystem::create_directory(folder / ".a.lock");
+  folder.write("precious", "text");
+  std::filesystem::create_symlink("precious", folder / ".b.lock");
+  EXPECT_THAT(lockFile(folder / "a", "tabelion").error().text,
+              HasSubstr("/.a.lock is in the way, and is not a file"));
+  EXPECT_THAT(lockFile(folder / "b", "tabelion").error().text,
+              HasSubstr("/.b.lock is in the way, and is a link"));
+  EXPECT_EQ(folder.read("precious"), "text");
+}
+
+TEST(FileLock, HoldsForEveryNameOfAFile) {
+  const TemporaryFolder folder;
+  folder.write("file", "x");
+  std::filesystem::create_hard_link(folder / "file", folder / "twin");
+  {
+    const auto lock = lockFile(folder / "file", "tabelion");
+    ASSERT_TRUE(lock.ok());
+    EXPECT_EQ(lockFile(folder / "twin", "tabelion-cli").error().kind, ErrorKind::kLocked);
+  }
+  EXPECT_EQ(folder.count(), 2u);
 }
 
 TEST(FileLock, GuardsNothingWhereNothingCanBeSaved) {

@@ -19,7 +19,11 @@ constexpr auto kMachine = SettingsRoot::kMachine;
 
 class SettingsTest : public testing::Test {
  protected:
-  JsonSettings make() { return JsonSettings({folder / "user", {folder / "m1", folder / "m2"}}); }
+  JsonSettings make() {
+    return JsonSettings({folder / "user",
+                         {folder / "m1", folder / "m2"},
+                         [this](const std::string&) { ++warnings; }});
+  }
   void putFile(const std::string& place, const std::string& text) {
     std::filesystem::create_directories(folder / (place + "/tabelion"));
     folder.write(place + "/tabelion/settings.json", text);
@@ -27,6 +31,7 @@ class SettingsTest : public testing::Test {
   std::string file() { return folder.read("user/tabelion/settings.json"); }
 
   TemporaryFolder folder;
+  int warnings = 0;
   const std::string key = "Software\\Tabelion3";
 };
 
@@ -98,15 +103,25 @@ TEST_F(SettingsTest, MachineValuesComeFromTheFirstFolderThatHasThem) {
 }
 
 TEST_F(SettingsTest, DamagedFileIsSetAsideAndNeverLost) {
-  for (const char* const damage : {"{\"K\": {\"a\": \"1\"", "[1]", "{\"K\": 3}", "\xff\xfe"}) {
+  // The last is nested far deeper than a program's calls may go.
+  const std::string nested = "{\"K\": {\"a\": " + std::string(1'000'000, '[');
+  for (const std::string& damage :
+       {std::string("{\"K\": {\"a\": \"1\""), std::string("[1]"), std::string("{\"K\": 3}"),
+        std::string("\xff\xfe"), nested + std::string(1'000'000, ']') + "}}"}) {
     putFile("user", damage);
     JsonSettings settings = make();
     EXPECT_FALSE(settings.readText(kUser, "K", "a"));
     EXPECT_TRUE(settings.subKeys("K").empty());
-    EXPECT_EQ(file(), damage);
+    EXPECT_TRUE(file() == damage);
+    EXPECT_EQ(warnings, 1);
+    warnings = 0;
     ASSERT_TRUE(settings.writeText("K", "a", "2").ok());
     EXPECT_EQ(settings.readText(kUser, "K", "a"), "2");
+    EXPECT_EQ(warnings, 0);
   }
+  using std::filesystem::perms;
+  EXPECT_EQ(std::filesystem::status(folder / "user/tabelion/settings.json").permissions(),
+            perms::owner_read | perms::owner_write);
   EXPECT_EQ(folder.read("user/tabelion/settings.json.damaged"), "{\"K\": {\"a\": \"1\"");
   EXPECT_EQ(folder.read("user/tabelion/settings.json.damaged4"), "\xff\xfe");
 }

@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <sys/xattr.h>
@@ -12,6 +11,7 @@
 #include <filesystem>
 
 #include "platform/std/posix.h"
+#include "platform/std/process_mark.h"
 #include "support/temporary_folder.h"
 
 namespace tabelion {
@@ -177,22 +177,60 @@ TEST_F(FilesTest, ReplaceSaysWhatIsProtected) {
   EXPECT_EQ(folder.count(), 1u);
 }
 
-TEST_F(FilesTest, ReplaceClearsWhatAKilledWriterLeft) {
+TEST_F(FilesTest, ReplaceKeepsOwnerAndGroupOrTheirRights) {
+  if (::getuid() != 0) GTEST_SKIP() << "only root can give files away";
   const std::string path = folder.write("file", "old");
-  folder.write(".file.saving", "half of someth");
-  ASSERT_TRUE(replaceWith(files, path, "new").ok());
-  EXPECT_EQ(folder.read("file"), "new");
+  ASSERT_EQ(::chmod(folder.path().c_str(), 0777), 0);
+  const auto saves = [&](uid_t owner, gid_t group, mode_t mode) {
+    return ::chown(path.c_str(), owner, group) == 0 && ::chmod(path.c_str(), mode) == 0 &&
+           holdsWithoutRights([&] { return replaceWith(files, path, "new").ok(); });
+  };
+  // Ours (65534) are others to the file; who its owner's groups are is not known.
+  EXPECT_TRUE(saves(0, 0, 0666)) << "everybody may do everything, before and after";
+  EXPECT_TRUE(saves(1234, 65534, 0664) == false) << "its owner could only read it then";
+  EXPECT_TRUE(saves(0, 65534, 0666));
+  EXPECT_TRUE(saves(65534, 0, 0644)) << "the group may do no more than others";
+  EXPECT_FALSE(saves(65534, 0, 0640)) << "its group could not read it any more";
+  EXPECT_FALSE(saves(0, 65534, 0660)) << "root is in no group of ours";
+  EXPECT_EQ(modeOf(path), 0660u);
+  ASSERT_EQ(::chown(path.c_str(), 0, 65534), 0);
+  EXPECT_TRUE(holdsWithoutRights([&] {
+    return replaceWith(files, path, "x").error().text ==
+           "Could not write " + path +
+               ": its owner (root) cannot be kept, and with another one not everybody would keep "
+               "their rights";
+  }));
   EXPECT_EQ(folder.count(), 1u);
 }
 
-TEST_F(FilesTest, ReplaceLeavesAWriterAlone) {
+TEST_F(FilesTest, ReplaceClearsWhatAKilledWriterLeft) {
   const std::string path = folder.write("file", "old");
-  const std::string sibling = folder.write(".file.saving", "being wri");
-  const FileDescriptor writer(::open(sibling.c_str(), O_WRONLY | O_CLOEXEC));
-  ASSERT_EQ(::flock(writer.get(), LOCK_EX), 0);
-  EXPECT_FALSE(replaceWith(files, path, "new").ok());
-  EXPECT_EQ(folder.read("file"), "old");
-  EXPECT_EQ(folder.read(".file.saving"), "being wri");
+  const std::string own = processMark();
+  const std::string ended = own.substr(0, own.rfind('-')) + "-1";
+  folder.write(".file.saving-" + ended + ".1", "half of someth");
+  // Being written here or elsewhere, or not ours at all.
+  folder.write(".file.saving-" + own + ".1", "being wri");
+  folder.write(".file.saving-0badf00d-0001-7-5.1", "being wri");
+  folder.write(".file.saving-by-hand", "x");
+  folder.write(".file2.saving-" + ended + ".1", "of another file");
+  ASSERT_TRUE(replaceWith(files, path, "new").ok());
+  EXPECT_EQ(folder.read("file"), "new");
+  EXPECT_EQ(folder.count(), 5u);
+}
+
+TEST_F(FilesTest, ReplaceKeepsHardLinksOrSaysThatItCannot) {
+  const std::string path = folder.write("file", "old");
+  fs::create_hard_link(path, folder / "twin");
+  ASSERT_TRUE(replaceWith(files, path, "new").ok());
+  EXPECT_EQ(folder.read("twin"), "new");
+  EXPECT_EQ(fs::hard_link_count(path), 2u);
+  fs::create_directory(folder / "sub");
+  fs::create_hard_link(path, folder / "sub/file");
+  const Status result = replaceWith(files, path, "newer");
+  ASSERT_FALSE(result.ok());
+  EXPECT_THAT(result.error().text, HasSubstr("another folder (1 of its 3 hard links)"));
+  EXPECT_EQ(folder.read("file") + folder.read("twin") + folder.read("sub/file"), "newnewnew");
+  EXPECT_EQ(folder.count(), 3u);
 }
 
 TEST_F(FilesTest, LongNamesKeepApartSiblings) {
@@ -225,6 +263,11 @@ TEST_F(FilesTest, CopyAndMoveOverwriteOnlyWhenTold) {
   const std::string there = folder.write("there", "precious");
   EXPECT_FALSE(files.copy(from, there, false).ok());
   EXPECT_FALSE(files.move(from, there).ok());
+  fs::create_symlink(there, folder / "link");
+  fs::create_symlink("elsewhere", folder / "dangling");
+  EXPECT_FALSE(files.copy(from, folder / "link", true).ok());
+  EXPECT_FALSE(files.copy(from, folder / "dangling", false).ok());
+  EXPECT_FALSE(fs::exists(folder / "elsewhere"));
   EXPECT_EQ(folder.read("there"), "precious");
   ASSERT_TRUE(files.copy(from, folder / "copy", false).ok());
   EXPECT_TRUE(modeOf(folder / "copy") & 0200);

@@ -35,7 +35,7 @@ TEST(Folders, ComeIntoBeingOrAreTakenOver) {
 
 std::vector<std::u16string> names(const DatabaseList& list) {
   std::vector<std::u16string> texts;
-  for (const DatabaseFile& file : list.files) texts.push_back(file.name);
+  for (const DatabaseFile& file : list.files) texts.push_back(file.label);
   return texts;
 }
 
@@ -76,6 +76,26 @@ TEST(Folders, ListDatabasesOfBothVolumesByCategory) {
 
   world.files.documents.clear();  // without the main folder nothing is looked at
   EXPECT_TRUE(ListDatabases(app, kAllCategories).files.empty());
+}
+
+TEST(Folders, ListReadsASchemaOfEachFileAndTellsTwinsApart) {
+  PhoneWorld world;
+  const std::string books = world.add("Books", {{"Title"}}, {});
+  std::vector<std::uint8_t> bytes = world.files.bytes(books);
+  world.files.put("/documents/Tabelion/._Books.PDB", bytes);
+  // Its database record lies behind a gap, as no program of ours writes it.
+  constexpr std::uint32_t kGap = 3'000'000;
+  const std::uint32_t offset = loadBe32(&bytes[kHeaderSize]);
+  for (int i = 0; i < 4; ++i) {
+    bytes[kHeaderSize + i] = static_cast<std::uint8_t>((offset + kGap) >> (24 - 8 * i));
+  }
+  bytes.insert(bytes.begin() + offset, kGap, 0);
+  world.files.put("/documents/Tabelion/Old.PDB", bytes);
+  Application app(world.platform);
+  world.files.bytes_read = 0;
+  EXPECT_EQ(names(ListDatabases(app, kAllCategories)),
+            (std::vector<std::u16string>{u"Books (Books.PDB)", u"Books (Old.PDB)"}));
+  EXPECT_LT(world.files.bytes_read, 2 * 36000u);
 }
 
 TEST(Folders, SampleThatCannotBeCopiedStopsTheInstallation) {

@@ -71,16 +71,20 @@ Result<FileImage> MemoryFiles::read(const std::string& path) {
                      "Could not open " + path + ": this user has no right to it");
   }
   // A copy of the exact size, so that a read past the end is seen.
+  bytes_read += node->bytes.size();
   auto copy = std::shared_ptr<std::uint8_t[]>(new std::uint8_t[node->bytes.size()]);
   std::copy(node->bytes.begin(), node->bytes.end(), copy.get());
   return FileImage{std::move(copy), node->bytes.size()};
 }
 
-Result<std::vector<std::uint8_t>> MemoryFiles::readStart(const std::string& path,
-                                                         std::size_t limit) {
+Result<std::vector<std::uint8_t>> MemoryFiles::readPart(const std::string& path,
+                                                        std::uint64_t offset, std::size_t limit) {
+  const std::size_t before = bytes_read;
   const Result<FileImage> file = read(path);
   if (!file) return file.error();
-  const auto bytes = file->span().first(std::min(limit, file->size));
+  const auto rest = file->span().subspan(std::min<std::size_t>(offset, file->size));
+  const auto bytes = rest.first(std::min(limit, rest.size()));
+  bytes_read = before + bytes.size();
   return std::vector<std::uint8_t>(bytes.begin(), bytes.end());
 }
 

@@ -34,10 +34,12 @@ class MemoryFiles : public Files {
 
   // Calls that reached the files.
   int reads = 0;
+  std::size_t bytes_read = 0;
   int replaces = 0;  // that succeeded
 
   Result<FileImage> read(const std::string& path) override;
-  Result<std::vector<std::uint8_t>> readStart(const std::string& path, std::size_t limit) override;
+  Result<std::vector<std::uint8_t>> readPart(const std::string& path, std::uint64_t offset,
+                                             std::size_t limit) override;
   Status replace(const std::string& path, std::span<const BytePiece> pieces) override;
   Result<std::unique_ptr<FileLock>> lock(const std::string& path,
                                          const std::string& holder) override;

@@ -1,66 +1,19 @@
 #include "platform/qt/request_socket.h"
 
-#include <QDataStream>
 #include <QDeadlineTimer>
 #include <QFile>
 #include <QLocalSocket>
 #include <QTimer>
-#include <optional>
+
+#include "platform/std/request_frame.h"
 
 namespace tabelion {
 namespace {
 
-constexpr quint32 kMagic = 0x54424C4E;  // "TBLN"
-constexpr quint16 kVersion = 1;
-constexpr qint64 kHeaderBytes = 10;
-constexpr quint32 kMostBytes = 1 << 20;
 constexpr char kAnswer = 6;
 constexpr int kConnectMs = 1000;
 constexpr int kAnswerMs = 5000;
 constexpr int kSilenceMs = 10000;
-
-std::string text(const QByteArray& bytes) {
-  return bytes.toStdString();
-}
-
-// None when it is too long.
-std::optional<QByteArray> frameOf(const StartRequest& request) {
-  QByteArray body;
-  QDataStream out(&body, QIODevice::WriteOnly);
-  out << quint8(request.kind) << QByteArray::fromStdString(request.text)
-      << QByteArray::fromStdString(request.activation_token);
-  if (body.size() > kMostBytes) return std::nullopt;
-  QByteArray header;
-  QDataStream(&header, QIODevice::WriteOnly) << kMagic << kVersion << quint32(body.size());
-  return header + body;
-}
-
-enum class Reading { kNotAllThere, kJunk, kWhole };
-
-Reading readFrame(QIODevice& from, StartRequest& request) {
-  const QByteArray header = from.peek(kHeaderBytes);
-  if (header.size() < kHeaderBytes) return Reading::kNotAllThere;
-  quint32 magic = 0;
-  quint16 version = 0;
-  quint32 length = 0;
-  QDataStream(header) >> magic >> version >> length;
-  if (magic != kMagic || version != kVersion || length > kMostBytes) return Reading::kJunk;
-  if (from.bytesAvailable() < kHeaderBytes + length) return Reading::kNotAllThere;
-  from.skip(kHeaderBytes);
-  const QByteArray body = from.read(length);
-  QDataStream in(body);
-  quint8 kind = 0;
-  QByteArray words;
-  QByteArray token;
-  in >> kind >> words >> token;
-  // The end of the session is no other program's to tell.
-  const bool known = kind == quint8(RequestKind::kCommandLine) ||
-                     kind == quint8(RequestKind::kOpenFile) ||
-                     kind == quint8(RequestKind::kActivate);
-  if (in.status() != QDataStream::Ok || !in.atEnd() || !known) return Reading::kJunk;
-  request = {RequestKind(kind), text(words), text(token)};
-  return Reading::kWhole;
-}
 
 int msLeft(const QDeadlineTimer& deadline) {
   return int(deadline.remainingTime());
@@ -82,7 +35,7 @@ Status RequestServer::listen(const std::string& socket_path) {
 }
 
 void RequestServer::serve(QLocalSocket* socket) {
-  socket->setReadBufferSize(kHeaderBytes + kMostBytes);
+  socket->setReadBufferSize(kRequestHeader + kLargestRequest);
   QObject::connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
   QObject::connect(socket, &QLocalSocket::readyRead, &server_, [this, socket] { read(socket); });
   QTimer::singleShot(kSilenceMs, socket, [socket] { socket->abort(); });
@@ -91,12 +44,13 @@ void RequestServer::serve(QLocalSocket* socket) {
 
 void RequestServer::read(QLocalSocket* socket) {
   StartRequest request;
-  switch (readFrame(*socket, request)) {
-    case Reading::kNotAllThere:
+  const QByteArray bytes = socket->peek(kRequestHeader + kLargestRequest);
+  switch (readFrame({bytes.data(), static_cast<std::size_t>(bytes.size())}, request)) {
+    case FrameReading::kNotAllThere:
       return;
-    case Reading::kJunk:
+    case FrameReading::kJunk:
       return socket->abort();
-    case Reading::kWhole:
+    case FrameReading::kWhole:
       socket->disconnect(&server_);  // what follows is nobody's business
       taker_(request);
       socket->write(&kAnswer, 1);
@@ -111,7 +65,7 @@ Delivery sendRequest(const std::string& socket_path, const StartRequest& request
   socket.connectToServer(QFile::decodeName(socket_path.c_str()));
   if (!socket.waitForConnected(kConnectMs)) return Delivery::kNobodyThere;
   const QDeadlineTimer deadline(kAnswerMs);
-  socket.write(*frame);
+  socket.write(frame->data(), static_cast<qint64>(frame->size()));
   while (socket.bytesAvailable() == 0) {
     if (!socket.waitForReadyRead(msLeft(deadline))) break;
   }

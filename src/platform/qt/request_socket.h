@@ -1,9 +1,7 @@
 // The socket between a start of the program and the copy that runs already.
 //
-// One request a connection, one frame a request; all numbers big-endian:
-//   4 bytes "TBLN", 2 bytes version (1), 4 bytes length of what follows (at most 1 MiB),
-//   1 byte kind, then text and activation token, each as a 4-byte length and that many bytes.
-// The answer is one byte, 6; after it the connection ends.
+// One request a connection, in the frame of platform/std/request_frame.h. The answer is one byte,
+// 6; after it the connection ends.
 #pragma once
 
 #include <QLocalServer>

@@ -2,10 +2,8 @@
 
 #include <fcntl.h>
 #include <fmt/format.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/uio.h>
-#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -14,34 +12,11 @@
 #include <utility>
 #include <vector>
 
+#include "platform/std/keep_attributes.h"
+#include "platform/std/own_sibling.h"
+
 namespace tabelion {
 namespace {
-
-constexpr const char* kAccessList = "system.posix_acl_access";
-
-// Extended attributes, access lists among them, as far as the file system and our rights allow.
-void copyExtendedAttributes(int from, int to) {
-  // A folder's default access list must not add rights that the old file did not give.
-  ::fremovexattr(to, kAccessList);
-  const ssize_t names_size = ::flistxattr(from, nullptr, 0);
-  if (names_size <= 0) return;
-  std::string names(static_cast<std::size_t>(names_size), '\0');
-  const ssize_t got = ::flistxattr(from, names.data(), names.size());
-  if (got <= 0) return;
-  names.resize(static_cast<std::size_t>(got));
-  std::vector<char> value;
-  for (std::size_t at = 0; at < names.size();) {
-    const char* const name = names.c_str() + at;
-    at += std::string_view(name).size() + 1;
-    const ssize_t value_size = ::fgetxattr(from, name, nullptr, 0);
-    if (value_size < 0) continue;
-    value.resize(static_cast<std::size_t>(value_size));
-    const ssize_t value_got = ::fgetxattr(from, name, value.data(), value.size());
-    if (value_got >= 0) {
-      ::fsetxattr(to, name, value.data(), static_cast<std::size_t>(value_got), 0);
-    }
-  }
-}
 
 // The pieces as the system takes them; neighbours that touch in memory become one.
 std::vector<iovec> mergePieces(std::span<const BytePiece> pieces) {
@@ -84,7 +59,8 @@ bool writeFully(int fd, std::span<iovec> pieces) {
 
 // A rename is on the disk once its folder is. `file` is what was renamed. False with errno set.
 bool flushFolder(const std::string& path, int file) {
-  const FileDescriptor folder(::open(folderOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  const FileDescriptor folder(retryInterrupted(
+      [&] { return ::open(folderOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
   // A folder that may be written but not read is flushed with everything else on its disk.
   if (!folder) return errno == EACCES && ::syncfs(file) == 0;
   if (retryInterrupted([&] { return ::fsync(folder.get()); }) == 0) return true;
@@ -105,17 +81,11 @@ bool renameNoReplace(const std::string& from, const std::string& to) {
   return ::rename(from.c_str(), to.c_str()) == 0;
 }
 
-Replacement::Replacement(std::string target, std::string sibling, Existing existing)
-    : target_(std::move(target)), sibling_(std::move(sibling)), existing_(existing) {}
+Replacement::Replacement(std::string target, Existing existing)
+    : target_(std::move(target)), existing_(existing) {}
 
 Replacement::~Replacement() {
-  // While the descriptor is open nobody else touches the sibling, so it is certainly ours.
   if (file_) ::unlink(sibling_.c_str());
-}
-
-Error Replacement::failed(std::string_view step, int error_number) const {
-  return systemError(ErrorKind::kCannotWrite, fmt::format("Could not write {}: {}", target_, step),
-                     error_number);
 }
 
 Error Replacement::failed(std::string_view reason) const {
@@ -123,91 +93,65 @@ Error Replacement::failed(std::string_view reason) const {
 }
 
 Error Replacement::failed(int error_number) const {
-  return systemError(ErrorKind::kCannotWrite, fmt::format("Could not write {}", target_),
-                     error_number);
+  return failed(reasonInWords(error_number));
 }
 
-Result<Replacement> Replacement::begin(const std::string& path, Existing existing) {
+Result<Replacement> Replacement::begin(const std::string& path, Existing existing,
+                                       Privacy privacy) {
   Result<std::string> target = resolveTarget(path);
   if (!target) return target.error();
-  Replacement replacement(*target, siblingPath(*target, "saving"), existing);
+  Replacement replacement(*target, existing);
 
   struct stat old {};
   if (::lstat(target->c_str(), &old) != 0) {
     if (errno != ENOENT) return replacement.failed(errno);
     // The system applies the user's mask to a new file.
-    if (Status made = replacement.createSibling(0666); !made) return made.error();
+    if (Status made = replacement.createSibling(privacy == Privacy::kOwnerOnly ? 0600 : 0666);
+        !made)
+      return made.error();
     return replacement;
   }
   if (existing == Existing::kRefuse) return replacement.failed(EEXIST);
-  if (!S_ISREG(old.st_mode)) {
-    return makeError(ErrorKind::kCannotWrite,
-                     fmt::format("Could not write {}: it is not a file", *target));
-  }
+  if (!S_ISREG(old.st_mode)) return replacement.failed("it is not a file");
   // Replacing needs only rights on the folder; a file that is protected itself is refused here.
   const FileDescriptor old_file(
       retryInterrupted([&] { return ::open(target->c_str(), O_WRONLY | O_NOFOLLOW | O_CLOEXEC); }));
-  if (!old_file && (errno == EACCES || errno == EPERM))
+  if (!old_file && (errno == EACCES || errno == EPERM)) {
     return replacement.failed("the file is read-only");
+  }
   if (!old_file) return replacement.failed(errno);
   if (::fstat(old_file.get(), &old) != 0) return replacement.failed(errno);
+  if (Status found = replacement.findOtherNames(old); !found) return found.error();
   if (Status made = replacement.createSibling(0600); !made) return made.error();
-  if (Status kept = replacement.keepAttributes(old_file.get(), old); !kept) return kept.error();
+  if (const auto reason = keepAttributes(old_file.get(), old, replacement.file_.get())) {
+    return replacement.failed(*reason);
+  }
+  if (privacy == Privacy::kOwnerOnly && ::fchmod(replacement.file_.get(), 0600) != 0) {
+    return replacement.failed(errno);
+  }
   return replacement;
 }
 
-Status Replacement::createSibling(mode_t mode) {
-  constexpr int kFlags = O_WRONLY | O_NOFOLLOW | O_CLOEXEC;
-  const char* const path = sibling_.c_str();
-  for (int attempt = 0; attempt < 3; ++attempt) {
-    FileDescriptor made(
-        retryInterrupted([&] { return ::open(path, kFlags | O_CREAT | O_EXCL, mode); }));
-    if (made) {
-      // The lock says that this sibling is being written; a file system without locks goes
-      // without.
-      const bool busy = ::flock(made.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
-      struct stat ours {};
-      struct stat there {};
-      const bool still_there =
-          ::fstat(made.get(), &ours) == 0 && ::lstat(path, &there) == 0 && sameFile(ours, there);
-      if (!busy && still_there) {
-        file_ = std::move(made);
-        return Done{};
-      }
-      continue;
-    }
-    if (errno == EACCES) return failed("its folder is read-only, and saving needs room beside it");
-    if (errno != EEXIST) return failed(errno);
-    const FileDescriptor left(::open(path, kFlags | O_NONBLOCK));
-    if (left && ::flock(left.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) break;
-    if (::unlink(path) != 0 && errno != ENOENT) {
-      return failed(fmt::format("{} is in the way", sibling_), errno);
-    }
-  }
-  return makeError(ErrorKind::kCannotWrite,
-                   fmt::format("Could not write {}: another program is writing it", target_));
+Status Replacement::findOtherNames(const struct stat& old) {
+  if (old.st_nlink < 2) return Done{};
+  other_names_ = namesOfFile(target_);
+  std::erase(other_names_, target_);
+  if (other_names_.size() + 1 >= old.st_nlink) return Done{};
+  const std::size_t elsewhere = old.st_nlink - 1 - other_names_.size();
+  return failed(
+      fmt::format("it is known by another name in another folder ({} of its {} hard links), which "
+                  "would keep the old content; save it under a name of its own",
+                  elsewhere, old.st_nlink));
 }
 
-Status Replacement::keepAttributes(int old_fd, const struct stat& old) {
-  struct stat fresh {};
-  if (::fstat(file_.get(), &fresh) != 0) return failed(errno);
-  const uid_t owner = old.st_uid == fresh.st_uid ? static_cast<uid_t>(-1) : old.st_uid;
-  const gid_t group = old.st_gid == fresh.st_gid ? static_cast<gid_t>(-1) : old.st_gid;
-  if (owner != static_cast<uid_t>(-1) || group != static_cast<gid_t>(-1)) {
-    if (::fchown(file_.get(), owner, group) != 0) {
-      return failed("its owner could not be kept", errno);
-    }
+Status Replacement::createSibling(mode_t mode) {
+  OwnSibling made = makeOwnSibling(target_, "saving", mode);
+  if (!made.file && errno == EACCES) {
+    return failed("its folder is read-only, and saving needs room beside it");
   }
-  copyExtendedAttributes(old_fd, file_.get());
-  // Last, because a new owner takes bits away. A file system that knows no modes refuses, though
-  // the new file has what all its files have.
-  const mode_t mode = old.st_mode & 07777;
-  if (::fchmod(file_.get(), mode) != 0) {
-    const int error_number = errno;
-    if (::fstat(file_.get(), &fresh) != 0 || (fresh.st_mode & 07777) != mode) {
-      return failed("its mode could not be kept", error_number);
-    }
-  }
+  if (!made.file) return failed(errno);
+  file_ = std::move(made.file);
+  sibling_ = std::move(made.path);
   return Done{};
 }
 
@@ -225,10 +169,27 @@ Status Replacement::takeAttributes(const struct stat& status) {
   return Done{};
 }
 
+// Gives the file's other names the new content, each in one step.
+Status Replacement::takeOtherNames() const {
+  for (const std::string& name : other_names_) {
+    if (::link(target_.c_str(), sibling_.c_str()) == 0) {
+      if (::rename(sibling_.c_str(), name.c_str()) == 0) continue;
+      const int error_number = errno;
+      ::unlink(sibling_.c_str());
+      errno = error_number;
+    }
+    return systemError(
+        ErrorKind::kWarning,
+        fmt::format("{} is written, but its other name {} keeps the old content", target_, name),
+        errno);
+  }
+  return Done{};
+}
+
 Status Replacement::commit() {
   if (retryInterrupted([&] { return ::fsync(file_.get()); }) != 0) return failed(errno);
   // Some file systems report a late write error only when a descriptor is closed. A second one is
-  // closed for that; the first keeps the lock until the new file is in place.
+  // closed for that, since the first is still needed.
   FileDescriptor second(::dup(file_.get()));
   if (!second || !second.close()) return failed(errno);
   const bool renamed = existing_ == Existing::kReplace
@@ -236,7 +197,8 @@ Status Replacement::commit() {
                            : renameNoReplace(sibling_, target_);
   if (!renamed) return failed(errno);
   const FileDescriptor file = std::move(file_);
-  if (flushFolder(target_, file.get())) return Done{};
+  Status others = takeOtherNames();
+  if (flushFolder(target_, file.get())) return others;
   return systemError(ErrorKind::kWarning,
                      fmt::format("{} is written, but a power failure may still bring back what was "
                                  "there before",
@@ -244,8 +206,8 @@ Status Replacement::commit() {
                      errno);
 }
 
-Status replaceFile(const std::string& path, std::span<const BytePiece> pieces) {
-  Result<Replacement> replacement = Replacement::begin(path, Existing::kReplace);
+Status replaceFile(const std::string& path, std::span<const BytePiece> pieces, Privacy privacy) {
+  Result<Replacement> replacement = Replacement::begin(path, Existing::kReplace, privacy);
   if (!replacement) return makeError(ErrorKind::kRefused, replacement.error().text);
   if (Status written = replacement->append(pieces); !written) return written;
   return replacement->commit();

@@ -9,9 +9,19 @@
 
 namespace tabelion {
 
-// Takes the lock of the file that `path` leads to, by a sibling ".NAME.lock" that the kernel
-// locks; it holds one line, "HOLDER, process PID on HOST", and is removed on release. A lock ends
-// with its process, however that ends. See Files::lock.
+// Takes the lock of the file that `path` leads to, by a sibling ".NAME.lock", which is removed on
+// release. It holds two lines:
+//
+//   HOLDER, process PID on HOST
+//   MARK kernel          (process_mark.h)
+//
+// "kernel": the kernel keeps the lock on the sibling, and it ends with its process, however that
+// ends. "file": the disk has no such locks, and the sibling itself is the lock; one whose process
+// has certainly ended is cleared away, any other keeps the file locked until somebody removes it,
+// which the error says. Both kinds heed each other.
+//
+// A file with several names in its folder (hard links) is locked under all of them. See
+// Files::lock.
 Result<std::unique_ptr<FileLock>> lockFile(const std::string& path, const std::string& holder);
 
 }  // namespace tabelion

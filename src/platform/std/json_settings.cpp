@@ -23,6 +23,7 @@ using nlohmann::json;
 
 struct JsonSettings::Store {
   std::string path;  // empty: there is no place for the file
+  std::function<void(const std::string&)> warn;
   json content = json::object();
   struct stat seen {};  // the file's state when `content` was read; all zeros: no file
 };
@@ -80,9 +81,25 @@ bool unchanged(const struct stat& a, const struct stat& b) {
          a.st_mtim.tv_nsec == b.st_mtim.tv_nsec;
 }
 
-json parse(const FileImage& file) {
-  const auto bytes = file.span();
-  return json::parse(bytes.begin(), bytes.end(), nullptr, /*allow_exceptions=*/false);
+// A settings file has kilobytes. What a broken one has beyond this is not read.
+constexpr std::size_t kLargestFile = std::size_t{16} << 20;
+// Sections, their values, and the inside of a binary one. A library that follows a text's nesting
+// with its own calls must not be given any depth.
+constexpr int kDeepestNesting = 4;
+
+// What is in the file; nothing when that is no settings file.
+Result<std::optional<json>> readSettings(const std::string& path) {
+  const auto bytes = readFilePart(path, 0, kLargestFile + 1);
+  if (!bytes) return bytes.error();
+  if (bytes->size() > kLargestFile) return std::optional<json>();
+  bool too_deep = false;
+  const auto watch = [&](int depth, json::parse_event_t, json&) {
+    too_deep |= depth > kDeepestNesting;
+    return !too_deep;
+  };
+  json content = json::parse(bytes->begin(), bytes->end(), watch, /*allow_exceptions=*/false);
+  if (too_deep || !isSound(content)) return std::optional<json>();
+  return std::optional(std::move(content));
 }
 
 const json* find(const json& content, const std::string& key, const std::string& name) {
@@ -100,9 +117,15 @@ const json& current(Store& store) {
   if (unchanged(now, store.seen)) return store.content;
   store.seen = now;
   store.content = json::object();
-  if (const Result<FileImage> file = readWholeFile(store.path)) {
-    json content = parse(*file);
-    if (isSound(content)) store.content = std::move(content);
+  if (store.path.empty()) return store.content;
+  Result<std::optional<json>> read = readSettings(store.path);
+  if (read && *read) {
+    store.content = std::move(**read);
+  } else if (store.warn && (read || read.error().kind != ErrorKind::kNotFound)) {
+    store.warn(read ? fmt::format("{} is damaged; its settings are not used, and it is kept under "
+                                  "another name when settings are next stored",
+                                  store.path)
+                    : read.error().text);
   }
   return store.content;
 }
@@ -131,13 +154,12 @@ Status setAside(const std::string& path) {
 
 // What a write starts from. A file that is there but cannot be read is never replaced.
 Result<json> readForChange(const std::string& path) {
-  const Result<FileImage> file = readWholeFile(path);
-  if (!file) {
-    if (file.error().kind == ErrorKind::kNotFound) return json::object();
-    return file.error();
+  Result<std::optional<json>> read = readSettings(path);
+  if (!read) {
+    if (read.error().kind == ErrorKind::kNotFound) return json::object();
+    return read.error();
   }
-  json content = parse(*file);
-  if (isSound(content)) return content;
+  if (*read) return std::move(**read);
   if (Status aside = setAside(path); !aside) return aside.error();
   return json::object();
 }
@@ -164,7 +186,7 @@ Status update(const std::string& path, Change change) {
   if (changed == *content) return Done{};
   const std::string text = changed.dump(2, ' ', false, json::error_handler_t::replace) + "\n";
   const BytePiece piece(reinterpret_cast<const std::uint8_t*>(text.data()), text.size());
-  return replaceFile(path, {&piece, 1});
+  return replaceFile(path, {&piece, 1}, Privacy::kOwnerOnly);
 }
 
 std::vector<std::string> systemConfigFolders() {
@@ -192,9 +214,12 @@ bool isBelow(const std::string& key, const std::string& parent) {
 JsonSettings::JsonSettings(const JsonSettingsOptions& options) : user_(std::make_unique<Store>()) {
   user_->path = settingsPath(options.config_folder.empty() ? userConfigFolder().value_or("")
                                                            : options.config_folder);
+  user_->warn = options.warn;
   for (const std::string& folder :
        options.machine_folders.empty() ? systemConfigFolders() : options.machine_folders) {
-    machine_.emplace_back().path = settingsPath(folder);
+    Store& store = machine_.emplace_back();
+    store.path = settingsPath(folder);
+    store.warn = options.warn;
   }
 }
 

@@ -8,6 +8,7 @@
 // Whole numbers and true/false typed by hand read as the texts they stand for.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -21,11 +22,14 @@ struct JsonSettingsOptions {
   std::string config_folder;
   // Folders of the machine-wide file, the first one that has a value wins; empty: the system's.
   std::vector<std::string> machine_folders;
+  // Is told in a sentence, once for each state of a file, that it cannot be read or understood.
+  std::function<void(const std::string&)> warn;
 };
 
 // Programs that run side by side see each other's writes: a file is read again when it changed,
-// and a write locks, reads, changes and replaces the file in one step. A file that cannot be
-// understood reads as empty; the first write renames it to "settings.json.damaged".
+// and a write locks, reads, changes and replaces the file in one step. The file is its owner's
+// alone (0600). One that cannot be understood reads as empty; the first write renames it to
+// "settings.json.damaged".
 class JsonSettings : public Settings {
  public:
   explicit JsonSettings(const JsonSettingsOptions& options = {});

@@ -4,9 +4,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <climits>
 #include <cstdint>
 #include <cstdlib>
+#include <filesystem>
 #include <memory>
 #include <system_error>
 #include <utility>
@@ -114,14 +116,35 @@ Result<std::string> resolveTarget(const std::string& path) {
 
 std::string siblingPath(const std::string& path, std::string_view suffix) {
   std::string name(nameOf(path));
-  if (name.size() + suffix.size() + 2 > NAME_MAX) {
+  if (name.size() + kLongestSuffix + 2 > NAME_MAX) {
     // Two long names with one beginning must not share a sibling: a hash stands for the rest.
     std::uint32_t hash = 2166136261u;
     for (const char c : name) hash = (hash ^ static_cast<unsigned char>(c)) * 16777619u;
-    name.resize(NAME_MAX - suffix.size() - 2 - 9);
+    name.resize(NAME_MAX - kLongestSuffix - 2 - 9);
     name += fmt::format("-{:08x}", hash);
   }
   return fmt::format("{}/.{}.{}", folderOf(path), name, suffix);
+}
+
+std::vector<std::string> namesOfFile(const std::string& path) {
+  struct stat status {};
+  if (::lstat(path.c_str(), &status) != 0 || status.st_nlink < 2 || !S_ISREG(status.st_mode)) {
+    return {path};
+  }
+  std::vector<std::string> names;
+  std::error_code error;
+  const std::string folder = folderOf(path);
+  for (std::filesystem::directory_iterator at(folder, error), end; !error && at != end;
+       at.increment(error)) {
+    std::string name = folder + "/" + at->path().filename().string();
+    struct stat other {};
+    if (::lstat(name.c_str(), &other) == 0 && sameFile(status, other)) {
+      names.push_back(std::move(name));
+    }
+  }
+  if (names.empty()) return {path};
+  std::sort(names.begin(), names.end());
+  return names;
 }
 
 bool sameFile(const struct stat& a, const struct stat& b) {

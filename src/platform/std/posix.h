@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/result.h"
 
@@ -53,9 +54,15 @@ std::string_view nameOf(std::string_view path);  // what follows the last slash
 // also one whose target is not there yet. The folder must exist.
 Result<std::string> resolveTarget(const std::string& path);
 
-// A hidden name in the same folder, derived from the file's name: ".NAME.SUFFIX", shortened where
-// the file system's limit for names would be passed.
+// A hidden name in the same folder, derived from the file's name: ".NAME.SUFFIX", the name
+// shortened where the file system's limit for names would be passed, and alike for every suffix of
+// at most kLongestSuffix characters.
+inline constexpr std::size_t kLongestSuffix = 60;
 std::string siblingPath(const std::string& path, std::string_view suffix);
+
+// The paths of all names that a file has in its folder (hard links), sorted; the given one alone
+// where there is no such file.
+std::vector<std::string> namesOfFile(const std::string& path);
 
 bool sameFile(const struct stat& a, const struct stat& b);
 

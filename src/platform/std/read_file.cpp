@@ -127,10 +127,15 @@ Result<FileImage> viewWholeFile(const std::string& path) {
       size};
 }
 
-Result<std::vector<std::uint8_t>> readFileStart(const std::string& path, std::size_t limit) {
+Result<std::vector<std::uint8_t>> readFilePart(const std::string& path, std::uint64_t offset,
+                                               std::size_t limit) {
   Result<OpenFile> file = openRegular(path);
   if (!file) return file.error();
-  std::vector<std::uint8_t> bytes(std::min(limit, file->size));
+  if (offset >= file->size) return std::vector<std::uint8_t>();
+  std::vector<std::uint8_t> bytes(std::min<std::size_t>(limit, file->size - offset));
+  if (::lseek(file->descriptor.get(), static_cast<off_t>(offset), SEEK_SET) < 0) {
+    return cannotOpen(path, errno);
+  }
   const ssize_t got = readFully(file->descriptor.get(), bytes.data(), bytes.size());
   if (got < 0) return cannotOpen(path, errno);
   bytes.resize(static_cast<std::size_t>(got));

@@ -23,6 +23,7 @@ Result<FileImage> readWholeFile(const std::string& path);
 // with several names, which is written over to keep them, is copied.
 Result<FileImage> viewWholeFile(const std::string& path);
 
-Result<std::vector<std::uint8_t>> readFileStart(const std::string& path, std::size_t limit);
+Result<std::vector<std::uint8_t>> readFilePart(const std::string& path, std::uint64_t offset,
+                                               std::size_t limit);
 
 }  // namespace tabelion

@@ -56,6 +56,13 @@ Status copyFile(const std::string& from, const std::string& to, Existing existin
     return makeError(ErrorKind::kCannotOpen,
                      fmt::format("Could not copy {}: it is not a file", from));
   }
+  // Saving goes through a link, which is where the user's file is. A copy goes to a place that is
+  // chosen by its name: a link there, on a card from elsewhere, would lead it to any file at all.
+  struct stat there {};
+  if (::lstat(to.c_str(), &there) == 0 && S_ISLNK(there.st_mode)) {
+    return makeError(ErrorKind::kCannotWrite,
+                     fmt::format("Could not write {}: it is a link, which no copy follows", to));
+  }
   Result<Replacement> copy = Replacement::begin(to, existing);
   if (!copy) return copy.error();
   std::vector<std::uint8_t> buffer(std::size_t{256} << 10);
@@ -79,8 +86,9 @@ Result<FileImage> StdFiles::read(const std::string& path) {
   return options_.views_files ? viewWholeFile(path) : readWholeFile(path);
 }
 
-Result<std::vector<std::uint8_t>> StdFiles::readStart(const std::string& path, std::size_t limit) {
-  return readFileStart(path, limit);
+Result<std::vector<std::uint8_t>> StdFiles::readPart(const std::string& path, std::uint64_t offset,
+                                                     std::size_t limit) {
+  return readFilePart(path, offset, limit);
 }
 
 Status StdFiles::replace(const std::string& path, std::span<const BytePiece> pieces) {

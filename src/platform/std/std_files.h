@@ -19,7 +19,8 @@ class StdFiles : public Files {
   explicit StdFiles(StdFilesOptions options) : options_(std::move(options)) {}
 
   Result<FileImage> read(const std::string& path) override;
-  Result<std::vector<std::uint8_t>> readStart(const std::string& path, std::size_t limit) override;
+  Result<std::vector<std::uint8_t>> readPart(const std::string& path, std::uint64_t offset,
+                                             std::size_t limit) override;
   Status replace(const std::string& path, std::span<const BytePiece> pieces) override;
   Result<std::unique_ptr<FileLock>> lock(const std::string& path,
                                          const std::string& holder) override;

@@ -1,0 +1,17 @@
+// What a file's replacement takes over from it besides its name.
+#pragma once
+
+#include <optional>
+#include <string>
+
+struct stat;
+
+namespace tabelion {
+
+// Gives the file that is open as `fresh`, which we made, what the one open as `old_fd` has: owner,
+// group, extended attributes with the access list, and mode. Only an administrator may give a file
+// to another owner, and others only to their own groups; where that fails, the file stays ours as
+// long as nobody gains or loses a right by it. Else the reason why it cannot be.
+std::optional<std::string> keepAttributes(int old_fd, const struct stat& old, int fresh);
+
+}  // namespace tabelion
