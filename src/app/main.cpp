@@ -35,6 +35,13 @@ void forgetActivationToken() {
   });
 }
 
+// The toolkit ends the process with a signal where it finds no display; that is no fault of ours
+// to leave a memory image of.
+void sayOrEnd(QtMsgType type, const QMessageLogContext&, const QString& text) {
+  std::cerr << text.toStdString() << '\n';
+  if (type == QtFatalMsg) std::_Exit(tabelion::kExitNotStarted);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -49,8 +56,9 @@ int main(int argc, char** argv) {
   } else if (!isSet("DISPLAY") && !isSet("WAYLAND_DISPLAY") && !isSet("QT_QPA_PLATFORM")) {
     std::cerr << "tabelion: there is no display to open the window on. Try --tour DIR, which "
                  "needs none.\n";
-    return 1;
+    return tabelion::kExitNotStarted;
   }
+  qInstallMessageHandler(sayOrEnd);
   QApplication app(argc, argv);
   QApplication::setApplicationName(QStringLiteral("tabelion"));
   QApplication::setDesktopFileName(QString::fromLatin1(tabelion::kApplicationId));
@@ -63,6 +71,7 @@ int main(int argc, char** argv) {
   forgetActivationToken();
   const int exit_code =
       tabelion::runProgram(parsed.options, tabelion::placesOf(parsed.options), dialogs, instance);
-  if (!instance.problem().empty()) std::cerr << "tabelion: " << instance.problem() << ".\n";
-  return exit_code;
+  if (instance.problem().empty()) return exit_code;
+  std::cerr << "tabelion: " << instance.problem() << ".\n";
+  return tabelion::kExitNotStarted;
 }

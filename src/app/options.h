@@ -26,6 +26,7 @@ struct ParsedOptions {
   std::optional<int> exit_code;  // the program ends at once with it
 };
 
+inline constexpr int kExitNotStarted = 1;  // no display, or another copy that does not answer
 inline constexpr int kExitUsage = 2;
 
 // Prints help, version and complaints itself.

@@ -1,6 +1,7 @@
 #include "app/program.h"
 
 #include <QCoreApplication>
+#include <QTimer>
 
 #include "platform/std/std_clock.h"
 #include "platform/std/std_locale.h"
@@ -23,7 +24,15 @@ int runProgram(const ProgramOptions& options, const ProgramPlaces& places, QtDia
   StdFiles files(places.files);
   StdClock clock;
   StdLocale locale;
-  JsonSettings settings(places.settings);
+  JsonSettingsOptions settings_options = places.settings;
+  settings_options.warn = [&dialogs](const std::string& text) {
+    // Read in the middle of anything, it is said when that is over.
+    QTimer::singleShot(0, qApp, [&dialogs, text] {
+      dialogs.message({QString::fromStdString(text).toStdU16String(), u"Preferences",
+                       MessageButtons::kOk, MessageIcon::kExclamation});
+    });
+  };
+  JsonSettings settings(settings_options);
   Platform platform{files, clock, locale, settings, dialogs, instance, places.samples_folder};
   return RunTabelion(platform, {.command_line = options.command_line,
                                 .code_page = options.code_page,

@@ -112,6 +112,10 @@ std::unique_ptr<Database> CliContext::openAsItIs(const std::string& path, ExitCo
   database->path = path;
   engine_message_.clear();
   if (!openDatabase(*database, engine)) {
+    if (files.readError()) {
+      failure = fail(*files.readError());
+      return nullptr;
+    }
     failure = fail({ErrorKind::kDamaged, fmt::format("{}: {}; \"tabelion-cli check\" tells more",
                                                      path, engine_message_)});
     return nullptr;
@@ -292,20 +296,20 @@ ExitCode CliContext::finishOutput() {
 }
 
 ProgressStep CliContext::progress(std::string what) {
-  if (!streams.err_is_terminal) return {};
+  if (!streams.progress) return {};
   return [this, what = std::move(what), next = SteadyClock::now() + kPatience](
              std::uint32_t done, std::uint32_t of) mutable {
     const auto now = SteadyClock::now();
     if (now < next) return;
     next = now + kBetween;
     const std::uint64_t percent = of == 0 ? 100 : std::uint64_t{done} * 100 / of;
-    streams.err.write(fmt::format("\r{} {} %", what, percent));
+    streams.progress->write(fmt::format("\r{} {} %", what, percent));
     shows_progress_ = true;
   };
 }
 
 void CliContext::clearProgress() {
-  if (shows_progress_) streams.err.write("\r\x1b[K");
+  if (shows_progress_) streams.progress->write("\r\x1b[K");
   shows_progress_ = false;
 }
 

@@ -34,7 +34,7 @@ class Dump {
     out_.put(",\n\"header\": ");
     putCompactJson(out_, dumpHeader(file_, header_, *encoding));
     out_.put(",\n\"database_record\": ");
-    putCompactJson(out_, dumpDatabaseRecord(entryAt(0), *encoding));
+    putDumped(out_, dumpDatabaseRecord(entryAt(0), *encoding));
     out_.put(",\n\"fields\": ");
     putList(dumpFields(database_->schema, *encoding));
     out_.put(",\n\"views\": ");
@@ -43,10 +43,10 @@ class Dump {
     for (std::size_t slot = 0; slot < kFieldSlots; ++slot) {
       if (slot + 1 >= entries_.size()) break;
       out_.put(slot == 0 ? "\n" : ",\n");
-      putCompactJson(out_, dumpFieldRecord(entryAt(slot + 1), static_cast<int>(slot), *encoding));
+      putDumped(out_, dumpFieldRecord(entryAt(slot + 1), static_cast<int>(slot), *encoding));
     }
     out_.put("\n],\n\"extension_record\": ");
-    putCompactJson(out_, dumpExtensionRecord(entryAt(kFieldSlots + 1)));
+    putDumped(out_, dumpExtensionRecord(entryAt(kFieldSlots + 1)));
     out_.put(",\n\"records\": [");
     putRecords(*encoding);
     out_.put("\n]\n}\n");

@@ -13,6 +13,13 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+void putHex(ByteView bytes, OutputBuffer& out) {
+  constexpr std::size_t kStep = OutputBuffer::kSize / 4;
+  for (; !bytes.empty() && out.ok(); bytes = bytes.subspan(std::min(kStep, bytes.size()))) {
+    out.put(toHex(bytes.first(std::min(kStep, bytes.size()))));
+  }
+}
+
 Json entryJson(const FileEntry& entry) {
   return Json{{"offset", entry.offset},
               {"length", entry.bytes.size()},
@@ -139,7 +146,16 @@ Json dumpHeader(ByteView file, const FileHeader& header, const TextEncoding& enc
   return json;
 }
 
-Json dumpDatabaseRecord(const FileEntry& entry, const TextEncoding& encoding) {
+void putDumped(OutputBuffer& out, const DumpedRecord& record) {
+  std::string text = record.json.dump(-1, ' ', false, Json::error_handler_t::replace);
+  if (record.bytes_name.empty()) return out.put(text);
+  text.pop_back();  // its end
+  out.put(fmt::format("{},\"{}\":\"", text, record.bytes_name));
+  putHex(record.bytes, out);
+  out.put("\"}");
+}
+
+DumpedRecord dumpDatabaseRecord(const FileEntry& entry, const TextEncoding& encoding) {
   Json items = Json::array();
   for (const DatabaseRecordPart& part : databaseRecordParts()) {
     if (part.offset >= entry.bytes.size()) break;
@@ -161,10 +177,8 @@ Json dumpDatabaseRecord(const FileEntry& entry, const TextEncoding& encoding) {
     items.push_back(std::move(item));
   }
   Json json{{"entry", entryJson(entry)}, {"items", std::move(items)}};
-  if (entry.bytes.size() > kDatabaseRecordSize) {
-    json["surplus"] = toHex(entry.bytes.subspan(kDatabaseRecordSize));
-  }
-  return json;
+  if (entry.bytes.size() <= kDatabaseRecordSize) return {std::move(json)};
+  return {std::move(json), "surplus", entry.bytes.subspan(kDatabaseRecordSize)};
 }
 
 std::vector<Json> dumpFields(const DatabaseRecord& schema, const TextEncoding& encoding) {
@@ -209,14 +223,13 @@ std::vector<Json> dumpViews(const DatabaseRecord& schema, const TextEncoding& en
   return list;
 }
 
-Json dumpFieldRecord(const FileEntry& entry, int slot, const TextEncoding& encoding) {
+DumpedRecord dumpFieldRecord(const FileEntry& entry, int slot, const TextEncoding& encoding) {
   Json json{{"slot", slot}, {"entry", entryJson(entry)}};
   FieldRecord field;
   const int result = readFieldRecord(entry.bytes, field);
   if (result != kFieldRecordRead) {
     json["problem"] = result == kFieldRecordNoData ? "no data" : "damaged";
-    json["hex"] = toHex(entry.bytes);
-    return json;
+    return {std::move(json), "hex", entry.bytes};
   }
   json["record_type"] = field.record_type;
   if (field.head != HeadBlock{}) json["head"] = toHex(field.head);
@@ -231,25 +244,24 @@ Json dumpFieldRecord(const FileEntry& entry, int slot, const TextEncoding& encod
   Json ranges = Json::array();
   for (const Range& range : field.ranges) ranges.push_back(toHex(range));
   if (!ranges.empty()) json["ranges"] = std::move(ranges);
-  if (!field.surplus.empty()) json["surplus"] = toHex(field.surplus);
-  return json;
+  if (field.surplus.empty()) return {std::move(json)};
+  return {std::move(json), "surplus", entry.bytes.last(field.surplus.size())};
 }
 
-Json dumpExtensionRecord(const FileEntry& entry) {
+DumpedRecord dumpExtensionRecord(const FileEntry& entry) {
   Json json{{"entry", entryJson(entry)}};
   ExtensionRecord extension;
   if (!readExtensionRecord(entry.bytes, extension) || !extension.ignored.empty()) {
     json["problem"] = extension.ignored.empty() ? "damaged" : "does not begin with 22";
-    json["hex"] = toHex(entry.bytes);
-    return json;
+    return {std::move(json), "hex", entry.bytes};
   }
   json["head"] = toHex(extension.head);
   Json entries = Json::array();
   for (const ExtensionEntry& one : extension.entries) entries.push_back(toHex(one));
   json["entries"] = std::move(entries);
   json["closing"] = toHex(extension.closing);
-  if (!extension.surplus.empty()) json["surplus"] = toHex(extension.surplus);
-  return json;
+  if (extension.surplus.empty()) return {std::move(json)};
+  return {std::move(json), "surplus", entry.bytes.last(extension.surplus.size())};
 }
 
 RecordDump::RecordDump(const Database& database, const TextEncoding& encoding,
@@ -295,7 +307,7 @@ void RecordDump::putSlots(ByteView record, OutputBuffer& out) {
     }
     // In pieces: a value may be as long as a record, its digits twice that.
     out.put(",\"hex\":\"");
-    out.put(toHex(*value));
+    putHex(*value, out);
     out.put('"');
     if (first_column_[slot] < rows_.columns().size()) {
       out.put(",\"text\":");
@@ -308,7 +320,10 @@ void RecordDump::putSlots(ByteView record, OutputBuffer& out) {
   const bool has_end = record.size() - end >= 2 && loadLe16(&record[end]) == kEndOfRecord;
   out.put(has_end ? ",\"end_marker\":true" : ",\"end_marker\":false");
   const ByteView tail = record.subspan(end + (has_end ? 2 : 0));
-  if (!tail.empty()) out.put(fmt::format(",\"tail\":\"{}\"", toHex(tail)));
+  if (tail.empty()) return;
+  out.put(",\"tail\":\"");
+  putHex(tail, out);
+  out.put('"');
 }
 
 }  // namespace tabelion

@@ -15,16 +15,24 @@ namespace tabelion {
 
 nlohmann::ordered_json dumpHeader(ByteView file, const FileHeader& header,
                                   const TextEncoding& encoding);
+// An object whose last member, unless it has no name, is bytes of any length in the file: as digits
+// in memory they would be many times the file's size.
+struct DumpedRecord {
+  nlohmann::ordered_json json;
+  std::string_view bytes_name = {};
+  ByteView bytes = {};
+};
+void putDumped(OutputBuffer& out, const DumpedRecord& record);
+
 // Every item by its number, with its name where it has one.
-nlohmann::ordered_json dumpDatabaseRecord(const FileEntry& entry, const TextEncoding& encoding);
+DumpedRecord dumpDatabaseRecord(const FileEntry& entry, const TextEncoding& encoding);
 // The field slots and views that are in use or differ from a new database's.
 std::vector<nlohmann::ordered_json> dumpFields(const DatabaseRecord& schema,
                                                const TextEncoding& encoding);
 std::vector<nlohmann::ordered_json> dumpViews(const DatabaseRecord& schema,
                                               const TextEncoding& encoding);
-nlohmann::ordered_json dumpFieldRecord(const FileEntry& entry, int slot,
-                                       const TextEncoding& encoding);
-nlohmann::ordered_json dumpExtensionRecord(const FileEntry& entry);
+DumpedRecord dumpFieldRecord(const FileEntry& entry, int slot, const TextEncoding& encoding);
+DumpedRecord dumpExtensionRecord(const FileEntry& entry);
 
 // Data records: entry, prefix, stamp, and per slot nothing, or its bytes and its text.
 class RecordDump {

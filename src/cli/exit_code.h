@@ -16,6 +16,7 @@ enum class ExitCode {
   kRefused = 7,
   kCannotWrite = 8,
   kWrongPassword = 9,
+  kNoMemory = 12,
 };
 
 struct ExitCodeText {
@@ -34,6 +35,7 @@ inline constexpr ExitCodeText kExitCodes[] = {
     {ExitCode::kRefused, "an input is not accepted"},
     {ExitCode::kCannotWrite, "an output could not be written"},
     {ExitCode::kWrongPassword, "a password is missing or wrong"},
+    {ExitCode::kNoMemory, "there is not enough memory"},
 };
 
 ExitCode exitCodeFor(ErrorKind kind);

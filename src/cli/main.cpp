@@ -2,10 +2,12 @@
 
 #include <csignal>
 #include <cstdint>
+#include <new>
 #include <random>
 #include <string_view>
 
 #include "cli/run.h"
+#include "interchange/terminal_text.h"
 #include "platform/std/json_settings.h"
 #include "platform/std/std_clock.h"
 #include "platform/std/std_files.h"
@@ -31,7 +33,22 @@ int main(int argc, char** argv) {
   tabelion::StdFiles files({.views_files = true});
   tabelion::StdClock clock;
   tabelion::StdLocale locale;
-  tabelion::JsonSettings settings;
+  tabelion::DescriptorSink out(STDOUT_FILENO);
+  tabelion::DescriptorSink err(STDERR_FILENO);
+  tabelion::TerminalSink shown_out(out);
+  tabelion::TerminalSink shown_err(err);
+  const auto sink = [](int descriptor, tabelion::TextSink& plain,
+                       tabelion::TextSink& shown) -> tabelion::TextSink& {
+    return isatty(descriptor) == 1 ? shown : plain;
+  };
+  tabelion::Streams streams{sink(STDOUT_FILENO, out, shown_out),
+                            sink(STDERR_FILENO, err, shown_err),
+                            [] { return tabelion::readDescriptor(STDIN_FILENO); }};
+  tabelion::JsonSettingsOptions settings_options;
+  settings_options.warn = [&streams](const std::string& text) {
+    streams.err.write("tabelion-cli: " + text + "\n");
+  };
+  tabelion::JsonSettings settings(settings_options);
   std::minstd_rand generator(std::random_device{}());
   tabelion::CliPlatform platform{files,
                                  clock,
@@ -39,15 +56,18 @@ int main(int argc, char** argv) {
                                  settings,
                                  [&generator] { return static_cast<std::uint32_t>(generator()); },
                                  tabelion::askOnTerminal};
-  tabelion::DescriptorSink out(STDOUT_FILENO);
-  tabelion::DescriptorSink err(STDERR_FILENO);
-  tabelion::Streams streams{out, err, [] { return tabelion::readDescriptor(STDIN_FILENO); },
-                            isatty(STDERR_FILENO) == 1};
-  if (isatty(STDIN_FILENO) == 1 && streams.err_is_terminal) {
-    streams.confirm = [](std::string_view question) {
-      return tabelion::confirmOnTerminal(STDIN_FILENO, STDERR_FILENO, question);
+  if (isatty(STDERR_FILENO) == 1) streams.progress = &err;
+  if (isatty(STDIN_FILENO) == 1 && streams.progress) {
+    streams.confirm = [&streams](std::string_view question) {
+      return tabelion::confirmOnTerminal(STDIN_FILENO, streams.err, question);
     };
   }
   const std::vector<std::string> arguments(argv + 1, argv + argc);
-  return static_cast<int>(tabelion::runCli(arguments, platform, streams));
+  try {
+    return static_cast<int>(tabelion::runCli(arguments, platform, streams));
+  } catch (const std::bad_alloc&) {
+    // What was being written beside a file is cleared away by now, and the file is as it was.
+    streams.err.write("tabelion-cli: there is not enough memory for this\n");
+    return static_cast<int>(tabelion::ExitCode::kNoMemory);
+  }
 }

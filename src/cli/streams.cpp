@@ -22,8 +22,8 @@ bool DescriptorSink::write(std::string_view bytes) {
   return true;
 }
 
-bool confirmOnTerminal(int in, int out, std::string_view question) {
-  if (!DescriptorSink(out).write(std::string(question) + " [y/N] ")) return false;
+bool confirmOnTerminal(int in, TextSink& out, std::string_view question) {
+  if (!out.write(std::string(question) + " [y/N] ")) return false;
   std::string answer;
   for (char c = 0; c != '\n';) {
     const ssize_t count = ::read(in, &c, 1);
@@ -44,6 +44,11 @@ Result<FileImage> readDescriptor(int descriptor) {
     const bool interrupted = count < 0 && errno == EINTR;
     bytes.resize(size + (count > 0 ? static_cast<std::size_t>(count) : 0));
     if (count == 0) break;
+    if (bytes.size() > kLargestInput) {
+      return makeError(
+          ErrorKind::kCannotOpen,
+          "standard input goes on beyond 1 GiB, which is more than is taken from there");
+    }
     if (count < 0 && !interrupted) {
       return makeError(ErrorKind::kCannotOpen, "standard input cannot be read");
     }

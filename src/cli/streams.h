@@ -11,9 +11,10 @@ namespace tabelion {
 
 struct Streams {
   TextSink& out;                                  // data, and nothing else
-  TextSink& err;                                  // messages and progress
+  TextSink& err;                                  // messages
   std::function<Result<FileImage>()> read_input;  // all of standard input
-  bool err_is_terminal = false;
+  TextSink* progress =
+      nullptr;  // the terminal behind `err`, whose cursor is moved; none: no terminal
   // Asks a question on the terminal and waits for the answer; only "y" and "yes" mean yes. None
   // where nobody can answer.
   std::function<bool(std::string_view question)> confirm = {};
@@ -29,10 +30,12 @@ class DescriptorSink : public TextSink {
   int descriptor_;
 };
 
-// Writes the question to one descriptor and reads a line of the other.
-bool confirmOnTerminal(int in, int out, std::string_view question);
+// Writes the question and reads a line of the descriptor.
+bool confirmOnTerminal(int in, TextSink& out, std::string_view question);
 
-// Reads a file descriptor to its end.
+// Reads a file descriptor to its end. One that has none would take all memory: beyond kLargestInput
+// bytes it is refused.
+inline constexpr std::size_t kLargestInput = std::size_t{1} << 30;
 Result<FileImage> readDescriptor(int descriptor);
 
 }  // namespace tabelion

@@ -34,7 +34,7 @@ class CliRun : public ::testing::Test {
                       files.put("/stdin", input);
                       return files.read("/stdin");
                     },
-                    false, confirm};
+                    nullptr, confirm};
     CliPlatform platform{files, clock, locale, settings, [] { return 4u; }};
     return static_cast<int>(runCli(arguments, platform, streams));
   }

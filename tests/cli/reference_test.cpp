@@ -89,7 +89,7 @@ int runExamples(const std::string& block, MemoryFiles& files) {
     std::string example;
     while (std::getline(lines, line) && !line.starts_with("$ ")) example += line + "\n";
     Transcript transcript;
-    Streams streams{transcript, transcript, {}, false};
+    Streams streams{transcript, transcript, {}};
     CliPlatform platform{files, clock, locale, settings, [] { return 3u; }};
     runCli(arguments, platform, streams);
     EXPECT_TRUE(printsAs(transcript.text, example)) << command << "\nprints\n"

@@ -14,7 +14,7 @@ class FileManagement : public testing::Test {
     path = world.add("Notes", {{"Name"}}, {{"a"}});
     ASSERT_TRUE(world.files.makeFolder("/card/Tabelion").ok());
   }
-  DatabaseFile file() const { return {path, u"Notes", kUnfiled}; }
+  DatabaseFile file() const { return {path, u"Notes", kUnfiled, Volume::kMain, u"Notes"}; }
   // The same database, saved at another hour with other records.
   std::vector<std::uint8_t> savedAt(int hour) {
     const int now = std::exchange(world.clock.utc_now.hour, hour);

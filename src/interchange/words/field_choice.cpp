@@ -1,6 +1,8 @@
 #include "interchange/words/field_choice.h"
 
 #include <algorithm>
+#include <functional>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -16,7 +18,7 @@ namespace {
 
 struct NamedField {
   int slot;
-  std::string name;  // unique unless another field is called just like this one with its number
+  std::string name;
 };
 
 std::vector<NamedField> namedFields(const DatabaseRecord& schema, const TextEncoding& encoding) {
@@ -36,16 +38,6 @@ std::vector<NamedField> namedFields(const DatabaseRecord& schema, const TextEnco
     if (shared[i]) fields[i].name += fmt::format(" #{}", fields[i].slot);
   }
   return fields;
-}
-
-Error unknownField(std::string_view name, const std::vector<NamedField>& fields) {
-  std::vector<std::string> known;
-  known.reserve(fields.size());
-  for (const NamedField& field : fields) known.push_back(field.name);
-  const auto near = nearNames(name, known);
-  std::string text = fmt::format("no field is called \"{}\"", name);
-  if (!near.empty()) text += "; there is " + alternatives(near);
-  return makeError(ErrorKind::kInvalid, text);
 }
 
 bool hasUse(const Database& database, int slot, FieldUse use) {
@@ -84,25 +76,56 @@ std::string fieldLabel(const Database& database, const TextEncoding& encoding, i
   return {};
 }
 
+FieldNames::FieldNames(const Database& database, const TextEncoding& encoding) {
+  for (NamedField& field : namedFields(database.schema, encoding)) {
+    const FieldDefinition& definition =
+        database.schema.fields[static_cast<std::size_t>(field.slot)];
+    std::string own = encoding.toUtf8(fieldName(definition));
+    lengths_.push_back(own.size());
+    lengths_.push_back(field.name.size());
+    fields_.push_back({field.slot, std::move(own), std::move(field.name)});
+  }
+  std::sort(lengths_.begin(), lengths_.end(), std::greater<>());
+  lengths_.erase(std::unique(lengths_.begin(), lengths_.end()), lengths_.end());
+}
+
+// The one field with exactly this name, else all that have it in any case.
+std::vector<const FieldNames::Field*> FieldNames::called(std::string_view name) const {
+  std::vector<const Field*> same;
+  for (const Field& field : fields_) {
+    if (field.name == name) return {&field};
+    const auto is = [&](const std::string& known) {
+      return known.size() == name.size() && compareAnyCase(known, name) == 0;
+    };
+    if (is(field.name) || is(field.own)) same.push_back(&field);
+  }
+  return same;
+}
+
+std::optional<int> FieldNames::find(std::string_view name) const {
+  const auto same = called(name);
+  return same.size() == 1 ? std::optional(same.front()->slot) : std::nullopt;
+}
+
+Result<int> FieldNames::choose(std::string_view name) const {
+  const auto same = called(name);
+  if (same.size() == 1) return same.front()->slot;
+  std::vector<std::string> names;
+  if (!same.empty()) {
+    for (const Field* field : same) names.push_back(field->name);
+    return makeError(ErrorKind::kInvalid,
+                     fmt::format("\"{}\" may be the field {}", name, alternatives(names)));
+  }
+  for (const Field& field : fields_) names.push_back(field.name);
+  const auto near = nearNames(name, names);
+  std::string text = fmt::format("no field is called \"{}\"", name);
+  if (!near.empty()) text += "; there is " + alternatives(near);
+  return makeError(ErrorKind::kInvalid, text);
+}
+
 Result<int> chooseField(const Database& database, const TextEncoding& encoding,
                         std::string_view name) {
-  const std::vector<NamedField> fields = namedFields(database.schema, encoding);
-  for (const NamedField& field : fields) {
-    if (field.name == name) return field.slot;
-  }
-  std::vector<const NamedField*> same;
-  std::vector<std::string> same_names;
-  for (const NamedField& field : fields) {
-    const std::string own =
-        encoding.toUtf8(fieldName(database.schema.fields[static_cast<std::size_t>(field.slot)]));
-    if (compareAnyCase(field.name, name) != 0 && compareAnyCase(own, name) != 0) continue;
-    same.push_back(&field);
-    same_names.push_back(field.name);
-  }
-  if (same.size() == 1) return same.front()->slot;
-  if (same.empty()) return unknownField(name, fields);
-  return makeError(ErrorKind::kInvalid,
-                   fmt::format("\"{}\" may be the field {}", name, alternatives(same_names)));
+  return FieldNames(database, encoding).choose(name);
 }
 
 Result<std::vector<int>> chooseFields(const Database& database, const TextEncoding& encoding,

@@ -1,6 +1,7 @@
 // Which fields there are to choose from, and how people name them.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -32,8 +33,31 @@ std::string fieldLabel(const Database& database, const TextEncoding& encoding, i
 Result<int> chooseField(const Database& database, const TextEncoding& encoding,
                         std::string_view name);
 
-// The same for several, "Name,Born": the text is split at commas unless a field has the whole as
-// its name; blanks around a name do not count.
+// The names of a database's fields, for who asks for many of them.
+class FieldNames {
+ public:
+  FieldNames(const Database& database, const TextEncoding& encoding);
+  // As chooseField() chooses.
+  Result<int> choose(std::string_view name) const;
+  // The same without a word on what is not there.
+  std::optional<int> find(std::string_view name) const;
+  // How many bytes names have, the longest first, each number once.
+  const std::vector<std::size_t>& lengths() const { return lengths_; }
+
+ private:
+  struct Field {
+    int slot;
+    std::string own;
+    std::string name;  // unique unless another field is called just like this one with its number
+  };
+  std::vector<const Field*> called(std::string_view name) const;
+
+  std::vector<Field> fields_;
+  std::vector<std::size_t> lengths_;
+};
+
+// The same as chooseField() for several, "Name,Born": the text is split at commas unless a field
+// has the whole as its name; blanks around a name do not count.
 Result<std::vector<int>> chooseFields(const Database& database, const TextEncoding& encoding,
                                       std::string_view names);
 

@@ -15,7 +15,7 @@ namespace {
 class FilterParser {
  public:
   FilterParser(const Database& database, const TextEncoding& encoding)
-      : database_(database), encoding_(encoding) {}
+      : database_(database), encoding_(encoding), names_(database, encoding) {}
 
   // One text with one condition or more.
   std::optional<Error> read(std::string_view text, bool is_last);
@@ -38,22 +38,21 @@ class FilterParser {
 
   const Database& database_;
   const TextEncoding& encoding_;
+  const FieldNames names_;
   std::vector<FilterBlock> criteria_;
   std::size_t open_groups_ = 0;
 };
 
 // The longest start that is a field's name.
 std::optional<int> FilterParser::readField(WordReader& words) const {
-  const auto choose = [&](std::string_view name) -> std::optional<int> {
-    const auto slot = chooseField(database_, encoding_, name);
-    return slot.ok() ? std::optional(*slot) : std::nullopt;
-  };
-  if (const auto quoted = words.readQuoted()) return choose(*quoted);
+  if (const auto quoted = words.readQuoted()) return names_.find(*quoted);
   words.skipBlanks();
   const std::size_t begin = words.at();
-  for (std::size_t end = words.end(); end > begin; --end) {
-    if (!words.isWordEnd(end) || words.text()[end - 1] == ' ') continue;
-    if (const auto slot = choose(words.text().substr(begin, end - begin))) {
+  for (const std::size_t length : names_.lengths()) {
+    const std::size_t end = begin + length;
+    if (length == 0 || end > words.end() || !words.isWordEnd(end)) continue;
+    if (words.text()[end - 1] == ' ') continue;
+    if (const auto slot = names_.find(words.text().substr(begin, length))) {
       words.seek(end);
       return slot;
     }
@@ -119,7 +118,7 @@ void FilterParser::failOnField(WordReader& words) const {
   for (WordReader ahead = words; !ahead.isDone() && !readOperator(ahead); ahead.readToken()) {
     end = std::min(ahead.text().find(' ', ahead.at()), ahead.end());
   }
-  const auto choice = chooseField(database_, encoding_, words.text().substr(begin, end - begin));
+  const auto choice = names_.choose(words.text().substr(begin, end - begin));
   if (end == begin || choice.ok()) return words.expected("the name of a field");
   words.fail(begin, choice.error().text);
 }

@@ -71,6 +71,47 @@ TEST_F(CliProgram, OutputThatGoesNowhereIsAFailure) {
   EXPECT_EQ(shell("[ -c /dev/full ]"), 0) << "still a device";
 }
 
+TEST_F(CliProgram, NamesDoNotCommandATerminal) {
+  if (shell("command -v script") != 0) GTEST_SKIP() << "the program script is not there";
+  folder.write("a.csv", "Name\n\"\x1b]0;gone\x07\"\n");
+  ASSERT_EQ(shell("\"$cli\" create a.PDB --schema a.json --data a.csv"), 0) << errors;
+  ASSERT_EQ(shell("\"$cli\" export a.PDB --format csv"), 0);
+  EXPECT_THAT(output, HasSubstr("\x1b]0;gone\x07")) << "data on a pipe stays as it is";
+  ASSERT_EQ(shell("script -qec \"'$cli' export a.PDB --format csv; '$cli' info $(printf 'no\\033[7m')\" /dev/null"
+                  " < /dev/null; true"),
+            0);
+  EXPECT_THAT(output, HasSubstr("␛]0;gone␇"));
+  EXPECT_THAT(output, HasSubstr("no␛[7m"));
+  EXPECT_EQ(output.find('\x1b'), std::string::npos);
+}
+
+TEST_F(CliProgram, EndlessInputAndLittleMemoryEndInWords) {
+  std::string rows = "Name,N\n";
+  for (int i = 0; i < 20000; ++i)
+    rows += "a name of some length " + std::to_string(i * 7919) + ",1\n";
+  folder.write("a.csv", rows);
+  ASSERT_EQ(shell("\"$cli\" create a.PDB --schema a.json --data a.csv"), 0) << errors;
+  EXPECT_EQ(shell("\"$cli\" import a.PDB /dev/zero"), 3);
+  EXPECT_THAT(errors, HasSubstr("/dev/zero: it is not a file"));
+  EXPECT_EQ(shell("ulimit -v 300000; \"$cli\" import a.PDB - < /dev/zero"), 12);
+  EXPECT_THAT(errors, HasSubstr("not enough memory"));
+  int failed = 0;
+  for (int megabytes = 12; megabytes < 200; megabytes += 2) {
+    const std::string before = folder.read("a.PDB");
+    const int code =
+        shell("ulimit -v " + std::to_string(megabytes * 1000) + "; \"$cli\" sort a.PDB N,Name");
+    if (code == 127) continue;  // not even the program itself has room
+    ASSERT_TRUE(code == 0 || code == 3 || code == 12) << megabytes << " MB: " << code << errors;
+    if (code == 0) break;
+    ++failed;
+    EXPECT_THAT(errors, HasSubstr("not enough memory"));
+    EXPECT_TRUE(folder.read("a.PDB") == before);
+  }
+  EXPECT_GT(failed, 1);
+  EXPECT_EQ(shell("\"$cli\" check a.PDB; ls -A | grep -c PDB"), 0);
+  EXPECT_THAT(output, HasSubstr("\n1\n"));
+}
+
 TEST_F(CliProgram, SqlLoadsAsItStands) {
   if (shell("command -v sqlite3") != 0) GTEST_SKIP() << "the program sqlite3 is not there";
   folder.write("a.csv", "Name,N\n\"it's \"\"so\"\"\nand ;\",-5\n\"€\",\n");

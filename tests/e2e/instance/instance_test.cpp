@@ -114,13 +114,24 @@ TEST_F(InstanceTest, FrozenOneHoldsUpNobodyAndGoesOnLater) {
   auto first = startFirst();
   expectHandsOver();
   first.signal(SIGSTOP);
-  EXPECT_EQ(start({"--open", "My Films.PDB"}).wait(), 0);
+  EXPECT_EQ(start({"--open", "My Films.PDB"}).wait(), 1);
   EXPECT_THAT(errors(),
               HasSubstr("(process " + std::to_string(first.pid()) + ") but does not answer"));
   first.signal(SIGCONT);
   EXPECT_TRUE(opens(first.pid()));
   expectHandsOver();
   expectEndsWell(first, SIGINT);
+}
+
+TEST_F(InstanceTest, StartWithoutADisplayIsRefused) {
+  ::unsetenv("QT_QPA_PLATFORM");
+  ::unsetenv("WAYLAND_DISPLAY");
+  for (const char* display : {"", ":7777"}) {
+    ::setenv("DISPLAY", display, 1);
+    EXPECT_EQ(start().wait(), 1) << display;
+    EXPECT_THAT(errors(), HasSubstr("display"));
+  }
+  ::unsetenv("DISPLAY");
 }
 
 std::string number(std::uint32_t value) {
