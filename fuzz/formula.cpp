@@ -13,13 +13,10 @@
 #include "engine/database.h"
 #include "engine/schema_places.h"
 #include "query/formula_text.h"
+#include "require.h"
 
 namespace tabelion {
 namespace {
-
-void require(bool holds) {
-  if (!holds) std::abort();
-}
 
 constexpr std::size_t kCalculatedFields = 4;
 constexpr const char* kNames[] = {"Total", "Twin", "Twin", "a]b", "Price", "mod", "Two words", "7"};

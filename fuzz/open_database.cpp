@@ -7,13 +7,10 @@
 #include "engine/database.h"
 #include "engine/packed_record.h"
 #include "image_files.h"
+#include "require.h"
 
 namespace tabelion {
 namespace {
-
-void require(bool holds) {
-  if (!holds) std::abort();
-}
 
 void walkRecords(const Database& database) {
   for (const Record& record : database.records) {

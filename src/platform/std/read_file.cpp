@@ -30,7 +30,6 @@ Error cannotOpen(const std::string& path, int error_number) {
 struct OpenFile {
   FileDescriptor descriptor;
   std::size_t size = 0;
-  bool has_other_names = false;
 };
 
 Result<OpenFile> openRegular(const std::string& path) {
@@ -48,7 +47,7 @@ Result<OpenFile> openRegular(const std::string& path) {
     return makeError(ErrorKind::kCannotOpen,
                      fmt::format("Could not open {}: it is not a file", path));
   }
-  return OpenFile{std::move(fd), static_cast<std::size_t>(status.st_size), status.st_nlink > 1};
+  return OpenFile{std::move(fd), static_cast<std::size_t>(status.st_size)};
 }
 
 // Fills the buffer from the file's current place. The number of bytes, less at the file's end, or
@@ -117,7 +116,7 @@ Result<FileImage> readWholeFile(const std::string& path) {
 Result<FileImage> viewWholeFile(const std::string& path) {
   const Result<OpenFile> file = openWhole(path);
   if (!file) return file.error();
-  if (file->size < kWorthMapping || file->has_other_names) return readAll(*file, path);
+  if (file->size < kWorthMapping) return readAll(*file, path);
   void* const base = ::mmap(nullptr, file->size, PROT_READ, MAP_PRIVATE, file->descriptor.get(), 0);
   if (base == MAP_FAILED) return readAll(*file, path);
   const std::size_t size = file->size;

@@ -19,8 +19,7 @@ Result<FileImage> readWholeFile(const std::string& path);
 // The same bytes without a copy where the file is large: pages of it that nobody looks at are not
 // even read. They are the file's own, so a program that goes on for long must not take them: when
 // another program cuts the file short, the system ends this one (SIGBUS) where it touches a page
-// that is gone, unless it handles that. Files that are replaced rather than written over stay; one
-// with several names, which is written over to keep them, is copied.
+// that is gone, unless it handles that. Files that are replaced rather than written over stay.
 Result<FileImage> viewWholeFile(const std::string& path);
 
 Result<std::vector<std::uint8_t>> readFilePart(const std::string& path, std::uint64_t offset,
