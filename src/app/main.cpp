@@ -9,6 +9,7 @@
 #include "app/program.h"
 #include "app/tour/tour.h"
 #include "platform/qt/qt_instance.h"
+#include "platform/std/core_dumps.h"
 
 namespace {
 
@@ -48,6 +49,7 @@ int main(int argc, char** argv) {
   tabelion::ParsedOptions parsed = tabelion::parseOptions(argc, argv);
   if (parsed.exit_code) return *parsed.exit_code;
   parsed.options.activation_token = activationToken();
+  tabelion::forbidCoreDumps();
   const bool tour = !parsed.options.tour_folder.empty();
   const QTemporaryDir runtime;  // the toolkit wants one, and a machine without a session has none
   if (tour) {

@@ -21,16 +21,10 @@ using SteadyClock = std::chrono::steady_clock;
 constexpr std::chrono::milliseconds kPatience{500};
 constexpr std::chrono::milliseconds kBetween{100};
 
+constexpr char kLockHolder[] = "tabelion-cli";
+
 // As many as the window's password dialog takes.
 constexpr std::size_t kLongestPassword = 24;
-
-RecordIdentity identityOf(ByteView record) {
-  RecordIdentity identity{};
-  if (const auto stamp = recordStamp(record)) {
-    std::copy_n(stamp->begin(), identity.size(), identity.begin());
-  }
-  return identity;
-}
 
 }  // namespace
 
@@ -91,27 +85,23 @@ ExitCode CliContext::fail(const Error& error) {
   return exitCodeFor(error.kind);
 }
 
-std::unique_ptr<Database> CliContext::openAsItIs(const std::string& path, ExitCode& failure) {
-  const auto start = files.readStart(path, kHeaderSize);
-  if (!start.ok()) {
-    failure = fail(start.error());
+Database* CliContext::openAsItIs(const std::string& path, ExitCode& failure) {
+  const auto kind = FileKindOf(engine, path);
+  if (!kind.ok()) {
+    failure = fail(kind.error());
     return nullptr;
   }
-  const std::uint32_t creator = parseHeader(*start).creator;
-  if (creator == kLegacyCreator) {
+  if (*kind == FileKind::kEarlierFormat) {
     failure = fail({ErrorKind::kNotDatabase,
                     path + ": a database of the earlier format, which cannot be converted"});
     return nullptr;
   }
-  if (creator != kCreator) {
+  if (*kind == FileKind::kSomethingElse) {
     failure = fail({ErrorKind::kNotDatabase, path + ": not a Tabelion database"});
     return nullptr;
   }
-  auto database = std::make_unique<Database>();
-  initDatabase(*database, engine);
-  database->path = path;
   engine_message_.clear();
-  if (!openDatabase(*database, engine)) {
+  if (ReadFile(session_, engine, path) != 1) {
     if (files.readError()) {
       failure = fail(*files.readError());
       return nullptr;
@@ -120,20 +110,22 @@ std::unique_ptr<Database> CliContext::openAsItIs(const std::string& path, ExitCo
                                                      path, engine_message_)});
     return nullptr;
   }
-  return database;
+  return session_.database.get();
 }
 
-std::unique_ptr<Database> CliContext::open(const std::string& path, ExitCode& failure) {
-  auto database = openAsItIs(path, failure);
-  if (database && mayOpen(*database, failure) && decipher(*database, failure)) return database;
-  return nullptr;
+Database* CliContext::open(const std::string& path, ExitCode& failure) {
+  Database* database = openAsItIs(path, failure);
+  return database && mayOpen(*database, failure) && decipher(failure) ? database : nullptr;
 }
 
 std::optional<OpenedDatabase> CliContext::openToChange(const std::string& path, ExitCode& failure,
                                                        Opening how) {
+  const Status locked = LockFile(session_, engine, path, kLockHolder);
+  if (!locked.ok()) {
+    failure = fail(locked.error());
+    return std::nullopt;
+  }
   OpenedDatabase opened;
-  opened.lock = lock(path, failure);
-  if (!opened.lock) return std::nullopt;
   opened.database = how == Opening::kForUse ? open(path, failure) : openAsItIs(path, failure);
   if (!opened.database) return std::nullopt;
   const auto encoding = encodingOf(*opened.database);
@@ -168,6 +160,19 @@ std::optional<Password> CliContext::askPassword(const SecretSource& source,
   return password;
 }
 
+ExitCode failWith(CliContext& context, const Database& database, const PasswordAttempt& attempt) {
+  if (attempt.closed > 0) {
+    context.say(fmt::format("{}: the password does not decipher {} of {} enciphered records",
+                            database.path, attempt.closed, attempt.closed + attempt.opened));
+  } else {
+    context.say(fmt::format(
+        "{}: the password passes the check of its enciphered records, but what it makes of them "
+        "does not look like values; the window can be told to believe it",
+        database.path));
+  }
+  return ExitCode::kWrongPassword;
+}
+
 bool CliContext::mayOpen(const Database& database, ExitCode& failure) {
   const int code = OpenCode(database.schema);
   if (code == kOpenFreely) return true;
@@ -184,21 +189,18 @@ bool CliContext::mayOpen(const Database& database, ExitCode& failure) {
   const auto password =
       askPassword(options_.access_password, "Access password", *encoding, failure);
   if (!password) return false;
-  if (password->text() == areaText(database.schema.access_password)) return true;
+  if (IsAccessPassword(database.schema, *password)) return true;
   say(database.path + ": this is not its access password");
   failure = ExitCode::kWrongPassword;
   return false;
 }
 
-bool CliContext::decipher(Database& database, ExitCode& failure) {
-  deciphered_.reset();
-  if (!options_.encryption_password.isGiven()) return true;
-  Deciphered deciphered;
+bool CliContext::decipher(ExitCode& failure) {
+  Database& database = *session_.database;
+  if (!options_.encryption_password.isGiven() || !HasEncipheredRecords(database)) return true;
   for (const Record& record : database.records) {
-    auto& identities = isRecordEncrypted(record.bytes()) ? deciphered.records : deciphered.others;
-    identities.insert(identityOf(record.bytes()));
+    if (!isRecordEncrypted(record.bytes())) in_clear_.insert(stampIdentity(record.bytes()));
   }
-  if (deciphered.records.empty()) return true;
   const auto encoding = encodingOf(database);
   if (!encoding.ok()) {
     failure = fail(encoding.error());
@@ -207,52 +209,43 @@ bool CliContext::decipher(Database& database, ExitCode& failure) {
   const auto password =
       askPassword(options_.encryption_password, "Encryption password", *encoding, failure);
   if (!password) return false;
-  deciphered.password = *password;
-  ExpandedKey key;
-  MakeKey(password->text(), key);
-  const DecryptSummary summary = DecryptRecords(database, key, true);
-  if (summary.failed > 0) {
-    say(fmt::format("{}: the password does not decipher {} of {} enciphered records", database.path,
-                    summary.failed, deciphered.records.size()));
-    failure = ExitCode::kWrongPassword;
-    return false;
-  }
-  deciphered_ = std::move(deciphered);
-  return true;
+  const PasswordAttempt attempt = TryPassword(session_, *password, true);
+  if (attempt.isComplete()) return true;
+  failure = failWith(*this, database, attempt);
+  return false;
 }
 
 // A database that is kept enciphered is enciphered as a whole; else the records that were so
 // before, and new ones where saving enciphers.
-bool CliContext::encipherAgain(Database& database) {
-  const int mode = database.schema.encryption_mode;
-  ExpandedKey key;
-  MakeKey(deciphered_->password.text(), key);
-  const EncryptSummary summary = EncryptRecords(database, engine, key, [&](ByteView record) {
-    const RecordIdentity identity = identityOf(record);
-    return mode == kEncryptWholeDatabase || deciphered_->records.contains(identity) ||
-           (mode == kEncryptRecordsOnSave && !deciphered_->others.contains(identity));
+Sealing CliContext::encipherAgain() {
+  const int mode = session_.database->schema.encryption_mode;
+  return SealForClosing(session_, engine, nullptr, [&](ByteView record, bool known) {
+    return known || mode == kEncryptWholeDatabase ||
+           (mode == kEncryptRecordsOnSave && !in_clear_.contains(stampIdentity(record)));
   });
-  if (summary.too_long != kNoPosition) {
-    say(fmt::format("{}: record {} would become too long enciphered", database.path,
-                    summary.too_long + 1));
-    return false;
-  }
-  SetPasswordCheck(database.schema, deciphered_->password.text(), engine.random);
-  return true;
 }
 
 ExitCode CliContext::save(Database& database) {
-  if (deciphered_ && !encipherAgain(database)) return ExitCode::kRefused;
   nameCurrentRecord(database);
+  const bool is_opened = &database == session_.database.get();
+  if (is_opened) {
+    const Sealing sealing = encipherAgain();
+    if (sealing.too_long != kNoPosition) {
+      return fail(
+          {ErrorKind::kRefused, fmt::format("{}: record {} would become too long enciphered",
+                                            database.path, sealing.too_long + 1)});
+    }
+  }
   engine_message_.clear();
-  const Status saved = trySaveDatabase(database, engine);
+  const Status saved =
+      is_opened ? WriteSealed(session_, engine) : trySaveDatabase(database, engine);
   if (!saved.ok()) return fail({ErrorKind::kCannotWrite, saved.error().text});
   if (!engine_message_.empty()) say(engine_message_);
   return ExitCode::kDone;
 }
 
 std::unique_ptr<FileLock> CliContext::lock(const std::string& path, ExitCode& failure) {
-  auto lock = files.lock(path, "tabelion-cli");
+  auto lock = files.lock(path, kLockHolder);
   if (lock.ok()) return std::move(lock).value();
   failure = fail(lock.error());
   return nullptr;

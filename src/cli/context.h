@@ -19,6 +19,7 @@
 #include "platform/settings.h"
 #include "query/query_settings.h"
 #include "services/changes/history.h"
+#include "services/session/session.h"
 
 namespace tabelion {
 
@@ -32,9 +33,6 @@ struct CliPlatform {
   SecretPrompt ask_secret = {};
 };
 
-// The part of a record's stamp that stays the same when the record is changed.
-using RecordIdentity = std::array<std::uint8_t, kStampIdentitySize>;
-
 // What every command may be given.
 struct GlobalOptions {
   std::string code_page;
@@ -42,10 +40,9 @@ struct GlobalOptions {
   SecretSource access_password;
 };
 
-// A database that is being changed.
+// A database that is being changed; the context's.
 struct OpenedDatabase {
-  std::unique_ptr<FileLock> lock;
-  std::unique_ptr<Database> database;
+  Database* database = nullptr;
   TextEncoding encoding = TextEncoding::utf8();
 };
 
@@ -64,11 +61,12 @@ class CliContext {
   void say(std::string_view text);
   ExitCode fail(const Error& error);
 
-  // Opens the database at `path`. On failure the message has been said and `failure` is set.
-  std::unique_ptr<Database> openAsItIs(const std::string& path, ExitCode& failure);
+  // Opens the database at `path`, which lasts as long as the context; a run opens one. Null on
+  // failure: the message has been said and `failure` is set.
+  Database* openAsItIs(const std::string& path, ExitCode& failure);
   // The same for those who work with its records: only when its rights let it be opened, and with
   // its records in clear when their password was given.
-  std::unique_ptr<Database> open(const std::string& path, ExitCode& failure);
+  Database* open(const std::string& path, ExitCode& failure);
   // For changing it: locked first, then opened in one of these two ways. None on failure, which was
   // said.
   enum class Opening { kForUse, kAsItIs };
@@ -103,27 +101,24 @@ class CliContext {
   void clearProgress();
 
  private:
-  // The records that open() deciphered, and with what.
-  struct Deciphered {
-    Password password;
-    std::set<RecordIdentity> records;
-    std::set<RecordIdentity> others;  // that were in clear
-  };
-
   QuerySettings querySettings(bool utf8);
   bool mayOpen(const Database& database, ExitCode& failure);
-  bool decipher(Database& database, ExitCode& failure);
-  bool encipherAgain(Database& database);
+  bool decipher(ExitCode& failure);
+  Sealing encipherAgain();
 
   Locale& locale_;
   Settings& settings_;
   SecretPrompt secret_prompt_;
   GlobalOptions options_;
-  std::optional<Deciphered> deciphered_;
+  Session session_;
+  std::set<std::uint64_t> in_clear_;  // records that were so when the database was opened
   std::uint32_t current_record_ = kNoPosition;
   std::string engine_message_;
   bool shows_progress_ = false;
 };
+
+// Says that a password did not open all that it had to.
+ExitCode failWith(CliContext& context, const Database& database, const PasswordAttempt& attempt);
 
 // "report.PDB" of "/home/me/report.PDB".
 std::string fileNameOf(const std::string& path);

@@ -102,16 +102,9 @@ ExitCode runDecrypt(const EncryptOptions& options, CliContext& context) {
   const auto password = context.askPassword(context.options().encryption_password,
                                             "Encryption password", opened->encoding, failure);
   if (!password) return failure;
-  ExpandedKey key;
-  MakeKey(password->text(), key);
-  const DecryptSummary summary = DecryptRecords(database, key, true);
-  if (summary.failed > 0) {
-    context.say(
-        fmt::format("{}: the password does not decipher {} of {} enciphered records; "
-                    "nothing was changed",
-                    options.file, summary.failed, summary.failed + summary.deciphered));
-    return ExitCode::kWrongPassword;
-  }
+  OpenedRecords deciphered;  // which are to stay in clear
+  const PasswordAttempt attempt = deciphered.open(database, *password, true);
+  if (!attempt.isComplete()) return failWith(context, database, attempt);
   database.schema.encryption_mode = kEncryptNever;
   MarkDeciphered(database.schema);
   setDirty(database);

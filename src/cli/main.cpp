@@ -8,6 +8,7 @@
 
 #include "cli/run.h"
 #include "interchange/terminal_text.h"
+#include "platform/std/core_dumps.h"
 #include "platform/std/json_settings.h"
 #include "platform/std/std_clock.h"
 #include "platform/std/std_files.h"
@@ -30,6 +31,7 @@ int main(int argc, char** argv) {
   // A closed pipe is an output that cannot be written, not a reason to die without a word.
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGBUS, endOnLostPage);
+  tabelion::forbidCoreDumps();
   tabelion::StdFiles files({.views_files = true});
   tabelion::StdClock clock;
   tabelion::StdLocale locale;

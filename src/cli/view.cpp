@@ -100,7 +100,7 @@ class ViewCommand {
 
   const ViewOptions& options_;
   CliContext& context_;
-  std::unique_ptr<Database> database_;
+  Database* database_ = nullptr;  // the context's
   TextEncoding encoding_ = TextEncoding::utf8();
 };
 

@@ -90,6 +90,9 @@ class Files {
   // The user's documents folder of the volume, without a trailing separator; none when the volume
   // is not there.
   virtual std::optional<std::string> documentsFolder(Volume volume) = 0;
+  // The user's folder for what this program leaves behind, where the documents cannot take it; it
+  // need not exist yet. None where there is no such place.
+  virtual std::optional<std::string> stateFolder() { return std::nullopt; }
 };
 
 }  // namespace tabelion

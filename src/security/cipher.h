@@ -10,6 +10,8 @@
 #include <span>
 #include <string_view>
 
+#include "security/locked_memory.h"
+
 namespace tabelion {
 
 inline constexpr std::size_t kCipherBlockSize = 8;
@@ -23,21 +25,24 @@ void WipeBytes(std::span<std::uint8_t> bytes);
 
 // A key ready for use, as the published reference schedule lays it out: the round count, the second
 // half of the key, then two round keys for each round and one more (room for 13 rounds).
-// Overwritten at its end.
+// In locked memory, overwritten at its end.
 class ExpandedKey {
  public:
   static constexpr std::size_t kSize = 217;
 
   ExpandedKey() = default;
-  ~ExpandedKey() { WipeBytes(bytes_); }
   ExpandedKey(const ExpandedKey&) = delete;
   ExpandedKey& operator=(const ExpandedKey&) = delete;
 
-  std::span<std::uint8_t, kSize> bytes() { return bytes_; }
-  std::span<const std::uint8_t, kSize> bytes() const { return bytes_; }
+  std::span<std::uint8_t, kSize> bytes() {
+    return std::span<std::uint8_t, kSize>(memory_.data(), kSize);
+  }
+  std::span<const std::uint8_t, kSize> bytes() const {
+    return std::span<const std::uint8_t, kSize>(memory_.data(), kSize);
+  }
 
  private:
-  std::array<std::uint8_t, kSize> bytes_{};
+  LockedMemory memory_{kSize};
 };
 
 // The key of a password (8-bit text). The 16 bytes of the key are the password and a space, over

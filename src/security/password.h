@@ -1,14 +1,14 @@
-// A password in memory: in one place that is never copied behind our back, and overwritten at its
-// end.
+// A password in memory: in one place that is never copied behind our back, locked, and overwritten
+// at its end.
 #pragma once
 
 #include <algorithm>
-#include <array>
 #include <cstdint>
 #include <string>
 #include <string_view>
 
 #include "security/cipher.h"
+#include "security/locked_memory.h"
 
 namespace tabelion {
 
@@ -23,22 +23,23 @@ class Password {
     if (this != &other) assign(other.text());
     return *this;
   }
-  ~Password() { clear(); }
 
   // 8-bit text; an empty one is a password as well.
   void assign(std::string_view text) {
     clear();
+    if (text.empty()) return;
+    if (memory_.isNone()) memory_ = LockedMemory(kMaxSize);
     size_ = std::min(text.size(), kMaxSize);
-    std::copy_n(text.begin(), size_, bytes_.begin());
+    std::copy_n(text.begin(), size_, memory_.data());
   }
   void clear() {
-    WipeBytes(bytes_);
+    if (size_ > 0) WipeBytes({memory_.data(), size_});
     size_ = 0;
   }
-  std::string_view text() const { return {reinterpret_cast<const char*>(bytes_.data()), size_}; }
+  std::string_view text() const { return {reinterpret_cast<const char*>(memory_.data()), size_}; }
 
  private:
-  std::array<std::uint8_t, kMaxSize> bytes_{};
+  LockedMemory memory_;
   std::size_t size_ = 0;
 };
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <optional>
 
 namespace tabelion {
 namespace {
@@ -123,7 +124,7 @@ void putDeciphered(Bytes& into, FieldType type, ByteView value, const ExpandedKe
 }
 
 // Copies the front of a packed record, at least its prefix, with another form of its flagged
-// values, which `put` appends.
+// values, which `put` appends; it is given the slot, too.
 template <typename Put>
 void copyWithFlaggedValues(const FlaggedFields& flagged, ByteView record, RecordFront& into,
                            const Put& put) {
@@ -146,7 +147,7 @@ void copyWithFlaggedValues(const FlaggedFields& flagged, ByteView record, Record
     copied = walker.position();
     const std::size_t new_length_at = bytes.size();
     bytes.resize(new_length_at + 2);
-    put(bytes, field.type, *value);
+    put(bytes, slot, *value);
     storeLe16(&bytes[new_length_at], static_cast<std::uint32_t>(bytes.size() - new_length_at - 2));
   }
   into.old_size = copied;
@@ -161,19 +162,25 @@ void appendRest(RecordFront& front, ByteView record) {
   front.bytes.insert(front.bytes.end(), rest.begin(), rest.end());
 }
 
-bool hasStamp(ByteView record) {
+}  // namespace
+
+bool IsStamped(ByteView record) {
   return record.size() > sizeof(HeadBlock) && record[0] == kStampedPrefix;
 }
 
-// A prefix that is a stamp; what stood there before has no room beside it.
-void stampRecord(Bytes& record, const HeadBlock& stamp) {
+void StampRecord(Bytes& record, const HeadBlock& stamp) {
   const std::size_t old_prefix = std::min(prefixLength(record), record.size());
   record.erase(record.begin(), record.begin() + static_cast<std::ptrdiff_t>(old_prefix));
   record.insert(record.begin(), stamp.begin(), stamp.end());
   record.insert(record.begin(), kStampedPrefix);
 }
 
-}  // namespace
+bool IsWhole(const RecordFront& front, ByteView record, ByteView whole) {
+  const ByteView rest = record.subspan(front.old_size);
+  return front.bytes.size() + rest.size() == whole.size() &&
+         std::equal(front.bytes.begin(), front.bytes.end(), whole.begin()) &&
+         std::equal(rest.begin(), rest.end(), whole.begin() + std::ptrdiff_t(front.bytes.size()));
+}
 
 bool HasFlaggedFields(const DatabaseRecord& schema) {
   return FlaggedFields(schema).slots() > 0;
@@ -188,10 +195,10 @@ FlaggedFields::FlaggedFields(const DatabaseRecord& schema) : schema_(schema) {
 bool EncryptRecordFront(const FlaggedFields& flagged, ByteView record, const ExpandedKey& key,
                         const StampSource& new_stamp, RecordFront& into) {
   std::uint8_t sum = 0;
-  copyWithFlaggedValues(flagged, record, into, [&](Bytes& to, FieldType type, ByteView value) {
-    putEnciphered(to, traitsOf(type).cipher, value, key, sum);
+  copyWithFlaggedValues(flagged, record, into, [&](Bytes& to, int slot, ByteView value) {
+    putEnciphered(to, traitsOf(flagged.typeOf(slot)).cipher, value, key, sum);
   });
-  if (!hasStamp(record)) stampRecord(into.bytes, new_stamp());
+  if (!IsStamped(record)) StampRecord(into.bytes, new_stamp());
   if (isTooLong(into, record)) return false;
   std::uint8_t& flags = into.bytes[1 + kStampFlagOffset];
   flags &= static_cast<std::uint8_t>(~kClearByDatabase);
@@ -203,10 +210,10 @@ bool EncryptRecordFront(const FlaggedFields& flagged, ByteView record, const Exp
 int DecryptRecordFront(const FlaggedFields& flagged, ByteView record, const ExpandedKey& key,
                        RecordFront& into) {
   into.bytes.clear();
-  if (!hasStamp(record)) return kHeaderUnreadable;
+  if (!IsStamped(record)) return kHeaderUnreadable;
   std::uint8_t sum = 0;
-  copyWithFlaggedValues(flagged, record, into, [&](Bytes& to, FieldType type, ByteView value) {
-    putDeciphered(to, type, value, key, sum);
+  copyWithFlaggedValues(flagged, record, into, [&](Bytes& to, int slot, ByteView value) {
+    putDeciphered(to, flagged.typeOf(slot), value, key, sum);
   });
   if (sum != record[1 + kStampChecksumOffset] || isTooLong(into, record)) {
     WipeBytes(into.bytes);
@@ -215,6 +222,38 @@ int DecryptRecordFront(const FlaggedFields& flagged, ByteView record, const Expa
   }
   into.bytes[1 + kStampFlagOffset] &= static_cast<std::uint8_t>(~kRecordEncrypted);
   return kRecordDecrypted;
+}
+
+bool ResealRecordFront(const FlaggedFields& flagged, ByteView record, ByteView sealed,
+                       const ExpandedKey& key, RecordFront& into) {
+  if (!IsStamped(record) || !IsStamped(sealed)) return false;
+  std::uint8_t sum = 0;
+  SlotWalker old_values(sealed);
+  std::optional<ByteView> old_value;
+  int old_slot = -1;
+  Bytes before;
+  copyWithFlaggedValues(flagged, record, into, [&](Bytes& to, int slot, ByteView value) {
+    for (; old_slot < slot; ++old_slot) old_value = old_values.next();
+    const FieldType type = flagged.typeOf(slot);
+    std::uint8_t old_sum = 0;
+    before.clear();
+    if (old_value) putDeciphered(before, type, *old_value, key, old_sum);
+    if (old_value && std::ranges::equal(before, value)) {
+      to.insert(to.end(), old_value->begin(), old_value->end());
+      sum = static_cast<std::uint8_t>(sum + old_sum);
+    } else {
+      putEnciphered(to, traitsOf(type).cipher, value, key, sum);
+    }
+  });
+  WipeBytes(before);
+  if (isTooLong(into, record)) return false;
+  std::uint8_t& flags = into.bytes[1 + kStampFlagOffset];
+  const std::uint8_t old_flags = sealed[1 + kStampFlagOffset];
+  const bool same = ((flags ^ old_flags) & ~(kRecordEncrypted | kClearByDatabase)) == 0;
+  flags =
+      same ? old_flags : static_cast<std::uint8_t>((flags & ~kClearByDatabase) | kRecordEncrypted);
+  into.bytes[1 + kStampChecksumOffset] = sum;
+  return true;
 }
 
 bool EncryptRecordFields(const DatabaseRecord& schema, ByteView record, const ExpandedKey& key,

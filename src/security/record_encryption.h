@@ -59,6 +59,7 @@ class FlaggedFields {
   explicit FlaggedFields(const DatabaseRecord& schema);
   const DatabaseRecord& schema() const { return schema_; }
   int slots() const { return slots_; }  // up to the last flagged one
+  FieldType typeOf(int slot) const { return schema_.fields[static_cast<std::size_t>(slot)].type; }
 
  private:
   const DatabaseRecord& schema_;
@@ -69,10 +70,22 @@ struct RecordFront {
   Bytes bytes;
   std::size_t old_size = 0;
 };
+// Makes a stamp the record's prefix; what stood there before has no room beside it.
+void StampRecord(Bytes& record, const HeadBlock& stamp);
+bool IsStamped(ByteView record);
+// Whether the record with this front is, as a whole, these bytes.
+bool IsWhole(const RecordFront& front, ByteView record, ByteView whole);
 [[nodiscard]] bool EncryptRecordFront(const FlaggedFields& flagged, ByteView record,
                                       const ExpandedKey& key, const StampSource& new_stamp,
                                       RecordFront& into);
 [[nodiscard]] int DecryptRecordFront(const FlaggedFields& flagged, ByteView record,
+                                     const ExpandedKey& key, RecordFront& into);
+
+// Enciphers a record that `key` deciphered from `sealed`, also when the key only passed for the
+// right one: values that are still what the key made of them get the bytes that they had, so a
+// record that nobody changed becomes `sealed` again. Others are enciphered. False when it would be
+// too long.
+[[nodiscard]] bool ResealRecordFront(const FlaggedFields& flagged, ByteView record, ByteView sealed,
                                      const ExpandedKey& key, RecordFront& into);
 
 // A value that its enciphered form holds with a length that says too little: a text longer than 255

@@ -34,7 +34,7 @@ Application::Application(Platform& on)
 }
 
 Database& CurrentDatabase(Application& app) {
-  return *app.level().database;
+  return *app.level().session.database;
 }
 
 ChangeTarget CurrentTarget(Application& app) {
@@ -42,7 +42,7 @@ ChangeTarget CurrentTarget(Application& app) {
 }
 
 bool IsDatabaseOpen(const Application& app) {
-  return app.level().open;
+  return app.level().session.open;
 }
 
 void PrepareFormats(Application& app) {
@@ -63,8 +63,8 @@ QuerySettings QuerySettingsOf(const Application& app, const Database& database) 
 void LeaveLevel(Application& app) {
   Level& level = app.level();
   level = Level{};
-  level.database = std::make_unique<Database>();
-  initDatabase(*level.database, app.engine);
+  level.session.database = std::make_unique<Database>();
+  initDatabase(*level.session.database, app.engine);
   PrepareFormats(app);
 }
 

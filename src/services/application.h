@@ -14,9 +14,9 @@
 #include "platform/platform.h"
 #include "query/format_settings.h"
 #include "query/query_settings.h"
-#include "security/password.h"
 #include "services/changes/history.h"
 #include "services/preferences.h"
+#include "services/session/session.h"
 
 namespace tabelion {
 
@@ -33,18 +33,14 @@ inline constexpr int kDialogAutoClosed = 10;
 // A database and all that belongs to looking at it: nothing about a database is the program's.
 // Leaving a level is one function, LeaveLevel.
 struct Level {
-  std::unique_ptr<Database> database;
-  // Held from before the file is read until it is closed, so no other program changes it meanwhile.
-  std::unique_ptr<FileLock> lock;
-  bool open = false;
-  std::uint64_t file_version = 0;  // FileInfo::version of the file that was read or saved last
-  Password remembered;             // deciphered it; kept while the preference for it is on
+  Session session;
   // From what the database carries, the preferences and the locale.
   FormatSettings formats;
   TextEncoding encoding = TextEncoding::utf8();
   std::uint32_t current_record = 0;  // data record number, or kNewRecord
   bool new_record = false;
-  History history;  // what was done to the database since it was opened
+  History history;           // what was done to the database since it was opened
+  std::string save_failure;  // why the last save failed: a sentence, UTF-8
 };
 
 // Level 0 holds the database that the user opened, deeper ones those opened through a link.
@@ -70,6 +66,19 @@ enum class Closing {
   kUnattended,   // nothing happened for a while
   kForAnother,   // the user wants another database, from outside the window
   kSessionEnds,  // now or never, and nobody can be asked
+};
+
+// Whether nobody is there to be asked.
+inline bool IsAlone(Closing closing) {
+  return closing == Closing::kUnattended || closing == Closing::kSessionEnds;
+}
+
+// What becomes of changes when a database is closed.
+enum class SaveChoice {
+  kSave,
+  kDiscard,
+  kStay,    // also for the Back key and Escape, so that no key that leaves throws anything away
+  kNobody,  // closed by itself, unanswered
 };
 
 // What to do with a database whose file another program has changed since it was read.

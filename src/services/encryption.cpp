@@ -1,8 +1,7 @@
 #include "services/encryption.h"
 
-#include <algorithm>
-
 #include "engine/schema_places.h"
+#include "security/database_encryption.h"
 #include "services/message.h"
 #include "services/screen_text.h"
 
@@ -11,24 +10,8 @@ namespace {
 
 constexpr std::string_view kNoPassword = "ERROR";  // a remembered text that is none
 
-bool isRemembered(const Password& password) {
+bool canBeRemembered(const Password& password) {
   return !password.text().empty() && password.text() != kNoPassword;
-}
-
-bool hasRecords(const Database& database, bool enciphered) {
-  return std::any_of(database.records.begin(), database.records.end(),
-                     [enciphered](const Record& record) {
-                       return isRecordEncrypted(record.bytes()) == enciphered;
-                     });
-}
-
-bool isKeptEnciphered(const Database& database) {
-  return database.schema.encryption_mode == kEncryptWholeDatabase && database.records.count() > 0;
-}
-
-void showWrongPassword(Application& app) {
-  ShowMessage(app, u"ERROR: Password does not properly decrypt this data.  Please Try again.",
-              u"ACCESS DENIED", MessageIcon::kError);
 }
 
 std::u16string numberText(std::size_t number) {
@@ -37,7 +20,7 @@ std::u16string numberText(std::size_t number) {
 
 // Names the first value that other devices could not read back; true when the user goes on.
 bool acceptsOverlongValues(Application& app, const std::vector<OverlongRecordValue>& overlong) {
-  if (overlong.empty()) return true;
+  if (overlong.empty() || IsAlone(app.closing)) return true;
   const Database& database = CurrentDatabase(app);
   const auto& [position, value] = overlong.front();
   const FieldDefinition& field = database.schema.fields[static_cast<std::size_t>(value.slot)];
@@ -46,7 +29,7 @@ bool acceptsOverlongValues(Application& app, const std::vector<OverlongRecordVal
                         u" bytes. Encrypted texts of more than 255 bytes can be opened here, but "
                         u"not on other devices.";
   if (overlong.size() > 1) text += u" So have " + numberText(overlong.size() - 1) + u" others.";
-  return Ask(app, text + u"\nEncrypt all the same?", u"QUESTION") == Answer::kYes;
+  return Ask(app, text + u"\nEncrypt all the same?", u"QUESTION") != Answer::kNo;
 }
 
 void sayTooLong(Application& app, std::uint32_t position) {
@@ -56,80 +39,135 @@ void sayTooLong(Application& app, std::uint32_t position) {
               u"ERROR", MessageIcon::kError);
 }
 
-// The records in clear, enciphered with this password. With a remembered one the check block is
-// drawn anew for every record; the last one stands.
-bool encipherWith(Application& app, const Password& password) {
-  WaitCursor waiting(app);
-  Database& database = CurrentDatabase(app);
-  ExpandedKey key;
-  MakeKey(password.text(), key);
-  const EncryptSummary summary = EncryptRecords(database, app.engine, key);
-  if (summary.too_long != kNoPosition) {
-    sayTooLong(app, summary.too_long);
-    return false;
+void sayKept(Application& app, std::uint32_t count) {
+  ShowMessage(app,
+              numberText(count) +
+                  u" records do not look as if they had been decrypted with the right password. "
+                  u"They stay encrypted with the one that they have.",
+              u"Update", MessageIcon::kInformation);
+}
+
+// A typo in a password that nobody typed before would lock its owner out.
+bool confirmsNewPassword(Application& app, const EncryptionPasswordPrompt& prompt,
+                         const Password& typed) {
+  const OpenedRecords& opened = app.level().session.opened;
+  std::u16string means = u"From now on only this password opens the encrypted records.";
+  if (opened.onlyPassword() != nullptr) {
+    means = u"This is not the password that opened the database. " + means;
+  } else if (!opened.isEmpty()) {
+    means = u"Several passwords opened the database. " + means;
   }
-  SetPasswordCheck(database.schema, password.text(), app.engine.random);
-  return true;
+  ShowMessage(app, means + u" Please enter it once more.", u"Update", MessageIcon::kInformation);
+  Password again;
+  if (!prompt(again)) return false;
+  if (again.text() == typed.text()) return true;
+  ShowMessage(app, u"The two passwords differ. Nothing has been encrypted.", u"Error",
+              MessageIcon::kError);
+  return false;
+}
+
+// Whether the user gives up encryption, of what is to be written or of what is in the file.
+Answer askToGoWithout(Application& app) {
+  const Session& session = app.level().session;
+  std::u16string text = u"The records will be saved without encryption. Continue?";
+  if (!isDirty(*session.database)) {
+    text = session.opened.isEmpty() || session.clear_in_file
+               ? u"The records stay in the file without encryption. Continue?"
+               : u"Nothing was changed. The file stays encrypted with the password that it has. "
+                 u"Close it?";
+  }
+  return Ask(app, text, u"QUESTION");
+}
+
+// False when nothing was enciphered.
+bool seal(Application& app, const Password* password, Sealing& sealing) {
+  WaitCursor waiting(app);
+  sealing = SealForClosing(app.level().session, app.engine, password);
+  if (sealing.too_long == kNoPosition) return true;
+  if (!IsAlone(app.closing)) sayTooLong(app, sealing.too_long);
+  return false;
 }
 
 }  // namespace
 
 int DecryptWholeDatabase(Application& app, const EncryptionPasswordPrompt& prompt) {
-  Database& database = CurrentDatabase(app);
-  if (!isKeptEnciphered(database) || !hasRecords(database, true)) return 1;
+  Session& session = app.level().session;
+  if (!IsKeptEnciphered(*session.database) || !HasEncipheredRecords(*session.database)) return 1;
   for (;;) {
     Password password;
-    if (!prompt(password)) return 0;
-    ExpandedKey key;
-    MakeKey(password.text(), key);
-    DecryptSummary summary;
+    if (!prompt(password)) {
+      GiveUpPasswords(session);
+      return 0;
+    }
+    PasswordAttempt attempt;
     {
       WaitCursor waiting(app);
-      summary = DecryptRecords(database, key);
+      attempt = TryPassword(session, password);
     }
-    if (summary.failed == 0) {
-      if (app.preferences.auto_encrypt) app.level().remembered = password;
-      MarkDeciphered(database.schema);
+    if (attempt.isComplete()) {
+      session.remembers_password = app.preferences.auto_encrypt && canBeRemembered(password);
       return 1;
     }
-    showWrongPassword(app);
+    ShowMessage(app, u"ERROR: Password does not properly decrypt this data.  Please Try again.",
+                u"ACCESS DENIED", MessageIcon::kError);
   }
 }
 
-bool EncryptWholeDatabase(Application& app, const EncryptionPasswordPrompt& prompt) {
-  Database& database = CurrentDatabase(app);
-  if (!isKeptEnciphered(database) || !hasRecords(database, false)) return true;
-  const bool alone = !prompt || app.closing == Closing::kSessionEnds;
-  if (!alone && !acceptsOverlongValues(app, OverlongValues(database))) return false;
-  Password& remembered = app.level().remembered;
-  const Password taken = remembered;
-  remembered.clear();
-  if (app.preferences.auto_encrypt && isRemembered(taken) && encipherWith(app, taken)) return true;
-  if (alone) return true;  // in clear rather than not at all
+bool EncryptWholeDatabase(Application& app, const EncryptionPasswordPrompt& prompt,
+                          Sealing& sealing) {
+  Session& session = app.level().session;
+  if (!ClosingEnciphers(session)) return true;
+  const bool remembered = session.remembers_password && app.preferences.auto_encrypt;
+  const bool asks = prompt && !remembered && !IsAlone(app.closing);
+  const bool is_new = isDirty(*session.database) || session.opened.isEmpty();
+  if (asks && is_new && !acceptsOverlongValues(app, OverlongValues(*session.database))) {
+    return false;
+  }
+  if (!asks) {
+    seal(app, nullptr, sealing);
+    return true;
+  }
   for (;;) {
     Password typed;
-    if (prompt(typed) && encipherWith(app, typed)) return true;
-    if (app.closing == Closing::kSessionEnds) return true;  // nobody can answer any more
-    if (Ask(app, u"The records will be saved without encryption. Continue?", u"QUESTION") ==
-        Answer::kYes) {
+    if (prompt(typed)) {
+      const bool known = session.opened.openedAll(typed);
+      if (!known && !confirmsNewPassword(app, prompt, typed)) {
+        if (!IsAlone(app.closing)) continue;
+      } else if (seal(app, &typed, sealing)) {
+        if (sealing.kept > 0) sayKept(app, sealing.kept);
+        return true;
+      }
+    }
+    const Answer without = IsAlone(app.closing) ? Answer::kNobody : askToGoWithout(app);
+    if (without == Answer::kYes) {
+      if (isDirty(*session.database)) KeepWhatIsUncertain(session);
+      return true;
+    }
+    if (without == Answer::kNobody) {
+      seal(app, nullptr, sealing);
       return true;
     }
   }
 }
 
 int PromptDecryptRecord(Application& app, Bytes& record, const EncryptionPasswordPrompt& prompt) {
+  OpenedRecords& opened = app.level().session.opened;
   Password password;
   if (!prompt(password)) return kHeaderUnreadable;
-  ExpandedKey key;
-  MakeKey(password.text(), key);
-  Bytes clear;
-  const int result = DecryptRecord(CurrentDatabase(app).schema, record, key, clear);
-  if (result == kRecordDecrypted) record.swap(clear);
-  return result;
+  int result = opened.openOne(CurrentDatabase(app), record, password);
+  if (result != kDoubtfulPassword) return result;
+  if (Ask(app,
+          u"This password passes the record's check, but what it makes of the record does not look "
+          u"like values. It is most likely another one.\nDecrypt all the same?",
+          u"QUESTION") != Answer::kYes) {
+    return kWrongPassword;
+  }
+  return opened.openOne(CurrentDatabase(app), record, password, OpenedRecords::Trust::kBelieves);
 }
 
 bool PromptEncryptRecord(Application& app, Bytes& record, const EncryptionPasswordPrompt& prompt) {
   Database& database = CurrentDatabase(app);
+  const OpenedRecords& opened = app.level().session.opened;
   if (!HasFlaggedFields(database.schema)) return false;
   std::vector<OverlongRecordValue> overlong;
   for (const OverlongValue& value : OverlongValues(database.schema, record)) {
@@ -138,21 +176,20 @@ bool PromptEncryptRecord(Application& app, Bytes& record, const EncryptionPasswo
   if (!acceptsOverlongValues(app, overlong)) return false;
   for (;;) {
     Password password;
-    if (!prompt(password)) return false;
-    if (!PasswordMatchesCheck(database.schema, password.text())) {
-      const Answer answer =
-          Ask(app,
-              u"Password entered does not seem to match last password given to a record in this "
-              u"database.  Continue anyway?",
-              u"QUESTION");
-      if (answer == Answer::kNobody) return false;
-      if (answer == Answer::kNo) continue;
+    if (IsAlone(app.closing) || !prompt(password)) {
+      const Password* known = opened.passwordFor(record);
+      if (!IsAlone(app.closing) || known == nullptr) return false;
+      password = *known;
+    } else if (!PasswordMatchesCheck(database.schema, password.text()) &&
+               Ask(app,
+                   u"Password entered does not seem to match last password given to a record in "
+                   u"this database.  Continue anyway?",
+                   u"QUESTION") != Answer::kYes) {
+      continue;
     }
-    ExpandedKey key;
-    MakeKey(password.text(), key);
     Bytes enciphered;
-    if (!EncryptRecordFields(
-            database.schema, record, key, [&] { return NewStamp(database, app.engine); },
+    if (!opened.sealOne(
+            database, record, password, [&] { return NewStamp(database, app.engine); },
             enciphered)) {
       sayTooLong(app, app.level().current_record);
       return false;
@@ -162,21 +199,6 @@ bool PromptEncryptRecord(Application& app, Bytes& record, const EncryptionPasswo
     SetPasswordCheck(database.schema, password.text(), app.engine.random);
     return true;
   }
-}
-
-bool SaveEnciphered(Application& app, const std::function<bool()>& save) {
-  Database& database = CurrentDatabase(app);
-  const Password& remembered = app.level().remembered;
-  if (!app.preferences.auto_encrypt || !isRemembered(remembered) || !isKeptEnciphered(database) ||
-      !hasRecords(database, false) || !encipherWith(app, remembered)) {
-    return save();
-  }
-  const bool saved = save();
-  ExpandedKey key;
-  MakeKey(remembered.text(), key);
-  (void)DecryptRecords(database, key);  // the key that enciphered them just now
-  MarkDeciphered(database.schema);
-  return saved;
 }
 
 }  // namespace tabelion

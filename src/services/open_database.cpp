@@ -1,9 +1,11 @@
 #include "services/open_database.h"
 
 #include "security/access_rights.h"
+#include "security/wipe_stack.h"
 #include "services/folders.h"
 #include "services/message.h"
 #include "services/recent_files.h"
+#include "services/screen_text.h"
 
 namespace tabelion {
 namespace {
@@ -12,10 +14,10 @@ namespace {
 // gives up on it.
 // Compat: answering Yes only brings the question back (OpenDatabase.LegacyFilesAskUntilNo).
 int probe(Application& app, const std::string& path) {
-  FileHeader header;
-  Files& files = app.platform.files;
-  while (readHeader(files, path, header, app.engine.last_probed_header) != kProbeAccepted) {
-    if (readLegacyHeader(files, path, header, app.engine.last_probed_header) != kProbeAccepted) {
+  for (;;) {
+    const auto kind = FileKindOf(app.engine, path);
+    if (kind.ok() && *kind == FileKind::kDatabase) return kOpened;
+    if (!kind.ok() || *kind == FileKind::kSomethingElse) {
       ShowMessage(app, u"ERROR: File selected is not a Tabelion Database!", u"Update",
                   MessageIcon::kExclamation);
       return kNotADatabase;
@@ -28,7 +30,6 @@ int probe(Application& app, const std::string& path) {
     }
     ShowMessage(app, u"This is a pending item.", u"OpenDatabaseFile", MessageIcon::kInformation);
   }
-  return kOpened;
 }
 
 bool mayOpen(Application& app, const DatabaseRecord& schema, const AccessPasswordPrompt& prompt) {
@@ -44,12 +45,12 @@ bool mayOpen(Application& app, const DatabaseRecord& schema, const AccessPasswor
   }
 }
 
-bool readIntoSlot(Application& app, const std::string& path) {
+bool readIntoLevel(Application& app, const std::string& path) {
   WaitCursor waiting(app);
   Level& level = app.level();
-  level.database->path = path;
   level.current_record = 0;
-  if (openDatabase(*level.database, app.engine) != 1) return false;
+  level.history.Clear();
+  if (ReadFile(level.session, app.engine, path) != 1) return false;
   PrepareFormats(app);
   return true;
 }
@@ -59,74 +60,103 @@ bool readIntoSlot(Application& app, const std::string& path) {
 int OpenDatabaseFile(Application& app, const std::string& path,
                      const AccessPasswordPrompt& ask_password) {
   if (const int probed = probe(app, path); probed != kOpened) return probed;
-  Level& level = app.level();
-  auto lock = app.platform.files.lock(path, kLockHolder);
-  if (!lock.ok()) {
-    ShowError(app, lock.error(), u"Open Database");
+  const Status locked = LockFile(app.level().session, app.engine, path, kLockHolder);
+  if (!locked.ok()) {
+    ShowError(app, locked.error(), u"Open Database");
     return kOpenRefused;
   }
-  level.lock = std::move(*lock);
-  // Before anything is read, so that a change meanwhile is noticed too.
-  if (const auto info = app.platform.files.info(path); info.ok())
-    level.file_version = info->version;
   // The rights come first: nothing of a database that may not be opened reaches the screen. A
   // schema that cannot be read is left to the open itself, which says what is wrong.
   auto summary = std::make_unique<DatabaseSummary>();
   const bool readable = ReadDatabaseSummary(app, path, *summary);
-  if (readable && !mayOpen(app, summary->schema, ask_password)) {
+  // A password is typed in the encoding of the database that it is for.
+  if (readable) app.level().encoding = EncodingOf(app, summary->schema);
+  if ((readable && !mayOpen(app, summary->schema, ask_password)) || !readIntoLevel(app, path)) {
     LeaveLevel(app);
     return kOpenRefused;
   }
-  if (!readIntoSlot(app, path)) {
+  if (LooksCorrupt(CurrentDatabase(app).schema)) {
+    ShowMessage(app, u"This database appears to be corrupt.", u"Open Database",
+                MessageIcon::kError);
     LeaveLevel(app);
     return kOpenRefused;
   }
-  level.open = true;
   RememberRecentFile(app, path);
   return kOpened;
 }
 
 namespace {
 
-// Whether the database may be closed now: saved, not to be saved, or given up by the user.
-bool saveBeforeClosing(Application& app, AskBeforeSaving ask,
-                       const EncryptionPasswordPrompt& prompt) {
-  Database& database = CurrentDatabase(app);
-  // What was only deciphered to be looked at need not go over what another program has written.
-  if (!isDirty(database) && FileWasChanged(app)) return true;
-  SaveTarget target = SaveTarget::kItsFile;
-  if (isDirty(database)) {
-    // Only a No gives up what was changed; nobody's silence does not.
-    if (ask == AskBeforeSaving::kYes && !app.preferences.auto_save_on_close &&
-        Ask(app, u"Save changes to this database?", u"QUESTION") == Answer::kNo) {
-      return true;
+constexpr char16_t kSaveQuestion[] = u"Save changes to this database?";
+
+SaveChoice whatBecomesOfChanges(Application& app, AskBeforeSaving ask,
+                                const ClosingQuestions& questions) {
+  if (ask == AskBeforeSaving::kNo || app.preferences.auto_save_on_close || !questions.save ||
+      IsAlone(app.closing)) {
+    return SaveChoice::kSave;
+  }
+  return questions.save(kSaveQuestion);
+}
+
+// Whether a database that could not be written may be closed now.
+bool saveElsewhere(Application& app, const ClosingQuestions& questions) {
+  for (;;) {
+    const std::vector<std::string> folders = OtherFolders(app);
+    if (app.closing == Closing::kSessionEnds || !questions.failed_save) {
+      return RescueDatabase(app, folders);
     }
-    target = ChooseSaveTarget(app);
-    if (target == SaveTarget::kNowhere) return false;
+    const FailedSaveAnswer answer = questions.failed_save(CurrentDatabase(app).path, folders);
+    if (answer.choice == FailedSaveChoice::kStay) {
+      if (app.closing == Closing::kSessionEnds) continue;
+      return false;
+    }
+    if (answer.choice == FailedSaveChoice::kGiveUp) return true;
+    if (WriteCopy(app, answer.folder)) return true;
   }
-  if (!EncryptWholeDatabase(app, prompt)) return false;
-  if (!isDirty(database)) return true;
-  if (WriteDatabase(app, target) ||
-      Ask(app, u"ERROR:File could not be saved\nClose without saving the changes?", u"Update",
-          MessageIcon::kError) == Answer::kYes) {
+}
+
+// Whether the database may be closed now: saved, not to be saved, or given up by the user.
+bool saveBeforeClosing(Application& app, AskBeforeSaving ask, const ClosingQuestions& questions) {
+  Session& session = app.level().session;
+  SaveTarget target = SaveTarget::kItsFile;
+  if (isDirty(*session.database)) {
+    // Only a word of the user's gives up what was changed; nobody's silence does not.
+    const SaveChoice choice = whatBecomesOfChanges(app, ask, questions);
+    if (choice == SaveChoice::kStay) return false;
+    if (choice == SaveChoice::kDiscard) {
+      // What was saved in clear on the way is not left so.
+      if (!session.clear_in_file || !readIntoLevel(app, session.database->path)) return true;
+      session.clear_in_file = true;
+    } else {
+      target = ChooseSaveTarget(app);
+      if (target == SaveTarget::kNowhere) return false;
+    }
+  } else if (FileWasChanged(app)) {
+    return true;  // what was only looked at need not go over what another program has written
+  }
+  Sealing sealing;
+  if (!EncryptWholeDatabase(app, questions.password, sealing)) return false;
+  const bool writes = isDirty(*session.database) || sealing.changed;
+  if (!writes || WriteDatabase(app, target, RecordsAre::kAsTheyGoIntoTheFile) ||
+      saveElsewhere(app, questions))
     return true;
-  }
-  if (prompt) DecryptWholeDatabase(app, prompt);  // what was enciphered for closing
+  UndoSealing(session, sealing);
   return false;
 }
 
 }  // namespace
 
-bool CloseDatabase(Application& app, AskBeforeSaving ask, const EncryptionPasswordPrompt& prompt) {
-  if (IsDatabaseOpen(app) && !saveBeforeClosing(app, ask, prompt)) return false;
+bool CloseDatabase(Application& app, AskBeforeSaving ask, const ClosingQuestions& questions) {
+  if (IsDatabaseOpen(app) && !saveBeforeClosing(app, ask, questions)) return false;
   closeDatabase(CurrentDatabase(app));
   LeaveLevel(app);
+  WipeStack();
   return true;
 }
 
-void CloseAllDatabases(Application& app, const EncryptionPasswordPrompt& prompt) {
+void CloseAllDatabases(Application& app, const ClosingQuestions& questions) {
   while (IsDatabaseOpen(app)) {
-    if (!CloseDatabase(app, AskBeforeSaving::kNo, prompt)) {
+    if (!CloseDatabase(app, AskBeforeSaving::kNo, questions)) {
       if (app.closing != Closing::kSessionEnds) continue;  // another attempt
       LeaveLevel(app);                                     // there is no time left for one
     }

@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "services/application.h"
 #include "services/encryption.h"
@@ -23,15 +24,33 @@ using AccessPasswordPrompt = std::function<bool(const std::string& expected)>;
 int OpenDatabaseFile(Application& app, const std::string& path,
                      const AccessPasswordPrompt& ask_password);
 
-// Closes the current database and releases its file. Unsaved changes are saved, without a question
-// when `ask` is off or the user prefers so; when saving fails the user decides whether to close
-// all the same, as the user does when the file was changed by another program. A database that is
-// kept enciphered is enciphered before it is saved. False when the database stays open.
-enum class AskBeforeSaving { kNo, kYes };
-bool CloseDatabase(Application& app, AskBeforeSaving ask,
-                   const EncryptionPasswordPrompt& prompt = {});
+// Where a database goes that cannot be written where it is.
+enum class FailedSaveChoice { kElsewhere, kGiveUp, kStay };
+struct FailedSaveAnswer {
+  FailedSaveChoice choice = FailedSaveChoice::kStay;
+  std::string folder{};  // for kElsewhere
+};
 
-// At the end of the program: closes what is open from the top of the stack down, saving it.
-void CloseAllDatabases(Application& app, const EncryptionPasswordPrompt& prompt = {});
+// How closing asks what takes a dialog of a higher layer. What is empty is not asked: changes are
+// saved, each record gets the password that opened it, and what cannot be saved is saved elsewhere.
+struct ClosingQuestions {
+  EncryptionPasswordPrompt password{};
+  std::function<SaveChoice(const std::u16string& text)> save{};
+  // `folders` are those that a copy could go to.
+  std::function<FailedSaveAnswer(const std::string& path, const std::vector<std::string>& folders)>
+      failed_save{};
+};
+
+// Closes the current database and releases its file. Unsaved changes are saved, without a question
+// when `ask` is off or the user prefers so; when saving fails the user decides where else to, as
+// the user decides when the file was changed by another program. A database that is kept enciphered
+// leaves nothing in clear in its file, unless the user wants it so. False when the database stays
+// open.
+enum class AskBeforeSaving { kNo, kYes };
+bool CloseDatabase(Application& app, AskBeforeSaving ask, const ClosingQuestions& questions = {});
+
+// At the end of the program: closes what is open from the top of the stack down, saving it. At the
+// end of the session, when nobody can be asked, what cannot be saved is saved elsewhere.
+void CloseAllDatabases(Application& app, const ClosingQuestions& questions = {});
 
 }  // namespace tabelion

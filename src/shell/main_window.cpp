@@ -78,6 +78,7 @@ void MainWindow::Start(Dialog& dialog) {
     dialog.startTimer(kAutoSaveTimer, period_ms);
   };
   app_.restart_auto_save();
+  NameRescuedDatabases(app_);
   app_.record_screen_active = false;
   if (!session_ends_) CarryOut(dialog, start_.request);
 }
@@ -228,7 +229,7 @@ void MainWindow::AutoSave() {
   }
   saving_ = true;  // the timer goes on while the message below is up
   if (SaveDatabase(app_, SaveOccasion::kTimer) == SaveResult::kFailed) {
-    ShowMessage(app_, u"ERROR:File could not be saved", u"Update", MessageIcon::kError);
+    ShowMessage(app_, SaveFailureText(app_), u"Update", MessageIcon::kError);
   }
   saving_ = false;
 }

@@ -79,7 +79,7 @@ void MainWindow::HandleOpenFile(Dialog& dialog, const std::string& path) {
 
 bool MainWindow::IsOpen(const std::string& path) const {
   return std::any_of(app_.stack.levels.begin(), app_.stack.levels.end(), [&](const Level& level) {
-    return level.open && level.database->path == path;
+    return level.session.open && level.session.database->path == path;
   });
 }
 

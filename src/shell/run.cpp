@@ -1,7 +1,7 @@
 #include "shell/run.h"
 
 #include "screens/files/changed_file.h"
-#include "screens/program/ask_password.h"
+#include "screens/files/closing_questions.h"
 #include "services/application.h"
 #include "services/open_database.h"
 #include "shell/main_window.h"
@@ -22,7 +22,7 @@ int RunTabelion(Platform& platform, const StartOptions& options, const AlarmStep
   platform.dialogs.runModal(MainWindowTemplate(), window);
   platform.instance.listen({});
   if (window.SessionEnds()) app.closing = Closing::kSessionEnds;
-  CloseAllDatabases(app, AskEncryptionPassword(app, true));
+  CloseAllDatabases(app, AskWhenClosing(app));
   return 0;
 }
 

@@ -1,5 +1,6 @@
 #include <utility>
 
+#include "screens/files/save_question.h"
 #include "screens/kit/screen_numbers.h"
 #include "screens/program/ask_password.h"
 #include "screens/records/edit_record.h"
@@ -94,9 +95,8 @@ TEST_F(AutoClose, QuestionThatNobodyAnswersIsDismissedAndNothingIsLost) {
 
   world.phone.at(kRecordListScreen).choose({u"New Record"});
   world.phone.at(kEditRecordScreen).type(u"Tuesday").choose({u"Done"});
-  world.phone.at(kRecordListScreen)
-      .look([this](FakeDialog&) { nobodyComes(kRecordListScreen); })
-      .choose({u"Menu", u"Close"});
+  world.phone.at(kRecordListScreen).choose({u"Menu", u"Close"});
+  world.phone.at(kSaveQuestionScreen).fire(kAutoCloseTimer);
   play(kDialogClosed);  // what was being done comes to its end
   EXPECT_EQ(world.cell(path, 1, 0), "Tuesday");
   EXPECT_EQ(app.closing, Closing::kNo);
@@ -125,24 +125,51 @@ TEST_F(AutoClose, EndOfTheSessionStoresAllButWhatIsNotAccepted) {
 }
 
 TEST_F(AutoClose, PasswordThatNobodyConfirmsOpensNothingAndHoldsNothingUp) {
-  auto database = world.make("Safe", {{"Pin"}}, {{"1111"}});
-  database->schema.fields[0].encrypt_flag = 1;
+  auto database = world.make("Safe", {{"Name"}, {"Pin"}}, {{"Anna", "1111"}});
+  database->schema.fields[1].encrypt_flag = 1;
   database->schema.encryption_mode = kEncryptWholeDatabase;
-  path = world.store(*database);
-  // For enciphering it is waited for; the end of the session waits for nobody.
-  world.phone.at(kRecordListScreen).press(Key::kEnter);
-  world.phone.at(kEditRecordScreen).type(u"2").fire(kAutoCloseTimer);
-  world.phone.at(kPasswordScreen).type(u"ses").fire(kAutoCloseTimer).look(sessionEnds());
-  play();
-  EXPECT_EQ(world.cell(path, 0, 0), "11112");
-
-  app.closing = Closing::kNo;
   ExpandedKey key;
   MakeKey("sesame", key);
   EncryptRecords(*database, world.engine, key);
   SetPasswordCheck(database->schema, "sesame", world.engine.random);
-  world.store(*database);
+  path = world.store(*database);
   const auto stored = world.files.bytes(path);
+  const auto opens = [&] { world.phone.at(kPasswordScreen).type(u"sesame").choose({u"OK"}); };
+
+  // What is half typed is stored, and enciphered with the password that opened it.
+  opens();
+  world.phone.at(kRecordListScreen).press(Key::kEnter);
+  world.phone.at(kEditRecordScreen).write(FormValue(1), u"2222").fire(kAutoCloseTimer);
+  play();
+  const auto decrypted = [&] {
+    const auto after = world.read(path);
+    Bytes clear;
+    EXPECT_EQ(DecryptRecord(after->schema, after->records[0].bytes(), key, clear),
+              kRecordDecrypted);
+    return fieldText(*after, clear, 1, isoSettings()).text;
+  };
+  EXPECT_EQ(decrypted(), "2222");
+  // So it is when the dialog was there already, for whichever password.
+  for (const bool session_ends : {false, true}) {
+    opens();
+    world.phone.at(kRecordListScreen).press(Key::kEnter);
+    const std::string changed = session_ends ? "4444" : "3333";
+    world.phone.at(kEditRecordScreen)
+        .write(FormValue(1), std::u16string(changed.begin(), changed.end()))
+        .choose({u"Done"});
+    world.phone.at(kRecordListScreen).choose({u"Menu", u"Close"});
+    world.phone.at(kSaveQuestionScreen).activate(kSaveChangesButton);
+    if (session_ends) {
+      world.phone.at(kPasswordScreen).type(u"oth").look(sessionEnds());
+    } else {
+      world.phone.at(kPasswordScreen).type(u"oth").fire(kAutoCloseTimer);
+    }
+    play(kDialogClosed);
+    EXPECT_EQ(decrypted(), changed);
+    app.closing = Closing::kNo;
+  }
+
+  world.files.put(path, stored);
   world.phone.at(kPasswordScreen).type(u"sesame").tick(kHidePasswordBox).fire(kAutoCloseTimer);
   play();
   EXPECT_EQ(world.files.bytes(path), stored);

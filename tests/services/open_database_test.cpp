@@ -12,6 +12,13 @@ bool neverAsked(const std::string&) {
   return false;
 }
 
+ClosingQuestions answering(SaveChoice choice) {
+  return {.save = [choice](const std::u16string& text) {
+    EXPECT_EQ(text, u"Save changes to this database?");
+    return choice;
+  }};
+}
+
 TEST(OpenDatabase, FilesOfOthersAreRefused) {
   PhoneWorld world;
   Application app(world.platform);
@@ -96,18 +103,63 @@ TEST(OpenDatabase, FailedSaveLosesNothing) {
   EXPECT_EQ(SaveDatabase(app, SaveOccasion::kUser), SaveResult::kFailed);
   EXPECT_TRUE(isDirty(CurrentDatabase(app)));
 
-  const std::u16string failed = u"ERROR:File could not be saved\nClose without saving the changes?";
-  world.phone.asks(u"Save changes to this database?", u"QUESTION", MessageAnswer::kYes);
-  world.phone.asks(failed, u"Update", MessageAnswer::kNo);
-  world.phone.play([&] { EXPECT_FALSE(CloseDatabase(app, AskBeforeSaving::kYes)); });
+  std::vector<std::string> offered;
+  FailedSaveAnswer answer;
+  ClosingQuestions questions = answering(SaveChoice::kSave);
+  questions.failed_save = [&](const std::string& asked, const std::vector<std::string>& folders) {
+    EXPECT_EQ(asked, path);
+    offered = folders;
+    world.files.fail_replace_at.reset();  // room is made meanwhile
+    return answer;
+  };
+  EXPECT_FALSE(CloseDatabase(app, AskBeforeSaving::kYes, questions));
   EXPECT_TRUE(IsDatabaseOpen(app));
   EXPECT_EQ(world.files.bytes(path), before);
+  EXPECT_EQ(offered, (std::vector<std::string>{"/documents", "/state"}));
 
-  // At the end of the program the user decides too; room is made, and another attempt succeeds.
-  world.phone.asks(failed, u"Update", MessageAnswer::kNo);
-  world.phone.while_message = [&] { world.files.fail_replace_at.reset(); };
-  world.phone.play([&] { CloseAllDatabases(app); });
+  world.files.fail_replace_at = 100;
+  answer = {FailedSaveChoice::kElsewhere, "/documents"};
+  EXPECT_TRUE(CloseDatabase(app, AskBeforeSaving::kYes, questions));
+  EXPECT_EQ(world.files.bytes(path), before);
+  EXPECT_EQ(world.read("/documents/Notes.PDB")->records.count(), 1u);
+
+  // At the end of the program another attempt follows.
+  ASSERT_EQ(OpenDatabaseFile(app, path, neverAsked), kOpened);
+  CurrentDatabase(app).records.remove(0);
+  setDirty(CurrentDatabase(app));
+  world.files.fail_replace_at = 100;
+  answer = {};
+  CloseAllDatabases(app, questions);
   EXPECT_EQ(world.read(path)->records.count(), 1u);
+}
+
+TEST(OpenDatabase, WhatTheEndOfTheSessionCannotSaveIsRescuedAndNamedOnce) {
+  PhoneWorld world;
+  const std::string path = world.add("Notes", {{"Name"}}, {{"a"}, {"b"}});
+  for (const char* const copy : {"/documents/Notes.PDB", "/documents/Notes 2.PDB"}) {
+    Application app(world.platform);
+    ASSERT_EQ(OpenDatabaseFile(app, path, neverAsked), kOpened);
+    CurrentDatabase(app).records.remove(0);
+    setDirty(CurrentDatabase(app));
+    world.files.read_only.insert(path);
+    app.closing = Closing::kSessionEnds;
+    CloseAllDatabases(app);
+    EXPECT_FALSE(IsDatabaseOpen(app));
+    EXPECT_EQ(world.read(copy)->records.count(), 1u);
+    EXPECT_EQ(world.read(path)->records.count(), 2u);
+  }
+  Application app(world.platform);
+  for (const std::u16string copy : {u"Notes.PDB", u"Notes 2.PDB"}) {
+    world.phone.says(
+        u"When the session ended, \"/documents/Tabelion/Notes.PDB\" could not be "
+        u"saved. It is, with all changes, in \"/documents/" +
+            copy + u"\".",
+        u"Update");
+  }
+  world.phone.play([&] {
+    NameRescuedDatabases(app);
+    NameRescuedDatabases(app);
+  });
 }
 
 TEST(OpenDatabase, ClosingAsksOnlyWhenThereIsSomethingToSave) {
@@ -120,8 +172,9 @@ TEST(OpenDatabase, ClosingAsksOnlyWhenThereIsSomethingToSave) {
 
   ASSERT_EQ(OpenDatabaseFile(app, path, neverAsked), kOpened);
   setDirty(CurrentDatabase(app));
-  world.phone.asks(u"Save changes to this database?", u"QUESTION", MessageAnswer::kNo);
-  world.phone.play([&] { EXPECT_TRUE(CloseDatabase(app, AskBeforeSaving::kYes)); });
+  EXPECT_FALSE(CloseDatabase(app, AskBeforeSaving::kYes, answering(SaveChoice::kStay)));
+  EXPECT_TRUE(IsDatabaseOpen(app) && isDirty(CurrentDatabase(app)));
+  EXPECT_TRUE(CloseDatabase(app, AskBeforeSaving::kYes, answering(SaveChoice::kDiscard)));
   EXPECT_EQ(world.files.bytes(path), before);
 
   app.preferences.auto_save_on_close = true;

@@ -1,6 +1,7 @@
 #include "shell/main_window.h"
 
 #include "screens/files/changed_file.h"
+#include "screens/files/save_question.h"
 #include "screens/kit/screen_numbers.h"
 #include "screens/program/preferences_screen.h"
 #include "screens/records/edit_record.h"
@@ -114,7 +115,7 @@ TEST_F(Chooser, CodePageOfThisRunIsTheOneGiven) {
   world.phone.at(kRecordListScreen).press(Key::kEnter);
   world.phone.at(kEditRecordScreen).write(FormValue(0), u"Ж").press(Key::kEnter);
   world.phone.at(kRecordListScreen).choose({u"Menu", u"Close"});
-  world.phone.asks(u"Save changes to this database?", u"QUESTION", MessageAnswer::kYes);
+  world.phone.at(kSaveQuestionScreen).activate(kSaveChangesButton);
   chooser().press(Key::kBack);
   run({.command_line = "", .code_page = "CP1251"});
   EXPECT_EQ(world.cell(path, 0, 0), "\xC6");
@@ -272,7 +273,7 @@ TEST_F(Chooser, ListsTheSecondFileThatASaveLeaves) {
   world.phone.at(kRecordListScreen)
       .look([&](FakeDialog&) { world.files.put(path, theirs); })
       .press(Key::kBack);
-  world.phone.asks(u"Save changes to this database?", u"QUESTION", MessageAnswer::kYes);
+  world.phone.at(kSaveQuestionScreen).activate(kSaveChangesButton);
   world.phone.at(kChangedFileScreen).activate(kKeepBothButton);
   chooser().look(shows({u"Pears", u"Pears 2"})).press(Key::kBack);
   run();

@@ -50,6 +50,7 @@ class MemoryFiles : public Files {
   Status remove(const std::string& path) override;
   Status makeFolder(const std::string& path) override;
   std::optional<std::string> documentsFolder(Volume volume) override;
+  std::optional<std::string> stateFolder() override { return "/state"; }
 
  private:
   struct Node {

@@ -95,14 +95,23 @@ std::vector<std::string> mountedVolumes(const std::string& root) {
   return volumes;
 }
 
-}  // namespace
-
-std::optional<std::string> userConfigFolder() {
-  std::string folder = environment("XDG_CONFIG_HOME");
+// The folder that a variable names, else one in the home folder.
+std::optional<std::string> userFolder(const char* variable, const char* in_home) {
+  std::string folder = environment(variable);
   if (folder.starts_with('/')) return folder;
   const std::string home = homeFolder();
   if (home.empty()) return std::nullopt;
-  return home + "/.config";
+  return home + in_home;
+}
+
+}  // namespace
+
+std::optional<std::string> userConfigFolder() {
+  return userFolder("XDG_CONFIG_HOME", "/.config");
+}
+
+std::optional<std::string> userStateFolder() {
+  return userFolder("XDG_STATE_HOME", "/.local/state");
 }
 
 std::optional<std::string> userDocumentsFolder() {

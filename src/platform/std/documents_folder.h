@@ -14,7 +14,9 @@ std::optional<std::string> userDocumentsFolder();
 // one, else the volume itself.
 std::optional<std::string> cardDocumentsFolder();
 
-// The user's folder for configuration files; none without a home.
+// The user's folders for configuration files and for what programs leave behind; none without a
+// home.
 std::optional<std::string> userConfigFolder();
+std::optional<std::string> userStateFolder();
 
 }  // namespace tabelion

@@ -169,4 +169,10 @@ std::optional<std::string> StdFiles::documentsFolder(Volume volume) {
   return end == std::string::npos ? std::string("/") : chosen.substr(0, end + 1);
 }
 
+std::optional<std::string> StdFiles::stateFolder() {
+  const auto folder = userStateFolder();
+  if (!folder) return std::nullopt;
+  return *folder + "/tabelion";
+}
+
 }  // namespace tabelion

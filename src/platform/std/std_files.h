@@ -8,9 +8,9 @@
 namespace tabelion {
 
 struct StdFilesOptions {
-  std::string documents_folder;  // instead of the user's own; empty: the user's own
-  std::string card_folder;       // instead of a mounted volume's
-  bool views_files = false;      // read() gives a view of a large file (viewWholeFile)
+  std::string documents_folder{};  // instead of the user's own; empty: the user's own
+  std::string card_folder{};       // instead of a mounted volume's
+  bool views_files = false;        // read() gives a view of a large file (viewWholeFile)
 };
 
 class StdFiles : public Files {
@@ -35,6 +35,7 @@ class StdFiles : public Files {
   Status remove(const std::string& path) override;
   Status makeFolder(const std::string& path) override;
   std::optional<std::string> documentsFolder(Volume volume) override;
+  std::optional<std::string> stateFolder() override;  // "tabelion" in userStateFolder()
 
  private:
   StdFilesOptions options_;

@@ -11,13 +11,6 @@ inline constexpr ControlId kSaveChangesButton = 2;
 inline constexpr ControlId kDiscardChangesButton = 3;
 inline constexpr ControlId kStayButton = 4;
 
-enum class SaveChoice {
-  kSave,
-  kDiscard,
-  kStay,    // also for the Back key and Escape, so that no key that leaves throws anything away
-  kNobody,  // closed by itself, unanswered
-};
-
 SaveChoice AskToSave(Application& app, const std::u16string& text);
 
 }  // namespace tabelion

@@ -17,6 +17,7 @@ inline constexpr int kPreferencesScreen = 133;
 inline constexpr int kCopyQuestionScreen = 170;
 inline constexpr int kChangedFileScreen = 171;
 inline constexpr int kSaveQuestionScreen = 172;
+inline constexpr int kFailedSaveScreen = 173;
 
 inline constexpr CommandId kNewRecordCommand = 40002;
 inline constexpr CommandId kDeleteCommand = 40004;

@@ -29,7 +29,7 @@ DialogTemplate passwordTemplate(bool for_encryption) {
 
 class PasswordScreen : public CommandScreen<PasswordScreen> {
  public:
-  PasswordScreen(Application& app, bool waits) : app_(app), waits_(waits) {}
+  explicit PasswordScreen(Application& app) : app_(app) {}
 
   CommandTable<PasswordScreen> Commands(Dialog&) {
     return {.left = {kActionCommand, u"OK", &PasswordScreen::Confirm},
@@ -59,8 +59,8 @@ class PasswordScreen : public CommandScreen<PasswordScreen> {
   }
   // A password that nobody confirmed is none.
   bool OnAutoClose(Dialog& dialog) override {
-    if (!waits_) storeHiding(dialog);
-    return !waits_;
+    storeHiding(dialog);
+    return true;
   }
 
   Password typed;
@@ -85,13 +85,12 @@ class PasswordScreen : public CommandScreen<PasswordScreen> {
   }
 
   Application& app_;
-  bool waits_;
 };
 
 }  // namespace
 
 int AskPassword(Application& app, const PasswordQuestion& question, Password* typed) {
-  PasswordScreen screen(app, question.waits);
+  PasswordScreen screen(app);
   const int result = RunModalDialog(app, passwordTemplate(question.for_encryption), screen);
   if (result != kDialogDone) return kPasswordCancelled;
   if (typed != nullptr) *typed = screen.typed;
@@ -101,9 +100,9 @@ int AskPassword(Application& app, const PasswordQuestion& question, Password* ty
   return kPasswordConfirmed;
 }
 
-EncryptionPasswordPrompt AskEncryptionPassword(Application& app, bool waits) {
-  return [&app, waits](Password& typed) {
-    return AskPassword(app, {.for_encryption = true, .waits = waits}, &typed) == kPasswordConfirmed;
+EncryptionPasswordPrompt AskEncryptionPassword(Application& app) {
+  return [&app](Password& typed) {
+    return AskPassword(app, {.for_encryption = true}, &typed) == kPasswordConfirmed;
   };
 }
 

@@ -21,7 +21,6 @@ struct PasswordQuestion {
   std::string expected{};  // 8-bit
   bool compare = false;
   bool for_encryption = false;  // asks for the encryption password, not for the access password
-  bool waits = false;  // stays when auto-close would end it: what it guards is not safe yet
 };
 
 // kPasswordConfirmed or kPasswordCancelled; what was typed, 8-bit, goes into `typed`.
@@ -30,6 +29,6 @@ struct PasswordQuestion {
 int AskPassword(Application& app, const PasswordQuestion& question, Password* typed = nullptr);
 
 // For the services that need the encryption password.
-EncryptionPasswordPrompt AskEncryptionPassword(Application& app, bool waits = false);
+EncryptionPasswordPrompt AskEncryptionPassword(Application& app);
 
 }  // namespace tabelion

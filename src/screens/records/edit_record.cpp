@@ -6,6 +6,7 @@
 #include "screens/kit/screen_numbers.h"
 #include "screens/program/ask_password.h"
 #include "screens/records/undo.h"
+#include "security/database_encryption.h"
 #include "services/access.h"
 #include "services/changes/record_steps.h"
 #include "services/encryption.h"
@@ -220,17 +221,14 @@ void EditRecordScreen::EncipherStored() {
   const ByteView stored = database.records[app_.level().current_record].bytes();
   Bytes record(stored.begin(), stored.end());
   if (isRecordEncrypted(record) ||
-      !PromptEncryptRecord(app_, record, AskEncryptionPassword(app_, true))) {
+      !PromptEncryptRecord(app_, record, AskEncryptionPassword(app_))) {
     return;
   }
   if (database.records.replace(app_.level().current_record, record)) setDirty(database);
 }
 
 void EditRecordScreen::ToggleEncryption(Dialog& dialog) {
-  if (CheckSecurity(app_, Operation::kChange, true) != kAccessGranted || !SaveEditRecord(dialog) ||
-      app_.level().new_record) {
-    return;
-  }
+  if (!SaveEditRecord(dialog) || app_.level().new_record) return;
   Database& database = CurrentDatabase(app_);
   const ByteView stored = database.records[app_.level().current_record].bytes();
   if (isRecordEncrypted(stored)) {

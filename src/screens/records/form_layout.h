@@ -14,7 +14,6 @@ namespace tabelion {
 inline constexpr int kNarrowestValues = -70;
 inline constexpr int kWidestValues = 78;
 inline constexpr int kWidthStep = 2;
-inline constexpr int kCorruptWidth = 86;  // from here on the database is taken for a damaged one
 
 struct FormRow {
   int slot = 0;

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "query/list_columns.h"
+#include "screens/files/closing_questions.h"
 #include "screens/kit/screen_numbers.h"
 #include "screens/program/ask_password.h"
 #include "screens/program/preferences_screen.h"
@@ -110,13 +111,7 @@ void RecordListScreen::OpenFile(Dialog& dialog) {
     return CloseWith(dialog, app_.closing == Closing::kNo ? kDialogClosed : kDialogAutoClosed);
   }
   DecryptWholeDatabase(app_, AskEncryptionPassword(app_));
-  const Database& database = CurrentDatabase(app_);
-  if (database.schema.label_width_adjustment >= kCorruptWidth) {
-    ShowMessage(app_, u"This database appears to be corrupt.", u"Open Database",
-                MessageIcon::kError);
-    return CloseWith(dialog, kDialogClosed);
-  }
-  const int stored = database.schema.current_record_index;
+  const int stored = CurrentDatabase(app_).schema.current_record_index;
   app_.level().current_record =
       stored >= kSchemaRecords
           ? static_cast<std::uint32_t>(stored) - static_cast<std::uint32_t>(kSchemaRecords)
@@ -206,7 +201,7 @@ void RecordListScreen::Save(Dialog& dialog) {
   if (result == SaveResult::kSaved) {
     ShowMessage(app_, u"File Saved", u"Update", MessageIcon::kInformation);
   } else if (result == SaveResult::kFailed) {
-    ShowMessage(app_, u"ERROR:File could not be saved", u"Update", MessageIcon::kError);
+    ShowMessage(app_, SaveFailureText(app_), u"Update", MessageIcon::kError);
   }
 }
 
@@ -231,8 +226,8 @@ bool RecordListScreen::OnAutoClose(Dialog& dialog) {
 // Auto-close means that nobody is there to be asked: what was changed is saved.
 bool RecordListScreen::CloseFor(int result) {
   const bool auto_closed = result == kDialogAutoClosed;
-  const auto prompt = AskEncryptionPassword(app_, true);
-  if (!CloseDatabase(app_, auto_closed ? AskBeforeSaving::kNo : AskBeforeSaving::kYes, prompt)) {
+  if (!CloseDatabase(app_, auto_closed ? AskBeforeSaving::kNo : AskBeforeSaving::kYes,
+                     AskWhenClosing(app_))) {
     return false;
   }
   if (auto_closed) SavePreferences(app_.platform, app_.preferences);

@@ -76,6 +76,7 @@ TEST(Commands, EveryEntryComesBackAndChangesNothingByItself) {
   for (const TestRows& rows : {TestRows{}, TestRows{{"Berlin"}, {"Rome"}}}) {
     PhoneWorld world;
     Application app(world.platform);
+    app.preferences.auto_save_on_close = true;  // Back keeps a database with changes open
     const std::string path = world.add("Towns", {{"Name"}, {"Text", FieldType::kNote}}, rows);
     const auto show_list = [&] { ShowRecordList(app, path); };
     const auto unchanged = [&](const MenuPath& entry) {

@@ -351,7 +351,7 @@ TEST_F(EditRecord, RecordThatCannotBeStoredStaysInTheForm) {
   list().choose({u"New Record"});
   form().type(u"Late").look([&](FakeDialog&) {
     // Meanwhile the database fills up.
-    RecordStore& records = open_app->stack.current().database->records;
+    RecordStore& records = CurrentDatabase(*open_app).records;
     const Bytes record(records[0].bytes().begin(), records[0].bytes().end());
     while (!records.isFull()) records.insert(records.count(), record, {});
   });
@@ -359,7 +359,7 @@ TEST_F(EditRecord, RecordThatCannotBeStoredStaysInTheForm) {
   world.phone.says(full, u"New Record");
   form()
       .look([](FakeDialog& d) { EXPECT_EQ(d.fake(FormValue(kName)).text(), u"Late"); })
-      .look([&](FakeDialog&) { open_app->stack.current().database->records.remove(64999); })
+      .look([&](FakeDialog&) { CurrentDatabase(*open_app).records.remove(64999); })
       .choose({u"Done"});
   list().choose({u"New Record"});
   world.phone.says(full, u"New Record");

@@ -1,6 +1,7 @@
 // Enciphered databases and records, from the list and the form.
 #include <algorithm>
 
+#include "screens/files/save_question.h"
 #include "screens/kit/screen_numbers.h"
 #include "screens/program/ask_password.h"
 #include "screens/records/edit_record.h"
@@ -13,6 +14,10 @@ namespace {
 
 const std::u16string kTryAgain =
     u"ERROR: Password does not properly decrypt this data.  Please Try again.";
+
+const std::u16string kOtherPassword =
+    u"This is not the password that opened the database. From now on only this password opens the "
+    u"encrypted records. Please enter it once more.";
 
 enum Slot { kName, kPin };
 
@@ -34,7 +39,7 @@ class Encryption : public testing::Test {
     path = world.store(*database);
     stored = world.files.bytes(path);
     Application app(world.platform);
-    app.preferences.auto_save_on_close = true;
+    app.preferences.auto_save_on_close = saves_on_close;
     app.preferences.auto_encrypt = remembers;
     world.phone.play([&] { ShowRecordList(app, path); });
     after = world.read(path);
@@ -82,6 +87,7 @@ class Encryption : public testing::Test {
 
   PhoneWorld world;
   bool remembers = false;
+  bool saves_on_close = true;
   std::unique_ptr<Database> database;
   std::unique_ptr<Database> after;
   std::vector<std::uint8_t> stored;
@@ -97,6 +103,12 @@ TEST_F(Encryption, WholeDatabaseOpensWithItsPasswordAndIsEncipheredAgain) {
   list().look(lists(u"1111")).row(kRecordList, 1).press(Key::kEnter);
   form().look(shows(u"2222")).write(FormValue(kPin), u"3333").choose({u"Done"});
   list().choose({u"Menu", u"Close"});
+  password(u"anotehr");
+  world.phone.says(kOtherPassword, u"Update");
+  password(u"another");
+  world.phone.says(u"The two passwords differ. Nothing has been encrypted.", u"Error");
+  password(u"another");
+  world.phone.says(kOtherPassword, u"Update");
   password(u"another");
   play();
   EXPECT_TRUE(isEnciphered(0) && isEnciphered(1));
@@ -135,6 +147,62 @@ TEST_F(Encryption, ARememberedPasswordIsNotAskedForAndGuardsEverySave) {
   EXPECT_EQ(pin(1, "sesame"), "2222");
 }
 
+TEST_F(Encryption, LookingAtADatabaseChangesNothingInItsFile) {
+  setMode(kEncryptWholeDatabase);
+  encipher("sesame");
+  const std::u16string unchanged =
+      u"Nothing was changed. The file stays encrypted with the password that it has. Close it?";
+  for (const bool knows_password : {true, false}) {
+    password(u"sesame");
+    list().look(lists(u"1111")).choose({u"Menu", u"Close"});
+    if (knows_password) {
+      password(u"sesame");
+    } else {
+      cancelPassword();
+      world.phone.asks(unchanged, u"QUESTION", MessageAnswer::kYes);
+    }
+    play();
+    EXPECT_EQ(world.files.bytes(path), stored);
+  }
+}
+
+// Saved on the way and given up at the end, in a file whose password is known and in one that has
+// none yet.
+TEST_F(Encryption, DiscardingLeavesNothingInClear) {
+  setMode(kEncryptWholeDatabase);
+  saves_on_close = false;
+  for (const bool has_password : {true, false}) {
+    if (has_password) {
+      encipher("sesame");
+      password(u"sesame");
+    } else {
+      database = world.make("Safe", {{"Name"}, {"Pin"}}, {{"Anna", "1111"}, {"Bert", "2222"}});
+      database->schema.fields[kPin].encrypt_flag = 1;
+      setMode(kEncryptWholeDatabase);
+    }
+    list().press(Key::kEnter);
+    form().write(FormValue(kPin), u"3333").choose({u"Done"});
+    list().choose({u"Menu", u"Save"});
+    world.phone.says(u"File Saved", u"Update");
+    list()
+        .look([&](FakeDialog&) { EXPECT_EQ(fileHolds("3333"), !has_password); })
+        .press(Key::kEnter);
+    form().write(FormValue(kPin), u"4444").choose({u"Done"});
+    list().choose({u"Menu", u"Close"});
+    world.phone.at(kSaveQuestionScreen).activate(kDiscardChangesButton);
+    if (!has_password) {
+      password(u"sesame");
+      world.phone.says(
+          u"From now on only this password opens the encrypted records. Please enter it once more.",
+          u"Update");
+      password(u"sesame");
+    }
+    play();
+    EXPECT_FALSE(fileHolds("3333") || fileHolds("4444") || fileHolds("2222"));
+    EXPECT_EQ(pin(0, "sesame"), "3333");
+  }
+}
+
 TEST_F(Encryption, ClosingWithoutAPasswordAsksBeforeLeavingRecordsUnprotected) {
   setMode(kEncryptWholeDatabase);
   const std::u16string unprotected = u"The records will be saved without encryption. Continue?";
@@ -161,6 +229,10 @@ TEST_F(Encryption, TextsThatOthersCannotReadBackAreNamedFirst) {
   world.phone.asks(named, u"QUESTION", MessageAnswer::kNo);
   list().choose({u"Menu", u"Close"});
   world.phone.asks(named, u"QUESTION", MessageAnswer::kYes);
+  password(u"sesame");
+  world.phone.says(
+      u"From now on only this password opens the encrypted records. Please enter it once more.",
+      u"Update");
   password(u"sesame");
   play();
   EXPECT_EQ(pin(2, "sesame"), std::string(300, 'x'));
