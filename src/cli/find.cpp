@@ -21,6 +21,8 @@ struct FindOptions {
   bool begins = false;
   bool with_case = false;
   bool all = false;
+  bool ids = false;
+  bool safe_csv = false;
   bool csv = false;
   bool json = false;
 };
@@ -75,7 +77,8 @@ ExitCode runFind(const FindOptions& options, CliContext& context) {
   const RowFormat format = options.json  ? RowFormat::kJson
                            : options.csv ? RowFormat::kCsv
                                          : RowFormat::kTable;
-  const RowSource source{*database, *encoding, settings, slots, 0, true};
+  const RowSource source{*database, *encoding, settings,    slots,
+                         0,         true,      options.ids, options.safe_csv};
   const auto rows = makeRowOutput(source, format, context.out);
   const std::uint32_t count =
       putFound(RecordFinder(*database, *search, settings), options.all, source, *rows);
@@ -96,6 +99,9 @@ CommandBody declareFind(OptionList list) {
   list.flag("--begins", options->begins, "Where the field begins with it");
   list.flag("--case", options->with_case, "Small and capital letters as they stand");
   list.flag("--all", options->all, "Every record that has it, not the first alone");
+  list.flag("--id", options->ids, "With ids of records that never change");
+  list.flag("--safe-csv", options->safe_csv,
+            "In CSV, an apostrophe in front of texts that a spreadsheet would take for formulas");
   list.flag("--csv", options->csv, "As CSV, with the values of an export");
   list.flag("--json", options->json, "As JSON, with the values of an export");
   list.exclusive({"--csv", "--json"});

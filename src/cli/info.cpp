@@ -1,5 +1,7 @@
 // info: what a database is, for people or as JSON.
 
+#include <algorithm>
+
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
@@ -65,20 +67,22 @@ nlohmann::ordered_json infoJson(const Database& database, const Counts& counts,
   json["name"] = encoding.toUtf8(areaText(database.header.name));
   json["category"] = encoding.toUtf8(areaText(schema.category));
   json["author"] = encoding.toUtf8(areaText(schema.author));
-  json["created"] = headerTimeText(database.header.creation_date);
+  const std::uint32_t created = database.header.creation_date;
+  json["created"] = nullptr;
+  if (created != kNoCreationDate) json["created"] = headerTimeText(created);
   json["modified"] = headerTimeText(database.header.modification_date);
   json["size"] = counts.size;
   json["records"] = database.records.count();
   json["fields"] = counts.fields;
   json["views"] = schema.view_count;
-  json["code page"] = code_page.empty() ? "the user's" : code_page;
+  json["code_page"] = code_page.empty() ? "the user's" : code_page;
   json["restrictions"] = restrictionsText(schema.security_word);
   json["encryption"] = schema.encryption_mode < std::size(kEncryptionModeNames)
                            ? kEncryptionModeNames[schema.encryption_mode]
                            : "unknown";
-  json["enciphered as a whole"] = (schema.head[kStampFlagOffset] & kDatabaseEncrypted) != 0;
-  json["flagged fields"] = counts.flagged_fields;
-  json["enciphered records"] = counts.enciphered_records;
+  json["enciphered_as_a_whole"] = (schema.head[kStampFlagOffset] & kDatabaseEncrypted) != 0;
+  json["flagged_fields"] = counts.flagged_fields;
+  json["enciphered_records"] = counts.enciphered_records;
   return json;
 }
 
@@ -98,11 +102,10 @@ ExitCode runInfo(const InfoOptions& options, CliContext& context) {
     if (name == kJsonSchemaVersionName) continue;
     std::string text = value.is_string() ? value.get<std::string>() : value.dump();
     if (value.is_boolean()) text = value.get<bool>() ? "yes" : "no";
-    if (text.empty()) {
-      context.out.put(name + ":\n");
-    } else {
-      context.out.put(fmt::format("{:<22} {}\n", name + ":", text));
-    }
+    if (value.is_null()) text.clear();
+    std::string label = name + ':';
+    std::replace(label.begin(), label.end(), '_', ' ');
+    context.out.put(text.empty() ? label + '\n' : fmt::format("{:<22} {}\n", label, text));
   }
   return context.finishOutput();
 }

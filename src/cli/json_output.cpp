@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "interchange/json_cells.h"
+#include "interchange/record_id.h"
 
 namespace tabelion {
 namespace {
@@ -22,6 +23,11 @@ Json versionedJson() {
   Json json;
   json[kJsonSchemaVersionName] = kJsonSchemaVersion;
   return json;
+}
+
+Json idJson(ByteView record) {
+  const std::string id = recordId(record);
+  return id.empty() ? Json() : Json(id);
 }
 
 void putJson(OutputBuffer& out, const Json& json) {

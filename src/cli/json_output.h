@@ -14,11 +14,13 @@
 
 namespace tabelion {
 
-inline constexpr int kJsonSchemaVersion = 1;
+inline constexpr int kJsonSchemaVersion = 2;
 inline constexpr const char* kJsonSchemaVersionName = "schema_version";
 
 // An object with the version alone, to which a command adds its figures in order.
 nlohmann::ordered_json versionedJson();
+// The id of a record; null for one without.
+nlohmann::ordered_json idJson(ByteView record);
 // Prints an object of figures, indented.
 void putJson(OutputBuffer& out, const nlohmann::ordered_json& json);
 // On one line without an end; bytes that are not UTF-8 become U+FFFD.
@@ -26,7 +28,7 @@ void putCompactJson(OutputBuffer& out, const nlohmann::ordered_json& json);
 
 // Prints an object with records among its members, a record at a time:
 //
-//   {"schema_version": 1, …, "records": [
+//   {"schema_version": 2, …, "records": [
 //   {"record":12,"values":{"Name":"Zoë","Born":null}},
 //   …
 //   ], …}

@@ -7,6 +7,7 @@
 
 #include "cli/json_output.h"
 #include "engine/schema_places.h"
+#include "interchange/record_id.h"
 #include "query/formula.h"
 #include "services/changes/record_steps.h"
 
@@ -46,6 +47,7 @@ std::optional<OpenedDatabase> openFor(CliContext& context, const std::string& pa
 }
 
 Result<std::uint32_t> chooseRecord(const Database& database, std::string_view number) {
+  if (isRecordId(number)) return recordWithId(database, number);
   std::uint32_t value = 0;
   const auto read = std::from_chars(number.data(), number.data() + number.size(), value);
   if (read.ec == std::errc::invalid_argument || read.ptr != number.data() + number.size()) {
@@ -85,6 +87,7 @@ ExitCode storeAndSave(CliContext& context, Database& database, const TextEncodin
   if (json) {
     auto figures = versionedJson();
     figures["record"] = place + 1;
+    figures["id"] = idJson(database.records[place].bytes());
     putJson(context.out, figures);
   } else {
     context.out.put(fmt::format("{}\n", place + 1));

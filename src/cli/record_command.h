@@ -17,7 +17,7 @@ namespace tabelion {
 std::optional<OpenedDatabase> openFor(CliContext& context, const std::string& path,
                                       Operation operation, ExitCode& failure);
 
-// The position of the record with this number, counted from 1 in database order.
+// The position of the record with this number, counted from 1 in database order, or with this id.
 Result<std::uint32_t> chooseRecord(const Database& database, std::string_view number);
 
 // The message, with the file in front of it.

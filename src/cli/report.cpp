@@ -10,6 +10,7 @@
 #include "cli/json_output.h"
 #include "engine/schema_places.h"
 #include "interchange/words/field_choice.h"
+#include "query/number_text.h"
 #include "query/report.h"
 
 namespace tabelion {
@@ -29,28 +30,33 @@ Json dateJson(std::int64_t day) {
   return fmt::format("{:04}-{:02}-{:02}", date.year, date.month, date.day);
 }
 
-template <class Numbers>
-void putNumbers(Json& json, const Numbers& numbers) {
-  json["minimum"] = numbers.minimum;
-  json["maximum"] = numbers.maximum;
-  json["sum"] = numbers.sum;
-  json["minimum_total"] = numbers.least_total;
-  json["maximum_total"] = numbers.most_total;
-  json["average"] = numbers.average;
+// `figure` makes of a number what is printed.
+template <class Numbers, class Figure>
+void putNumbers(Json& json, const Numbers& numbers, Figure figure) {
+  json["minimum"] = figure(numbers.minimum);
+  json["maximum"] = figure(numbers.maximum);
+  json["sum"] = figure(numbers.sum);
+  json["minimum_total"] = figure(numbers.least_total);
+  json["maximum_total"] = figure(numbers.most_total);
+  json["average"] = figure(numbers.average);
 }
 
-Json figuresJson(const ReportFigures& figures, const std::string& field) {
+Json figuresJson(const ReportFigures& figures, const FieldDefinition& field,
+                 const std::string& name) {
   Json json = versionedJson();
-  json["field"] = field;
+  json["field"] = name;
   json["reported_as"] = traitsOf(figures.type).name;
   json["records"] = figures.count;
   const ReportNumbers<std::int64_t>& whole = figures.whole;
   switch (traitsOf(figures.type).report) {
     case ReportKind::kWholeNumbers:
-      putNumbers(json, whole);
+      putNumbers(json, whole, [](std::int64_t value) { return value; });
       break;
     case ReportKind::kNumbers:
-      putNumbers(json, figures.real);
+      // As the report shows them: 0.3, not 0.30000000000000004.
+      putNumbers(json, figures.real, [&](double value) {
+        return numberOfText(numberText(value, reportDecimals(field), false), false);
+      });
       break;
     case ReportKind::kChecks:
       json["checked"] = figures.checked;
@@ -112,7 +118,7 @@ ExitCode runReportCommand(const ReportOptions& options, CliContext& context) {
   }
   const FieldDefinition& field = database->schema.fields[static_cast<std::size_t>(*slot)];
   if (options.json) {
-    putJson(context.out, figuresJson(figures, encoding->toUtf8(fieldName(field))));
+    putJson(context.out, figuresJson(figures, field, encoding->toUtf8(fieldName(field))));
   } else {
     putText(context.out, encoding->toUtf8(reportText(figures, field, settings.formats)));
   }

@@ -10,20 +10,27 @@
 #include "engine/packed_record.h"
 #include "engine/schema_places.h"
 #include "interchange/csv_cells.h"
+#include "interchange/record_id.h"
 #include "query/field_text.h"
 
 namespace tabelion {
 namespace {
 
+// Those in front of the fields: the number, and what else is asked for.
+std::size_t firstColumns(const RowSource& source) {
+  return std::size_t{1} + source.has_ids + source.has_found_field;
+}
+
 class TableOutput : public RowOutput {
  public:
   TableOutput(const RowSource& source, OutputBuffer& out)
-      : source_(source), out_(out), table_(source.slots.size() + 1 + source.has_found_field) {
+      : source_(source), out_(out), table_(source.slots.size() + firstColumns(source)) {
     table_.reserve(source.expected_rows);
     table_.alignRight(0);
     table_.add("#");
+    if (source.has_ids) table_.add("id");
     if (source.has_found_field) table_.add("Found in");
-    std::size_t column = 1 + source.has_found_field;
+    std::size_t column = firstColumns(source);
     for (const int slot : source.slots) {
       const FieldDefinition& field = fieldOf(slot);
       if (isNumber(field)) table_.alignRight(column);
@@ -37,8 +44,9 @@ class TableOutput : public RowOutput {
   void put(std::uint32_t position, std::uint32_t number, std::string_view field) override {
     const fmt::format_int digits(number);
     table_.addPlain({digits.data(), digits.size()});
-    if (source_.has_found_field) table_.add(field);
     const ByteView record = source_.database.records[position].bytes();
+    if (source_.has_ids) table_.add(recordId(record));
+    if (source_.has_found_field) table_.add(field);
     load(record);
     for (const int slot : source_.slots) putCell(record, slot);
   }
@@ -109,29 +117,36 @@ class CsvOutput : public RowOutput {
   CsvOutput(const RowSource& source, OutputBuffer& out)
       : source_(source), out_(out), rows_(source.database, source.encoding) {
     out_.put("record");
+    if (source.has_ids) out_.put(",id");
     if (source.has_found_field) out_.put(",found_in");
     for (const int slot : source.slots) {
       for (std::size_t i = 0; i < rows_.columns().size(); ++i) {
         if (rows_.columns()[i].slot != slot) continue;
         columns_.push_back(i);
         out_.put(',');
-        putCsvText(out_, rows_.columns()[i].name);
+        const std::string& name = rows_.columns()[i].name;
+        putCsvText(out_, source.safe_csv && looksLikeFormula(name) ? '\'' + name : name);
       }
     }
     out_.put('\n');
   }
 
   void put(std::uint32_t position, std::uint32_t number, std::string_view field) override {
-    rows_.load(source_.database.records[position].bytes());
+    const ByteView record = source_.database.records[position].bytes();
+    rows_.load(record);
     const fmt::format_int digits(number);
     out_.put({digits.data(), digits.size()});
+    if (source_.has_ids) {
+      out_.put(',');
+      out_.put(recordId(record));
+    }
     if (source_.has_found_field) {
       out_.put(',');
       putCsvText(out_, field);
     }
     for (const std::size_t column : columns_) {
       out_.put(',');
-      putCsvCell(out_, rows_, column, false);
+      putCsvCell(out_, rows_, column, false, source_.safe_csv);
     }
     out_.put('\n');
   }
@@ -153,9 +168,10 @@ class JsonOutput : public RowOutput {
   }
 
   void put(std::uint32_t position, std::uint32_t number, std::string_view field) override {
-    if (!source_.has_found_field) return records_.put(position, number);
-    const nlohmann::ordered_json more{{"found_in", field}};
-    records_.put(position, number, &more);
+    nlohmann::ordered_json more;
+    if (source_.has_ids) more["id"] = idJson(source_.database.records[position].bytes());
+    if (source_.has_found_field) more["found_in"] = field;
+    records_.put(position, number, more.empty() ? nullptr : &more);
   }
 
   void finish() override { records_.end(); }

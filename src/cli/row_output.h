@@ -29,6 +29,8 @@ struct RowSource {
   const std::vector<int>& slots;  // the columns
   std::size_t expected_rows = 0;
   bool has_found_field = false;  // one more, for the field in which something was found
+  bool has_ids = false;          // one more, for the ids of records that never change
+  bool safe_csv = false;         // texts that look like formulas are made harmless
 };
 
 // The source and what it refers to must outlive the output. A table has the values as the window

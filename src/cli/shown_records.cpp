@@ -1,7 +1,10 @@
 #include "cli/shown_records.h"
 
+#include <algorithm>
+
 #include <fmt/format.h>
 
+#include "interchange/words/field_choice.h"
 #include "interchange/words/filter_words.h"
 #include "interchange/words/sort_choice.h"
 #include "interchange/words/view_choice.h"
@@ -71,6 +74,22 @@ Status showRecords(Database& database, const TextEncoding& encoding, const Query
   }
   rebuildFilterIndex(database, settings);
   return Done{};
+}
+
+Result<std::vector<int>> chooseColumns(const Database& database, const TextEncoding& encoding,
+                                       std::string_view names) {
+  auto slots = chooseFields(database, encoding, names);
+  if (!slots.ok()) return slots.error();
+  for (auto slot = slots->begin(); slot != slots->end(); ++slot) {
+    const FieldDefinition& field = database.schema.fields[static_cast<std::size_t>(*slot)];
+    const char* fault = nullptr;
+    if (field.type == FieldType::kSeparator) fault = "is a separator and has no value";
+    if (std::find(slots->begin(), slot, *slot) != slot) fault = "is given more than once";
+    if (fault == nullptr) continue;
+    return makeError(ErrorKind::kInvalid,
+                     fmt::format("\"{}\" {}", fieldLabel(database, encoding, *slot), fault));
+  }
+  return slots;
 }
 
 std::uint32_t recordNumber(const Database& database, std::uint32_t position) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "engine/database.h"
@@ -21,6 +22,10 @@ struct ShownOptions {
 // the records in order, Database::record_index those that pass the filter.
 Status showRecords(Database& database, const TextEncoding& encoding, const QuerySettings& settings,
                    const ShownOptions& options);
+
+// The slots of the fields named, "Name,Born", that have a value to show; each once.
+Result<std::vector<int>> chooseColumns(const Database& database, const TextEncoding& encoding,
+                                       std::string_view names);
 
 // The number that a record has in the file, from 1, wherever showRecords put it.
 std::uint32_t recordNumber(const Database& database, std::uint32_t position);

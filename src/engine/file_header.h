@@ -30,13 +30,16 @@ inline constexpr std::uint32_t kFormCreator = fourCc("TBFM");
 
 inline constexpr std::uint8_t kAttributeDirty = 0x40;  // of a record-list entry
 
+// The creation date that every new database gets and most keep: for people it is none.
+inline constexpr std::uint32_t kNoCreationDate = 893970430;
+
 // Multi-byte numbers are big-endian in the file; dates are seconds since 1904-01-01.
 struct FileHeader {
   TextArea<kNameSize> name{};
   std::uint16_t attributes = 8;
   std::uint16_t version = 0;
   // Placeholders of a new database, on purpose not the clock.
-  std::uint32_t creation_date = 893970430;
+  std::uint32_t creation_date = kNoCreationDate;
   std::uint32_t modification_date = 893970435;
   std::uint32_t backup_date = 0;
   std::uint32_t modification_number = 86;

@@ -5,6 +5,7 @@
 #include "engine/calendar.h"
 #include "interchange/csv_cells.h"
 #include "interchange/json_cells.h"
+#include "interchange/record_id.h"
 #include "interchange/table_rows.h"
 
 namespace tabelion {
@@ -13,16 +14,19 @@ namespace {
 // What a row's writer and the records' walk share.
 class Writer {
  public:
-  Writer(TableRows& rows, OutputBuffer& to) : rows_(rows), to_(to) {}
+  Writer(TableRows& rows, const ExportChoice& choice, OutputBuffer& to)
+      : rows_(rows), choice_(choice), to_(to) {}
   virtual ~Writer() = default;
   virtual void begin() = 0;
-  virtual void putRow(bool is_first) = 0;
+  // The record that the rows have loaded; its id where ids are asked for.
+  virtual void putRow(bool is_first, std::string_view id) = 0;
   virtual void end() = 0;
 
  protected:
   std::size_t columnCount() const { return rows_.columns().size(); }
 
   TableRows& rows_;
+  const ExportChoice& choice_;
   OutputBuffer& to_;
 };
 
@@ -31,17 +35,20 @@ class CsvWriter : public Writer {
   using Writer::Writer;
 
   void begin() override {
+    if (choice_.with_ids) to_.put(kRecordIdColumn);
     for (std::size_t i = 0; i < columnCount(); ++i) {
-      if (i > 0) to_.put(',');
-      putCsvText(to_, rows_.columns()[i].name);
+      if (i > 0 || choice_.with_ids) to_.put(',');
+      const std::string& name = rows_.columns()[i].name;
+      putCsvText(to_, choice_.safe_csv && looksLikeFormula(name) ? '\'' + name : name);
     }
     to_.put('\n');
   }
 
-  void putRow(bool) override {
+  void putRow(bool, std::string_view id) override {
+    to_.put(id);
     for (std::size_t i = 0; i < columnCount(); ++i) {
-      if (i > 0) to_.put(',');
-      putCsvCell(to_, rows_, i, columnCount() == 1);
+      if (i > 0 || choice_.with_ids) to_.put(',');
+      putCsvCell(to_, rows_, i, columnCount() == 1 && !choice_.with_ids, choice_.safe_csv);
     }
     to_.put('\n');
   }
@@ -55,10 +62,11 @@ class JsonWriter : public Writer {
 
   void begin() override { to_.put('['); }
 
-  void putRow(bool is_first) override {
+  void putRow(bool is_first, std::string_view id) override {
     to_.put(is_first ? "\n{" : ",\n{");
+    if (choice_.with_ids) putId(id);
     for (std::size_t i = 0; i < columnCount(); ++i) {
-      if (i > 0) to_.put(',');
+      if (i > 0 || choice_.with_ids) to_.put(',');
       putJsonText(to_, rows_.columns()[i].name);
       to_.put(':');
       putJsonCell(to_, rows_, i);
@@ -67,21 +75,34 @@ class JsonWriter : public Writer {
   }
 
   void end() override { to_.put("\n]\n"); }
+
+ private:
+  void putId(std::string_view id) {
+    putJsonText(to_, kRecordIdColumn);
+    to_.put(':');
+    if (id.empty()) return to_.put("null");
+    putJsonText(to_, id);
+  }
 };
 
 class SqlWriter : public Writer {
  public:
-  SqlWriter(TableRows& rows, OutputBuffer& to, const Database& database,
+  SqlWriter(TableRows& rows, const ExportChoice& choice, OutputBuffer& to, const Database& database,
             std::string_view table_name)
-      : Writer(rows, to), database_(database), table_(quoted(table_name, '"')) {}
+      : Writer(rows, choice, to), database_(database), table_(quoted(table_name, '"')) {}
 
   void begin() override {
     chooseTypes();
     to_.put("BEGIN;\nCREATE TABLE ");
     to_.put(table_);
     to_.put(" (");
+    if (choice_.with_ids) {
+      to_.put("\n  ");
+      to_.put(quoted(kRecordIdColumn, '"'));
+      to_.put(" text");
+    }
     for (std::size_t i = 0; i < columnCount(); ++i) {
-      to_.put(i == 0 ? "\n  " : ",\n  ");
+      to_.put(i == 0 && !choice_.with_ids ? "\n  " : ",\n  ");
       to_.put(quoted(rows_.columns()[i].name, '"'));
       to_.put(' ');
       to_.put(types_[i]);
@@ -89,7 +110,7 @@ class SqlWriter : public Writer {
     to_.put("\n);\n");
   }
 
-  void putRow(bool) override {
+  void putRow(bool, std::string_view id) override {
     if (rows_in_statement_ == 0) {
       to_.put("INSERT INTO ");
       to_.put(table_);
@@ -97,8 +118,9 @@ class SqlWriter : public Writer {
     } else {
       to_.put(",\n(");
     }
+    if (choice_.with_ids) to_.put(id.empty() ? "NULL" : quoted(id, '\''));
     for (std::size_t i = 0; i < columnCount(); ++i) {
-      if (i > 0) to_.put(',');
+      if (i > 0 || choice_.with_ids) to_.put(',');
       putValue(i, rows_.cell(i));
     }
     to_.put(')');
@@ -219,26 +241,31 @@ class SqlWriter : public Writer {
 }  // namespace
 
 ExportSummary exportTable(const Database& database, const TextEncoding& encoding,
-                          TableFormat format, std::string_view table_name, OutputBuffer& to,
+                          TableFormat format, std::string_view table_name,
+                          const ExportChoice& choice, OutputBuffer& to,
                           const ProgressStep& progress) {
   constexpr std::uint32_t kRecordsPerStep = 1024;
-  TableRows rows(database, encoding);
+  TableRows rows(database, encoding, choice.slots);
   std::unique_ptr<Writer> writer;
-  if (format == TableFormat::kCsv) writer = std::make_unique<CsvWriter>(rows, to);
-  if (format == TableFormat::kJson) writer = std::make_unique<JsonWriter>(rows, to);
+  if (format == TableFormat::kCsv) writer = std::make_unique<CsvWriter>(rows, choice, to);
+  if (format == TableFormat::kJson) writer = std::make_unique<JsonWriter>(rows, choice, to);
   if (format == TableFormat::kSql) {
-    writer = std::make_unique<SqlWriter>(rows, to, database, table_name);
+    writer = std::make_unique<SqlWriter>(rows, choice, to, database, table_name);
   }
+  const std::size_t count =
+      choice.positions != nullptr ? choice.positions->size() : database.records.count();
   ExportSummary summary;
   writer->begin();
-  for (const Record& record : database.records) {
-    rows.load(record.bytes());
-    writer->putRow(summary.records == 0);
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::size_t position = choice.positions != nullptr ? (*choice.positions)[i] : i;
+    const ByteView record = database.records[static_cast<std::uint32_t>(position)].bytes();
+    rows.load(record);
+    writer->putRow(summary.records == 0, choice.with_ids ? recordId(record) : std::string());
     ++summary.records;
     if (rows.isEnciphered()) ++summary.enciphered_records;
     if (summary.records % kRecordsPerStep != 0) continue;
     if (!to.ok()) return summary;
-    if (progress) progress(summary.records, database.records.count());
+    if (progress) progress(summary.records, static_cast<std::uint32_t>(count));
   }
   writer->end();
   summary.is_written = to.flush();

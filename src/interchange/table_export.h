@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <functional>
 #include <string_view>
+#include <vector>
 
 #include "engine/database.h"
 #include "interchange/output_buffer.h"
@@ -27,9 +28,18 @@ struct ExportSummary {
 // Called now and then with the records done so far.
 using ProgressStep = std::function<void(std::uint32_t done, std::uint32_t of)>;
 
+// What of a database goes out, and how.
+struct ExportChoice {
+  std::vector<int> slots;  // of the fields, in this order; all where there are none
+  const std::vector<std::uint32_t>* positions = nullptr;  // of the records; all where null
+  bool with_ids = false;                                  // in a first column, kRecordIdColumn
+  bool safe_csv = false;  // texts that look like formulas are made harmless
+};
+
 // `table_name` (UTF-8) is what SQL calls the table.
 ExportSummary exportTable(const Database& database, const TextEncoding& encoding,
-                          TableFormat format, std::string_view table_name, OutputBuffer& to,
+                          TableFormat format, std::string_view table_name,
+                          const ExportChoice& choice, OutputBuffer& to,
                           const ProgressStep& progress);
 
 }  // namespace tabelion

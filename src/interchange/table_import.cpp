@@ -8,6 +8,7 @@
 
 #include "interchange/cell_text.h"
 #include "interchange/csv_reader.h"
+#include "interchange/record_id.h"
 #include "interchange/table_columns.h"
 #include "query/near_names.h"
 #include "query/text_case.h"
@@ -29,6 +30,12 @@ struct SlotPlan {
   std::size_t key_cell = kNoCell;  // of a link field
   PopupNames popups;
 };
+
+// What an export or a list of refused rows adds of its own.
+bool isPassedOver(const std::vector<std::string_view>& header, std::size_t cell) {
+  return (cell + 1 == header.size() && header[cell] == kReasonColumn) ||
+         (cell == 0 && header[cell] == kRecordIdColumn);
+}
 
 class Importer {
  public:
@@ -102,7 +109,7 @@ std::optional<std::string> Importer::plan(const std::vector<std::string_view>& h
   for (std::size_t i = 0; i < header.size(); ++i) {
     const TableColumn* column = columnNamed(header[i]);
     if (column == nullptr) {
-      if (i + 1 == header.size() && header[i] == kReasonColumn) break;
+      if (isPassedOver(header, i)) continue;
       return unknownColumn(header[i]);
     }
     if (!cells.emplace(column, i).second) {

@@ -1,11 +1,32 @@
 #include "interchange/table_rows.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "engine/packed_record.h"
 
 namespace tabelion {
+namespace {
 
-TableRows::TableRows(const Database& database, const TextEncoding& encoding)
-    : database_(database), encoding_(encoding), columns_(tableColumns(database.schema, encoding)) {
+std::vector<TableColumn> chosenColumns(const DatabaseRecord& schema, const TextEncoding& encoding,
+                                       std::span<const int> slots) {
+  const std::vector<TableColumn> all = tableColumns(schema, encoding);
+  if (slots.empty()) return all;
+  std::vector<TableColumn> chosen;
+  for (const int slot : slots) {
+    std::copy_if(all.begin(), all.end(), std::back_inserter(chosen),
+                 [slot](const TableColumn& column) { return column.slot == slot; });
+  }
+  return chosen;
+}
+
+}  // namespace
+
+TableRows::TableRows(const Database& database, const TextEncoding& encoding,
+                     std::span<const int> slots)
+    : database_(database),
+      encoding_(encoding),
+      columns_(chosenColumns(database.schema, encoding, slots)) {
   int last_slot = -1;
   for (const TableColumn& column : columns_) {
     const auto slot = static_cast<std::size_t>(column.slot);
@@ -13,7 +34,7 @@ TableRows::TableRows(const Database& database, const TextEncoding& encoding)
                           ? PopupNames(database_.fields[slot], encoding)
                           : PopupNames());
     is_flagged_.push_back(database_.schema.fields[slot].encrypt_flag != 0);
-    last_slot = column.slot;
+    last_slot = std::max(last_slot, column.slot);
   }
   values_.resize(static_cast<std::size_t>(last_slot) + 1);
 }

@@ -1,6 +1,7 @@
 // Walks the records of a database as rows of table cells.
 #pragma once
 
+#include <span>
 #include <vector>
 
 #include "interchange/cell_text.h"
@@ -11,8 +12,10 @@ namespace tabelion {
 
 class TableRows {
  public:
-  // Both must outlive the rows.
-  TableRows(const Database& database, const TextEncoding& encoding);
+  // The columns of these fields, in their order; of all fields where none are named. Database and
+  // encoding must outlive the rows.
+  TableRows(const Database& database, const TextEncoding& encoding,
+            std::span<const int> slots = {});
 
   const std::vector<TableColumn>& columns() const { return columns_; }
   const PopupNames& popups(std::size_t column) const { return popups_[column]; }

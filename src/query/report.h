@@ -45,6 +45,9 @@ struct ReportFigures {
 ReportFigures reportFigures(const Database& database, int slot, const QuerySettings& settings,
                             const LinkFilter* link = nullptr);
 
+// The decimals of a report's figures on a field of numbers.
+int reportDecimals(const FieldDefinition& field);
+
 // The whole text with its line ends (CR LF), in the database's code page. A field of a type without
 // a report gives an empty text.
 std::string reportText(const ReportFigures& figures, const FieldDefinition& field,

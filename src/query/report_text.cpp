@@ -38,9 +38,7 @@ std::string integerLines(const ReportFigures& figures) {
 
 std::string floatLines(const ReportFigures& figures, const FieldDefinition& field,
                        const FormatSettings& formats) {
-  const int decimals = field.type == FieldType::kCalculated
-                           ? resultDecimals(storedFormula(field).result_kind)
-                           : fieldDecimals(field);
+  const int decimals = reportDecimals(field);
   return numberLines(figures.count, figures.real, "\t", [&](double value) {
     return numberText(value, decimals, formats.choices.decimal_comma);
   });
@@ -98,6 +96,11 @@ std::string timeLines(const ReportFigures& figures, const FormatSettings& format
 }
 
 }  // namespace
+
+int reportDecimals(const FieldDefinition& field) {
+  return field.type == FieldType::kCalculated ? resultDecimals(storedFormula(field).result_kind)
+                                              : fieldDecimals(field);
+}
 
 std::string reportText(const ReportFigures& figures, const FieldDefinition& field,
                        const FormatSettings& formats) {

@@ -44,8 +44,11 @@ TEST_F(Cli, DatabaseIsMadeShownExportedAndMadeAgain) {
   EXPECT_THAT(out.text, HasSubstr("category:              Privé\n"));
   EXPECT_THAT(out.text, HasSubstr("modified:              2024-02-29 12:00:00\n"));
   EXPECT_EQ(run({"info", "/C.PDB", "--json"}), 0);
-  EXPECT_EQ(json::parse(out.text)["records"], 2);
-  EXPECT_EQ(json::parse(out.text)["size"], files.bytes("/C.PDB").size());
+  const json info = json::parse(out.text);
+  EXPECT_EQ(info["records"], 2);
+  EXPECT_EQ(info["code_page"], "the user's");
+  EXPECT_TRUE(info["created"].is_null()) << "the placeholder of every new database";
+  EXPECT_EQ(info["size"], files.bytes("/C.PDB").size());
   EXPECT_EQ(run({"check", "/C.PDB"}), 0) << out.text;
 
   EXPECT_EQ(run({"schema", "/C.PDB"}), 0);

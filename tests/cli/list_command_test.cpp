@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 
+#include <nlohmann/json.hpp>
+
 #include "cli/text_table.h"
 #include "cli_run.h"
 
@@ -50,7 +52,7 @@ TEST_F(ListCommand, ShowsTheColumnsAndRecordsThatTheWindowWould) {
             "1,Sea,Zoë,12.5,2024-05-17,1\n");
   EXPECT_EQ(listed({"--filter", "Day >= 2024-03-01", "--filter", "or Sum = -3", "--sort", "Name",
                     "--json"}),
-            "{\"schema_version\": 1,\n\"records\": [\n"
+            "{\"schema_version\": 2,\n\"records\": [\n"
             "{\"record\":2,\"values\":{\"Kind\":\"Land\",\"Name\":\"Anna\",\"Sum\":-3,\"Day\":null,"
             "\"Done\":false}},\n"
             "{\"record\":1,\"values\":{\"Kind\":\"Sea\",\"Name\":\"Zoë\",\"Sum\":12.5,\"Day\":"
@@ -82,7 +84,7 @@ TEST_F(ListCommand, TheFilterOfTheDatabaseIsSetShownAndCleared) {
 
   ASSERT_EQ(run({"filter", "/T.PDB", "--clear"}), 0);
   ASSERT_EQ(run({"filter", "/T.PDB", "--json"}), 0);
-  EXPECT_EQ(out.text, "{\n  \"schema_version\": 1,\n  \"conditions\": []\n}\n");
+  EXPECT_EQ(out.text, "{\n  \"schema_version\": 2,\n  \"conditions\": []\n}\n");
   EXPECT_EQ(run({"check", "/T.PDB"}), 0) << out.text;
 }
 
@@ -125,6 +127,46 @@ TEST(TextTable, AlignsByTheRoomThatCharactersTake) {
                            pad + "   5  a b\n" + wide + wide + "      " + wide +
                            std::string(19, 'x') + "…\n" + wide + std::string(19, 'x') + "…   3  " +
                            std::string(39, '.') + "…\n");
+}
+
+TEST_F(ListCommand, RecordsHaveIdsThatNeverChange) {
+  listed({"--id", "--json"});
+  const auto anna = nlohmann::json::parse(out.text)["records"][1];
+  const std::string id = anna["id"];
+  EXPECT_EQ(id.size(), 28u);
+  files.put("/sesame", std::string("sesame"));
+  // Enciphered, changed and sorted, it is the same record.
+  ASSERT_EQ(run({"encrypt", "/T.PDB", "--keep", "by-record", "--password-file", "/sesame"}), 0)
+      << err.text;
+  ASSERT_EQ(run({"set", "/T.PDB", id, "Sum=7", "--json"}), 0) << err.text;
+  EXPECT_EQ(nlohmann::json::parse(out.text)["id"], id);
+  ASSERT_EQ(run({"sort", "/T.PDB", "--by", "Name"}), 0);
+  EXPECT_THAT(listed({"--id", "--csv", "--fields", "sum,Memo"}),
+              ::testing::StartsWith("record,id,Sum,Memo\n1," + id + ",7,m\n"));
+  EXPECT_THAT(listed({"--id", "--limit", "1"}), HasSubstr("1  " + id + "  Land"));
+  ASSERT_EQ(run({"export", "/T.PDB", "--format", "json", "--id", "--fields", "Name"}), 0);
+  EXPECT_THAT(out.text, HasSubstr("{\"(id)\":\"" + id + "\",\"Name\":\"Anna\"}"));
+  ASSERT_EQ(run({"export", "/T.PDB", "--format", "csv", "--id", "--fields", "Name", "--filter",
+                 "Name contains nn"}),
+            0);
+  EXPECT_EQ(out.text, "(id),Name\n" + id + ",Anna\n");
+  files.put("/again.csv", out.text);
+  EXPECT_EQ(run({"import", "/T.PDB", "/again.csv"}), 0) << "passes the ids over: " << err.text;
+  EXPECT_EQ(run({"delete", "/T.PDB", id, "--yes"}), 0) << err.text;
+  EXPECT_EQ(run({"delete", "/T.PDB", id, "--yes"}), 7);
+  EXPECT_THAT(err.text, HasSubstr("no record has the id " + id));
+  EXPECT_EQ(run({"list", "/T.PDB", "--fields", "Name,name"}), 7);
+  EXPECT_THAT(err.text, HasSubstr("\"Name\" is given more than once"));
+}
+
+TEST_F(ListCommand, TextsThatLookLikeFormulasAreMadeHarmlessWhenAsked) {
+  createFrom("/F.PDB", R"({"fields": [{"name": "=Name", "type": "text"},
+                           {"name": "N", "type": "float"}]})",
+             "=Name,N\n\"=HYPERLINK(\"\"x\"\",1)\",-5\n@a,1\nb=c,-1\n");
+  EXPECT_EQ(run({"export", "/F.PDB", "--format", "csv", "--safe-csv"}), 0);
+  EXPECT_EQ(out.text, "'=Name,N\n\"'=HYPERLINK(\"\"x\"\",1)\",-5\n'@a,1\nb=c,-1\n");
+  EXPECT_EQ(run({"list", "/F.PDB", "--csv", "--safe-csv", "--limit", "1", "--fields", "=Name"}), 0);
+  EXPECT_EQ(out.text, "record,'=Name\n1,\"'=HYPERLINK(\"\"x\"\",1)\"\n");
 }
 
 }  // namespace

@@ -56,7 +56,7 @@ TEST_F(Recalc, SavesOnlyWhatChanged) {
   // Results are stored with the user's decimal sign.
   WriteNumberSetting(settings, Setting::kDecimalComma, 1);
   EXPECT_EQ(run({"recalc", "/S.PDB", "--json"}), 0) << err.text;
-  EXPECT_EQ(json::parse(out.text), json::parse(R"({"schema_version": 1, "records_changed": 2,
+  EXPECT_EQ(json::parse(out.text), json::parse(R"({"schema_version": 2, "records_changed": 2,
     "values_changed": 4, "records_outside_filter": 0, "corrupt_formulas": []})"));
   EXPECT_EQ(files.replaces, replaced + 1);
   EXPECT_EQ(run({"recalc", "/S.PDB"}), 0) << err.text;

@@ -105,10 +105,15 @@ TEST_F(ViewCommandTest, ReportsAreInTheUsersFormatsAndJsonIsNot) {
   EXPECT_EQ(run({"report", "/T.PDB", "cost"}), 0) << err.text;
   EXPECT_THAT(out.text, EndsWith("Average:\n\t11,00\n"));
   EXPECT_EQ(run({"report", "/T.PDB", "cost", "--json"}), 0);
-  EXPECT_EQ(out.text.substr(0, 24), "{\n  \"schema_version\": 1,");
+  EXPECT_EQ(out.text.substr(0, 24), "{\n  \"schema_version\": 2,");
   const json figures = json::parse(out.text);
   EXPECT_EQ(figures["sum"], 33);
   EXPECT_EQ(figures["reported_as"], "float");
+  createFrom("/R.PDB", R"({"fields": [{"name": "F", "type": "float", "decimals": 2}]})",
+             "F\n0.1\n0.2\n0.2\n");
+  ASSERT_EQ(run({"report", "/R.PDB", "F", "--json"}), 0);
+  EXPECT_THAT(out.text, HasSubstr("\"sum\": 0.5,"));
+  EXPECT_THAT(out.text, HasSubstr("\"average\": 0.17\n"));
   EXPECT_EQ(run({"report", "/T.PDB", "Paid", "--json"}), 0);
   EXPECT_EQ(json::parse(out.text)["not_checked"], 1);
   EXPECT_EQ(run({"report", "/T.PDB", "Ort"}), 7);

@@ -52,10 +52,11 @@ class Table : public ::testing::Test {
   std::string exported(TableFormat format = TableFormat::kCsv) {
     StringSink sink;
     OutputBuffer out(sink);
-    EXPECT_TRUE(exportTable(database, encoding, format, "T", out, {}).is_written);
+    EXPECT_TRUE(exportTable(database, encoding, format, "T", choice, out, {}).is_written);
     return sink.text;
   }
   ImportForm form;
+  ExportChoice choice;
   Bytes stored(std::uint32_t record, int slot) {
     const auto value = slotValue(database.records[record].bytes(), slot);
     return value ? Bytes(value->begin(), value->end()) : Bytes{0xEE};
@@ -285,7 +286,7 @@ TEST_F(Table, FailedOutputIsToldAndEndsTheWork) {
   StringSink sink;
   sink.fails = true;
   OutputBuffer out(sink);
-  EXPECT_FALSE(exportTable(database, encoding, TableFormat::kCsv, "T", out, {}).is_written);
+  EXPECT_FALSE(exportTable(database, encoding, TableFormat::kCsv, "T", choice, out, {}).is_written);
 }
 
 std::string cellsOf(CsvReader& reader) {

@@ -5,6 +5,7 @@
 #include "screens/kit/screen_numbers.h"
 #include "screens/program/ask_password.h"
 #include "services/file_names.h"
+#include "services/save_database.h"
 #include "services/screen_text.h"
 
 namespace tabelion {
