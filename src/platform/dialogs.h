@@ -140,6 +140,8 @@ class Control {
   virtual void setFontPixels(int pixels) = 0;  // label font height; 0 = the dialog's
   virtual void focus() = 0;
   virtual bool hasFocus() const = 0;
+  // Of an edit of one line, so that typing replaces it. Arriving there by keys selects as well.
+  virtual void selectText() = 0;
 };
 
 struct ListColumn {

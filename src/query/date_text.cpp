@@ -11,6 +11,8 @@ namespace {
 
 constexpr int kPivotYear = 6;  // two-digit years below it are 20xx, from it on 19xx
 constexpr std::string_view kNoDateWord = "no date";
+constexpr std::size_t kYearDigits = 4;
+constexpr CalendarDate kDayZero{};
 
 void appendPart(std::string& into, DatePart part, const CalendarDate& date) {
   switch (part) {
@@ -77,6 +79,43 @@ int clampedPart(std::string_view token, int most) {
   return value >= 1 && value <= most ? static_cast<int>(value) : 1;
 }
 
+std::string_view trimmed(std::string_view text) {
+  while (text.starts_with(' ')) text.remove_prefix(1);
+  while (text.ends_with(' ')) text.remove_suffix(1);
+  return text;
+}
+
+// A separator behind the last part is how dates are written where it is a dot.
+DateTokens withoutBlanks(const DateTokens& tokens) {
+  std::string_view rest = tokens.rest;
+  if (!rest.empty()) rest = trimmed(rest.substr(1));
+  return {trimmed(tokens.month), trimmed(tokens.day), trimmed(tokens.year), rest};
+}
+
+// A month or day that is missing is the first, a missing year the first of its century. None when
+// what is there is no date from 1904 on.
+std::optional<CalendarDate> dateOfParts(const DateTokens& tokens) {
+  const auto isNumber = [](std::string_view token, std::size_t digits) {
+    return token.empty() || isDigits(token, digits);
+  };
+  const bool nothing = tokens.month.empty() && tokens.day.empty() && tokens.year.empty();
+  if (nothing || !tokens.rest.empty() || !isNumber(tokens.month, 2) || !isNumber(tokens.day, 2) ||
+      !isNumber(tokens.year, kYearDigits)) {
+    return std::nullopt;
+  }
+  const auto part = [](std::string_view token) {
+    return token.empty() ? 1 : static_cast<int>(leadingInteger(token));
+  };
+  CalendarDate date{part(tokens.month), part(tokens.day)};
+  const std::int64_t year = leadingInteger(tokens.year);
+  date.year = tokens.year.size() == kYearDigits ? static_cast<int>(year) : fullYear(year);
+  if (date.month < 1 || date.month > 12 || date.year < kFirstYear || date.day < 1 ||
+      date.day > monthLength(date.month, date.year)) {
+    return std::nullopt;
+  }
+  return date;
+}
+
 }  // namespace
 
 void appendDate(std::string& into, const CalendarDate& date, const DatePattern& pattern) {
@@ -118,18 +157,32 @@ CalendarDate dateOfText(std::string_view text, const FormatSettings& settings) {
 std::optional<CalendarDate> exactDateOfText(std::string_view text, const FormatSettings& settings) {
   if (text.empty() || text == kNoDateText) return CalendarDate{};
   const DateTokens tokens = splitDate(text, settings);
-  if (!isDigits(tokens.month, 2) || !isDigits(tokens.day, 2) || !isDigits(tokens.year, 4) ||
-      !tokens.rest.empty()) {
+  if (tokens.year.size() != kYearDigits || tokens.month.empty() || tokens.day.empty()) {
     return std::nullopt;
   }
-  const CalendarDate date{static_cast<int>(leadingInteger(tokens.month)),
-                          static_cast<int>(leadingInteger(tokens.day)),
-                          fullYear(leadingInteger(tokens.year))};
-  if (date.month < 1 || date.month > 12 || date.year < kFirstYear || date.day < 1 ||
-      date.day > monthLength(date.month, date.year)) {
-    return std::nullopt;
+  const auto date = dateOfParts(tokens);
+  return date == kDayZero ? std::nullopt : date;  // it would be shown as no date
+}
+
+std::optional<CalendarDate> understoodDateOfText(std::string_view text,
+                                                 const FormatSettings& settings) {
+  if (text.empty() || containsAnyCase(text, kNoDateWord)) return CalendarDate{};
+  const DateTokens tokens = splitDate(text, settings);
+  if (auto date = dateOfParts(withoutBlanks(tokens))) return date;
+  for (const char separator : {'-', '/', '.'}) {
+    const TypedTokens typed = splitTyped(text, separator);
+    const auto& [year, month, day] = typed.tokens;
+    if (year.size() == kYearDigits && !day.empty()) {
+      return dateOfParts({month, day, year, typed.rest});
+    }
   }
-  return date;
+  return std::nullopt;
+}
+
+std::string exampleDate(const FormatSettings& settings) {
+  std::string text;
+  appendDate(text, CalendarDate{12, 31, 2025}, settings.edit_date);
+  return text;
 }
 
 }  // namespace tabelion

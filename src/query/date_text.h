@@ -32,8 +32,18 @@ std::string dateText(std::uint32_t days, const FormatSettings& settings);
 CalendarDate dateOfText(std::string_view text, const FormatSettings& settings);
 
 // The date that a text is just as it stands: three numbers in the order of the user's choice and
-// nothing else, a day that the month has, a year from 1904 to 9999, or no date; none for any other
-// text. For input that nobody looks at again, where a clamped date would go unnoticed.
+// nothing else, a day that the month has, a year from 1904 to 9999 in four digits, or no date; none
+// for any other text. For input that nobody looks at again, where another date would go unnoticed.
 std::optional<CalendarDate> exactDateOfText(std::string_view text, const FormatSettings& settings);
+
+// The date that somebody means who will see it before it is stored: an exact date; one of which
+// parts are missing or whose year has two digits, as dateOfText reads it; or a year in four digits,
+// month and day with any separator, whatever the user's choice. None where a part is left over, is
+// no number, or is no month or day that there is: then a guess would be another date.
+std::optional<CalendarDate> understoodDateOfText(std::string_view text,
+                                                 const FormatSettings& settings);
+
+// A date as it is typed by the user's choice, for a sentence about one that was not understood.
+std::string exampleDate(const FormatSettings& settings);
 
 }  // namespace tabelion

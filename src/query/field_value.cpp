@@ -136,19 +136,19 @@ Refusal putCheckBox(Bytes& into, std::string_view text) {
 
 std::optional<std::uint32_t> daysOfText(const Input& input) {
   const std::string_view text = withoutBlanks(input.text);
-  std::optional<CalendarDate> date = exactDateOfText(text, input.settings);
-  if (!date && input.care == InputCare::kPerson) date = dateOfText(text, input.settings);
-  if (!date || date->year < kFirstYear || date->year > kLastYear) return std::nullopt;
+  const auto date = input.care == InputCare::kPerson ? understoodDateOfText(text, input.settings)
+                                                     : exactDateOfText(text, input.settings);
+  if (!date) return std::nullopt;
   return daysSince1904(date->month, date->day, date->year);
 }
 
-Refusal refusedDate() {
-  return refused("is not a date from 1904 to 9999");
+Refusal refusedDate(const Input& input) {
+  return refused("is not a date from 1904 to 9999 like " + exampleDate(input.settings));
 }
 
 Refusal putDate(Bytes& into, const Input& input) {
   const auto days = daysOfText(input);
-  if (!days) return refusedDate();
+  if (!days) return refusedDate(input);
   putLittle(into, *days);
   return std::nullopt;
 }
@@ -164,10 +164,11 @@ Refusal putTime(Bytes& into, const Input& input) {
     put(0, 0, kNoTimeHour);
     return std::nullopt;
   }
-  const TypedTime time = timeOfText(text, input.settings);
-  if (time.result != kParseAccepted ||
-      (input.care == InputCare::kFile && !isExactTime(text, input.settings))) {
-    return refused("is not a time");
+  const bool exact = isExactTime(text, input.settings);
+  const TypedTime time =
+      exact ? timeOfText(text, input.settings) : understoodTimeOfText(text, input.settings);
+  if (time.result != kParseAccepted || (input.care == InputCare::kFile && !exact)) {
+    return refused("is not a time like " + exampleTime(input.settings));
   }
   const bool same =
       !input.previous.empty() && before.hour == time.hour && before.minute == time.minute;
@@ -204,7 +205,7 @@ Refusal putResult(Bytes& into, const Input& input) {
     case ResultMeaning::kDate: {
       if (withoutBlanks(input.text).empty()) return std::nullopt;
       const auto days = daysOfText(input);
-      if (!days) return refusedDate();
+      if (!days) return refusedDate(input);
       putTerminated(into, std::to_string(*days));
       return std::nullopt;
     }

@@ -12,9 +12,10 @@
 
 namespace tabelion {
 
-// Who sees the result. A person who typed "0/40/2010" sees in the form what became of it, so dates
-// are clamped as they always were; nobody looks at a date in a file of 60,000 rows, so there a
-// date or time that is not one as it stands is refused.
+// Who sees the result. A person may type "1/2/26" or "17:05" on the 12-hour clock, and is shown
+// what was understood before it is stored: that is the caller's part. Nobody looks at a date in a
+// file of 60,000 rows, so there a date or time that is not one as it stands is refused. What a
+// person typed and a file may hold needs no showing.
 enum class InputCare { kPerson, kFile };
 
 // The value bytes of `text` for a field, or an Error whose text is the end of a sentence about the

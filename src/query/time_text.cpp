@@ -46,6 +46,35 @@ bool isNumberUpTo(std::string_view token, int most) {
   return isDigits(token, 2) && leadingInteger(token) <= most;
 }
 
+enum class HalfOfDay { kUnsaid, kMorning, kAfternoon, kUnknown };
+
+// What stands behind the numbers of a time. Dots and blanks in it say nothing.
+HalfOfDay halfOfDay(std::string_view word, const FormatSettings& settings) {
+  const auto plain = [](std::string_view text) {
+    std::string letters;
+    for (const char c : text) {
+      if (c != '.' && c != ' ') letters.push_back(lowerCase(c));
+    }
+    return letters;
+  };
+  const std::string said = plain(word);
+  const auto is = [&](std::string_view designator) {
+    return !designator.empty() && said == plain(designator);
+  };
+  if (said.empty()) return HalfOfDay::kUnsaid;
+  if (is("a") || is("am") || is(settings.show_time.morning)) return HalfOfDay::kMorning;
+  if (is("p") || is("pm") || is(settings.show_time.afternoon)) return HalfOfDay::kAfternoon;
+  return HalfOfDay::kUnknown;
+}
+
+// The hour of the day that an hour is which was typed; -1 when there is none.
+int hourOfDay(int hour, HalfOfDay half, bool twelve_hours) {
+  if (hour > 23 || half == HalfOfDay::kUnknown) return -1;
+  if (half == HalfOfDay::kMorning) return hour > kNoon ? -1 : hour % kNoon;
+  if (half == HalfOfDay::kAfternoon) return hour > kNoon ? hour : hour % kNoon + kNoon;
+  return twelve_hours && hour == kNoon ? 0 : hour;
+}
+
 }  // namespace
 
 TimeValue timeOfValue(ByteView value) {
@@ -140,6 +169,34 @@ bool isExactTime(std::string_view text, const FormatSettings& settings) {
   const auto& [hour, minute, second] = typed.tokens;
   return isNumberUpTo(hour, form.twelve_hours ? kNoon : 23) && isNumberUpTo(minute, 59) &&
          (second.empty() || isNumberUpTo(second, 59)) && typed.rest.empty();
+}
+
+TypedTime understoodTimeOfText(std::string_view text, const FormatSettings& settings) {
+  if (text.empty() || containsAnyCase(text, kNoTimeWord)) return {kParseAccepted, kNoTimeHour};
+  const std::size_t end = text.find_last_of("0123456789") + 1;  // 0 where there is no digit
+  const std::string_view numbers = text.substr(0, end);
+  const std::size_t separator = numbers.find_first_of(":.,");
+  const TypedTokens typed =
+      splitTyped(numbers, separator == std::string_view::npos ? ':' : numbers[separator]);
+  const auto& [hours, minutes, seconds] = typed.tokens;
+  const auto isPart = [](std::string_view token) {
+    return token.empty() || isNumberUpTo(token, 59);
+  };
+  if (!isDigits(hours, 2) || !isPart(minutes) || !isPart(seconds) || !typed.rest.empty()) {
+    return {kParseRefused};
+  }
+  const bool twelve_hours = typedTimeForm(settings.choices.time_format).twelve_hours;
+  const int hour = hourOfDay(static_cast<int>(leadingInteger(hours)),
+                             halfOfDay(text.substr(end), settings), twelve_hours);
+  if (hour < 0) return {kParseRefused};
+  return {kParseAccepted, hour, static_cast<int>(leadingInteger(minutes)),
+          seconds.empty() ? -1 : static_cast<int>(leadingInteger(seconds))};
+}
+
+std::string exampleTime(const FormatSettings& settings) {
+  std::string text;
+  appendTime(text, TimeValue{0, 5, 17}, settings.edit_time);
+  return text;
 }
 
 }  // namespace tabelion

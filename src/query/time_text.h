@@ -55,4 +55,14 @@ TypedTime timeOfText(std::string_view text, const FormatSettings& settings);
 // numbers in range, on the 12-hour clock with a designator behind them, or no time.
 bool isExactTime(std::string_view text, const FormatSettings& settings);
 
+// The time that somebody means who will see it before it is stored: numbers with one separator,
+// whichever it is, and at most a designator ("a", "am", "a.m." and the same with p, in any case, or
+// the locale's own). Without one the user's clock is meant, on which 12 is midnight and 13 to 23
+// are hours of the afternoon; missing minutes are 0. Refused where anything is left over or is no
+// hour, minute or second.
+TypedTime understoodTimeOfText(std::string_view text, const FormatSettings& settings);
+
+// A time as it is typed by the user's choice, for a sentence about one that was not understood.
+std::string exampleTime(const FormatSettings& settings);
+
 }  // namespace tabelion

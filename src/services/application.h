@@ -102,6 +102,8 @@ struct Application {
   bool record_screen_active = false;         // a screen above the chooser is open
   std::vector<OpenDialog> open_dialogs;      // above the chooser, the top one last
   Closing closing = Closing::kNo;
+  // What was typed and could not be stored when nobody was there to be asked, a line each.
+  std::vector<std::u16string> not_stored;
   // How a save asks about a file that another program has changed; shows the question in a dialog.
   // Without it, and when nobody can be asked, both are kept.
   std::function<ChangedFileChoice(const std::string& path)> ask_changed_file;

@@ -39,6 +39,7 @@ enum class Setting {
   kTimeFormat,
   kDecimalComma,
   kCodePage,
+  kNotStored,
 };
 
 struct SettingRow {
@@ -104,6 +105,8 @@ inline constexpr SettingRow kSettingTable[] = {
     {Setting::kDecimalComma, SettingsRoot::kUser, kProgramKey, "DecimalComma", 10},
     // name of the code page of databases that carry none of their own ("CP1252")
     {Setting::kCodePage, SettingsRoot::kUser, kProgramKey, "CodePage", 40},
+    // what was typed and not stored at the end of a session, a line each; told at the next start
+    {Setting::kNotStored, SettingsRoot::kUser, kProgramKey, "NotStored", 4096},
 };
 
 // `number` is that of a setting that is one of many.

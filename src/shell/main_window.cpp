@@ -9,6 +9,7 @@
 #include "services/file_management.h"
 #include "services/message.h"
 #include "services/modal.h"
+#include "services/not_stored.h"
 #include "services/save_database.h"
 #include "services/setting_table.h"
 
@@ -80,6 +81,7 @@ void MainWindow::Start(Dialog& dialog) {
   app_.restart_auto_save();
   NameRescuedDatabases(app_);
   app_.record_screen_active = false;
+  if (!session_ends_) TellNotStored(app_);
   if (!session_ends_) CarryOut(dialog, start_.request);
 }
 

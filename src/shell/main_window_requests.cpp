@@ -6,6 +6,7 @@
 #include "screens/records/record_list.h"
 #include "services/message.h"
 #include "services/modal.h"
+#include "services/not_stored.h"
 #include "services/screen_text.h"
 #include "shell/main_window.h"
 
@@ -98,6 +99,7 @@ void MainWindow::AfterDialog(Dialog& dialog) {
   const Closing why = std::exchange(app_.closing, Closing::kNo);
   const std::string next = std::exchange(open_next_, {});
   if (session_ends_) return dialog.end(0);
+  if (!app_.not_stored.empty()) TellNotStored(app_);
   if (why == Closing::kForAnother && !next.empty()) OpenDatabase(dialog, next);
 }
 

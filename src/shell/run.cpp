@@ -3,6 +3,7 @@
 #include "screens/files/changed_file.h"
 #include "screens/files/closing_questions.h"
 #include "services/application.h"
+#include "services/not_stored.h"
 #include "services/open_database.h"
 #include "shell/main_window.h"
 
@@ -23,6 +24,7 @@ int RunTabelion(Platform& platform, const StartOptions& options, const AlarmStep
   platform.instance.listen({});
   if (window.SessionEnds()) app.closing = Closing::kSessionEnds;
   CloseAllDatabases(app, AskWhenClosing(app));
+  KeepNotStored(app);
   return 0;
 }
 

@@ -159,6 +159,7 @@ void KeysTest::focusGoesThroughEveryUsableControl() {
   endOnDone(handler);
   handler.init = [](Dialog& dialog) { dialog.setContentHeight(9 * 60); };
   std::vector<int> order;
+  const auto selected = [](QWidget* box) { return qobject_cast<QLineEdit*>(box)->selectedText(); };
   Script script(dialogs);
   const auto note = [&] {
     for (const auto& control : script.screen()->controls()) {
@@ -169,9 +170,10 @@ void KeysTest::focusGoesThroughEveryUsableControl() {
       QVERIFY(script.screen()->rect().contains(seen));
     }
   };
-  script.then(note);
+  script.then(note).then([&] { QCOMPARE(selected(script.widget(1)), ""); });
   for (int i = 0; i < 5; ++i) script.key(Qt::Key_Down).then(note);
   script.key(Qt::Key_Down).then(note);  // out of the second line, round the end
+  script.then([&] { QCOMPARE(selected(script.widget(1)), "a"); });  // typing would replace it
   script.key(Qt::Key_Up).then(note).key(Qt::Key_Backtab).then(note);
   script.then([&] { script.screen()->control(5).focus(); }).key(Qt::Key_Space).key(Qt::Key_Enter);
   script.then([&] { script.screen()->control(6).focus(); }).key(Qt::Key_Return);

@@ -64,9 +64,53 @@ TEST(DateText, ExactDatesHaveNothingToClamp) {
   for (const char* exact : {"2031-5-9", "2032-02-29", "1904-01-02", "9999-12-31", "", "NO DATE"}) {
     EXPECT_EQ(exactDateOfText(exact, settings), dateOfText(exact, settings)) << exact;
   }
-  for (const char* other : {"2031-13-9", "2031-2-29", "2031-5", "31/5/2009", "1903-12-31",
-                            "2031-5-9-1", "2031-5-x", "10000-1-1", "no date"}) {
+  for (const char* other :
+       {"2031-13-9", "2031-2-29", "2031-5", "31/5/2009", "1903-12-31", "2031-5-9-1", "2031-5-x",
+        "10000-1-1", "no date", "31-5-9", "2031", "1904-01-01"}) {
     EXPECT_FALSE(exactDateOfText(other, settings)) << other;
+  }
+}
+
+TEST(DateText, UnderstoodDatesAreMeantOrRefused) {
+  struct Case {
+    int format;
+    const char* typed;
+    const char* shown;  // empty: refused
+  };
+  const Case cases[] = {
+      {0, "12/31/1999", "12/31/1999"},
+      {0, "1/2/26", "1/2/1926"},
+      {0, "7", "7/1/2000"},
+      {0, "3/4/", "3/4/2000"},
+      {0, "1999-12-31", "12/31/1999"},
+      {0, " 1 / 2 / 2005", "1/2/2005"},
+      {0, "still No Date", "NO DATE"},
+      {2, "31.12.1999", "31.12.1999"},
+      {2, "31. 12. 99.", "31.12.1999"},
+      {2, "31.12.", "31.12.2000"},
+      {2, "1999.12.31", "31.12.1999"},
+      {4, "2032/02/29", "2032/2/29"},
+      {0, "31.12.1999", ""},
+      {0, "31/12/1999", ""},
+      {0, "2/30/2000", ""},
+      {0, "0/40/2010", ""},
+      {0, "3.4.1999", ""},
+      {0, "tomorrow", ""},
+      {0, "1/2/2005x", ""},
+      {0, "1/2/2005/6", ""},
+      {0, "1/-2/2005", ""},
+      {0, "1/1/1850", ""},
+      {0, "1999-12-31T10:00", ""},
+      {0, "/", ""},
+      {2, "31/12/1999", ""},
+      {6, "1999-13-01", ""},
+  };
+  for (const auto& [format, typed, expected] : cases) {
+    const FormatSettings settings = chosen(format);
+    const auto date = understoodDateOfText(typed, settings);
+    std::string text;
+    if (date) appendDate(text, *date, settings.edit_date);
+    EXPECT_EQ(text, expected) << typed << " by choice " << format;
   }
 }
 

@@ -76,19 +76,21 @@ TEST(FieldValue, RefusesWhatDoesNotFit) {
   for (const char* number : {"abc", ".", "1.2.3", "1,5", "inf", "12345678901234567", "1 2"}) {
     EXPECT_FALSE(Form(FieldType::kFloat).typed(number).ok()) << number;
   }
-  EXPECT_EQ(reason(Form(FieldType::kTime).typed("13:75PM")), "is not a time");
-  EXPECT_EQ(reason(Form(FieldType::kDate).typed("1/1/1850")), "is not a date from 1904 to 9999");
+  EXPECT_EQ(reason(Form(FieldType::kTime).typed("13:75PM")), "is not a time like 5:05:00PM");
+  EXPECT_EQ(reason(Form(FieldType::kDate).typed("1/1/1850")),
+            "is not a date from 1904 to 9999 like 12/31/2025");
   EXPECT_FALSE(Form(FieldType::kCheckBox).typed("2").ok());
   for (const FieldType type :
        {FieldType::kUnused, FieldType::kSeparator, FieldType::kLookup, FieldType::kExternal}) {
     EXPECT_FALSE(Form(type).typed("x").ok()) << codeOf(type);
   }
-  // A person sees what became of a date; a file's is taken as it stands or not at all.
-  EXPECT_TRUE(Form(FieldType::kDate).typed("0/40/2010").ok());
-  EXPECT_EQ(reason(Form(FieldType::kDate).typed("0/40/2010", InputCare::kFile)),
-            "is not a date from 1904 to 9999");
-  EXPECT_TRUE(Form(FieldType::kTime).typed("x").ok());
-  EXPECT_EQ(reason(Form(FieldType::kTime).typed("x", InputCare::kFile)), "is not a time");
+  // A person sees what is understood; a file's date is taken as it stands or not at all.
+  EXPECT_TRUE(Form(FieldType::kDate).typed("1/2/05").ok());
+  EXPECT_TRUE(Form(FieldType::kTime).typed("17:05").ok());
+  for (const char* text : {"1/2/05", "0/40/2010", "2005-01-02", "x"}) {
+    EXPECT_FALSE(Form(FieldType::kDate).typed(text, InputCare::kFile).ok()) << text;
+  }
+  EXPECT_FALSE(Form(FieldType::kTime).typed("17:05", InputCare::kFile).ok());
 }
 
 TEST(FieldValue, PopupsTakeTheFirstItemOfTheText) {

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "query/date_text.h"
 #include "query_fixtures.h"
 
@@ -71,6 +73,54 @@ TEST(TimeText, SecondsCountOnlyWhenTheyAreThere) {
   EXPECT_TRUE(isExactTime("1:20:05AM", chosen(0)));
   EXPECT_FALSE(isExactTime("13:20PM", chosen(0)));
   EXPECT_FALSE(isExactTime("1:20", chosen(0)));
+}
+
+TEST(TimeText, UnderstoodTimesAreMeantOrRefused) {
+  LocaleInfo greek = localeOf("M/d/yyyy", "/");
+  greek.morning = "\xF0.\xEC.";
+  greek.afternoon = "\xEC.\xEC.";
+  struct Case {
+    const char* typed;
+    const char* twelve_hours;  // empty: refused
+    const char* day;           // on the 24-hour clock
+  };
+  const Case cases[] = {
+      {"17:05", "5:05:00PM", "17:05:00"},
+      {"1:05 Pm", "1:05:00PM", "13:05:00"},
+      {"1:05p", "1:05:00PM", "13:05:00"},
+      {"1:05 p.m.", "1:05:00PM", "13:05:00"},
+      {"12:30", "12:30:00AM", "12:30:00"},
+      {"12:30 am", "12:30:00AM", "0:30:00"},
+      {"5 pm", "5:00:00PM", "17:00:00"},
+      {"17.05", "5:05:00PM", "17:05:00"},
+      {"7,15,09", "7:15:09AM", "7:15:09"},
+      {"1:05\xEC\xEC", "1:05:00PM", "13:05:00"},
+      {"no time", "No Time", "No Time"},
+      {"17:05 am", "", ""},
+      {"24:00", "", ""},
+      {"10:75", "", ""},
+      {"1705", "", ""},
+      {"noon", "", ""},
+      {"10:20:60", "", ""},
+      {"10:20 xm", "", ""},
+      {"1:2:3:4", "", ""},
+      {"10:2.3", "", ""},
+      {"-1:00", "", ""},
+      {"10h20", "", ""},
+  };
+  for (const auto& [typed, twelve_hours, day] : cases) {
+    for (const int format : {0, 1}) {
+      const FormatSettings settings = makeFormatSettings({0, format, false}, greek);
+      const TypedTime time = understoodTimeOfText(typed, settings);
+      std::string text;
+      if (time.result == kParseAccepted) {
+        const auto part = [](int number) { return static_cast<std::uint8_t>(number); };
+        appendTime(text, {part(std::max(0, time.second)), part(time.minute), part(time.hour)},
+                   settings.edit_time);
+      }
+      EXPECT_EQ(text, format == 0 ? twelve_hours : day) << typed;
+    }
+  }
 }
 
 TEST(TimeText, DurationsAndSeconds) {

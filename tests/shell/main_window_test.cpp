@@ -247,6 +247,20 @@ TEST_F(Chooser, EndOfTheSessionStoresWhatIsHalfTyped) {
   world.phone.while_message = [] {};
   chooser().look(hears(RequestKind::kQuit));
   run();
+
+  // What could not be stored is told at the next start, once.
+  const std::string diary = world.add("Diary", {{"On", kDate}}, {{"2024-02-29"}});
+  world.phone.at(kRecordListScreen).press(Key::kEnter);
+  world.phone.at(kEditRecordScreen).write(FormValue(0), u"5/6/26").look(hears(RequestKind::kQuit));
+  run({.open_file = diary});
+  world.phone.says(
+      u"This was typed, not understood, and not stored when the program closed the database by "
+      u"itself:\nDiary, \"On\": 5/6/26",
+      u"Message");
+  chooser().choose({u"Menu", u"Exit"});
+  run();
+  chooser().choose({u"Menu", u"Exit"});
+  run();
 }
 
 TEST_F(Chooser, QuestionThatGivesWayToAFileIsNotANo) {

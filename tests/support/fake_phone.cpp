@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace tabelion {
 namespace {
@@ -196,11 +197,16 @@ void FakeDialog::moveFocus(ControlId id) {
   if (focus_id == id) handler.onNotice(*this, id, Notice::kFocusGained);
 }
 
+void FakeDialog::arriveAt(ControlId id) {
+  moveFocus(id);
+  if (FakeControl* control = focused()) control->selectText();
+}
+
 void FakeDialog::focusNeighbour(int step) {
   const auto at = std::find(order.begin(), order.end(), focus_id);
   const int from = at == order.end() ? -1 : static_cast<int>(at - order.begin());
   for (int i = from + step; i >= 0 && i < static_cast<int>(order.size()); i += step) {
-    if (fake(order[i]).takesFocus()) return moveFocus(order[i]);
+    if (fake(order[i]).takesFocus()) return arriveAt(order[i]);
   }
 }
 
@@ -218,11 +224,13 @@ bool FakeDialog::pressInEdit(FakeControl& edit, Key key, char32_t character) {
   if (edit.face.read_only) return true;
   before.push_back(edit.text());
   std::u16string text = edit.text();
+  const bool replaces = std::exchange(edit.text_selected, false);
   if (key == Key::kBack) {
     if (text.empty()) return true;
-    text.pop_back();
+    replaces ? text.clear() : text.pop_back();
   } else {
     if (!handler.acceptsCharacter(*this, edit.face.id, character)) return true;
+    if (replaces) text.clear();
     if (character >= 0x10000) {
       text.push_back(static_cast<char16_t>(0xD800 + ((character - 0x10000) >> 10)));
       text.push_back(static_cast<char16_t>(0xDC00 + ((character - 0x10000) & 0x3FF)));
@@ -328,7 +336,7 @@ ScreenScript& ScreenScript::choose(const std::vector<std::u16string>& path) {
 ScreenScript& ScreenScript::focus(ControlId id) {
   return look([id](FakeDialog& dialog) {
     if (!dialog.fake(id).takesFocus()) dialog.phone.fail("the control takes no focus");
-    dialog.moveFocus(id);
+    dialog.arriveAt(id);
   });
 }
 ScreenScript& ScreenScript::write(ControlId id, const std::u16string& text) {

@@ -51,6 +51,7 @@ class FakeControl : public ListControl {
   void setText(const std::u16string& text) override {
     face.text = text;
     before_typing.clear();
+    text_selected = false;
   }
   bool checked() const override { return checked_; }
   void setChecked(bool checked) override { checked_ = checked; }
@@ -65,6 +66,7 @@ class FakeControl : public ListControl {
   void setFontPixels(int pixels) override { font_pixels = pixels; }
   void focus() override;
   bool hasFocus() const override;
+  void selectText() override { text_selected = face.kind == ControlKind::kEdit; }
 
   void setColumns(const std::vector<ListColumn>& columns) override;
   const std::vector<ListColumn>& columns() const override { return columns_; }
@@ -82,6 +84,7 @@ class FakeControl : public ListControl {
   ControlTemplate face;  // as the template gave it, with what was set since
   std::vector<std::u16string> choices;
   std::vector<std::u16string> before_typing;  // the texts that Undo in the box goes back to
+  bool text_selected = false;
   int font_pixels = 0;
   int scrolled = 0;
 
@@ -124,6 +127,7 @@ class FakeDialog : public Dialog {
   bool has(ControlId id) const { return controls.contains(id); }
   FakeControl* focused();
   void moveFocus(ControlId id);
+  void arriveAt(ControlId id);  // by keys
 
   // What the person at the phone does.
   void press(Key key, char32_t character = 0);

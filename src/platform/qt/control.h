@@ -54,6 +54,8 @@ class ScreenControl {
   // Uses a key that the screen's handler did not want; false leaves it to the screen.
   virtual bool takeKey(const KeyPress&) { return false; }
   virtual void applyScale();
+  // Of a box whose text is replaced by typing, when the focus arrives there by keys.
+  virtual void selectContent() {}
 
  protected:
   void moveTo(const Rect& place);
@@ -94,6 +96,7 @@ class ControlOf : public Interface, public ScreenControl {
   void setEnabled(bool enabled) override { enable(enabled); }
   void setFontPixels(int pixels) override { setFontHeight(pixels); }
   void focus() override { host().giveFocus(*this); }
+  void selectText() override { selectContent(); }
   bool hasFocus() const override { return host().hasFocus(*this); }
 };
 

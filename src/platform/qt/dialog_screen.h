@@ -100,6 +100,7 @@ class DialogScreen final : public Layer, public Dialog, private ControlHost {
   bool takeKey(ScreenControl* control, QKeyEvent* event);
   void moveFocus(int by);
   void moveFocusByPage(int by);
+  void arriveAt(ScreenControl& control);
 
   // Controls (dialog_screen_controls.cpp)
   ScreenControl* find(ControlId id) const;

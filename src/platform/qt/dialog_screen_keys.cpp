@@ -149,8 +149,14 @@ void DialogScreen::moveFocus(int by) {
   }
   for (int tried = 0; tried < count; ++tried) {
     at = (at + by + count) % count;
-    if (controls_[at]->canHaveFocus()) return giveFocus(*controls_[at]);
+    if (controls_[at]->canHaveFocus()) return arriveAt(*controls_[at]);
   }
+}
+
+// What the handler shows in the box that gains the focus is selected, not what stood there before.
+void DialogScreen::arriveAt(ScreenControl& control) {
+  giveFocus(control);
+  if (ScreenControl* there = focused()) there->selectContent();
 }
 
 // To the control that lies nearest to one screen further.
@@ -166,7 +172,7 @@ void DialogScreen::moveFocusByPage(int by) {
       nearest = control.get();
     }
   }
-  if (nearest != nullptr) giveFocus(*nearest);
+  if (nearest != nullptr) arriveAt(*nearest);
 }
 
 }  // namespace tabelion

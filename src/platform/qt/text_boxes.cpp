@@ -120,6 +120,7 @@ class EditControl final : public ControlOf<Control> {
     again ? line_->redo() : line_->undo();
     return true;
   }
+  void selectContent() override { line_->selectAll(); }
 
  private:
   QLineEdit* line_;

@@ -169,8 +169,8 @@ bool EditRecordScreen::SaveEditRecord(Dialog& dialog) {
     return true;
   }
   UnpackedRecord before = *copy_;
-  const bool now_or_never = app_.closing == Closing::kSessionEnds;
-  if (!form_.Collect(dialog, *copy_, now_or_never ? Unaccepted::kIsLeftOut : Unaccepted::kStops)) {
+  const bool alone = app_.closing == Closing::kUnattended || app_.closing == Closing::kSessionEnds;
+  if (!form_.Collect(dialog, *copy_, alone ? Unaccepted::kIsLeftOut : Unaccepted::kIsAsked)) {
     return false;
   }
   if (StoreCopy()) return true;

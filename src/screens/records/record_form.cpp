@@ -5,7 +5,6 @@
 
 #include "query/date_text.h"
 #include "query/field_text.h"
-#include "query/field_value.h"
 #include "query/time_text.h"
 #include "screens/records/form_controls.h"
 #include "screens/records/note_text.h"
@@ -61,7 +60,9 @@ void RecordForm::Show(Dialog& dialog, ByteView record, bool editable) {
   const auto first = std::find_if(fields_.begin(), fields_.end(), [](const Field& field) {
     return field.kind != ControlKind::kLabel && !field.read_only;
   });
-  if (first != fields_.end()) dialog.control(FormValue(first->row.slot)).focus();
+  if (first == fields_.end()) return;
+  dialog.control(FormValue(first->row.slot)).focus();
+  OnFocus(dialog, FormValue(first->row.slot), true);  // a screen that opens tells of no focus
 }
 
 RecordForm::Field RecordForm::MakeField(const FormRow& row, ByteView record, bool editable) const {
@@ -177,7 +178,8 @@ bool RecordForm::Changed(Dialog& dialog) const {
                      [&](const Field& field) { return IsChanged(dialog, field); });
 }
 
-Result<Bytes> RecordForm::ValueOf(Dialog& dialog, const Field& field, ByteView previous) const {
+Result<Bytes> RecordForm::ValueOf(Dialog& dialog, const Field& field, ByteView previous,
+                                  InputCare care) const {
   const Control& control = dialog.control(FormValue(field.row.slot));
   const FieldDefinition& definition = Definition(field.row.slot);
   const FieldRecord& items = Items(field.row.slot);
@@ -195,7 +197,7 @@ Result<Bytes> RecordForm::ValueOf(Dialog& dialog, const Field& field, ByteView p
   if (field.crlf) replaceAll(shown, u"\n", u"\r\n");
   const Result<std::string> text = StoredText(app_, shown);
   if (!text.ok()) return text.error();
-  return valueOfText(definition, items, *text, app_.level().formats, previous);
+  return valueOfText(definition, items, *text, app_.level().formats, previous, care);
 }
 
 bool RecordForm::Collect(Dialog& dialog, UnpackedRecord& record, Unaccepted unaccepted) {
@@ -203,19 +205,54 @@ bool RecordForm::Collect(Dialog& dialog, UnpackedRecord& record, Unaccepted unac
   for (const Field& field : fields_) {
     if (!IsChanged(dialog, field)) continue;
     auto& slot = collected.slots[static_cast<std::size_t>(field.row.slot)];
-    Result<Bytes> value = ValueOf(dialog, field, slot ? ByteView(*slot) : ByteView());
+    const ByteView previous = slot ? ByteView(*slot) : ByteView();
+    Result<Bytes> value = ValueOf(dialog, field, previous, InputCare::kFile);
+    if (!value.ok() && unaccepted == Unaccepted::kIsLeftOut) {
+      NoteNotStored(dialog, field);
+      continue;
+    }
     if (!value.ok()) {
-      if (unaccepted == Unaccepted::kIsLeftOut) continue;
-      const std::u16string name = ScreenText(app_, fieldName(Definition(field.row.slot)));
-      ShowMessage(app_, u"\"" + name + u"\" " + FromUtf8(value.error().text) + u".", u"Edit Record",
-                  MessageIcon::kExclamation);
-      dialog.control(FormValue(field.row.slot)).focus();
-      return false;
+      value = ValueOf(dialog, field, previous, InputCare::kPerson);
+      if (!value.ok() || !IsUnderstood(field, *value)) {
+        if (!value.ok()) SayRefused(field, value.error());
+        Control& control = dialog.control(FormValue(field.row.slot));
+        control.focus();
+        control.selectText();
+        return false;
+      }
     }
     slot = std::move(*value);
   }
   record = std::move(collected);
   return true;
+}
+
+std::u16string RecordForm::QuotedName(const Field& field) const {
+  return u"\"" + ScreenText(app_, fieldName(Definition(field.row.slot))) + u"\"";
+}
+
+void RecordForm::SayRefused(const Field& field, const Error& error) const {
+  ShowMessage(app_, QuotedName(field) + u" " + FromUtf8(error.text) + u".", u"Edit Record",
+              MessageIcon::kExclamation);
+}
+
+// What a date or time is stored as that was typed in another way than it is shown.
+bool RecordForm::IsUnderstood(const Field& field, const Bytes& value) const {
+  return Ask(app_,
+             QuotedName(field) + u" is understood as " + EditedText(field, value) + u". Store it?",
+             u"Edit Record") == Answer::kYes;
+}
+
+// The text stays out where the value is kept from others' eyes.
+void RecordForm::NoteNotStored(Dialog& dialog, const Field& field) const {
+  const Database& database = CurrentDatabase(app_);
+  std::u16string note =
+      ScreenText(app_, areaText(database.header.name)) + u", " + QuotedName(field);
+  if (Definition(field.row.slot).encrypt_flag == 0) {
+    const bool has_button = field.kind == ControlKind::kButton;
+    note += u": " + (has_button ? field.text : dialog.control(FormValue(field.row.slot)).text());
+  }
+  app_.not_stored.push_back(std::move(note));
 }
 
 // A number box takes digits and one decimal point; taking characters away is always possible, so
@@ -245,7 +282,7 @@ void RecordForm::OnFocus(Dialog& dialog, ControlId value_control, bool gained) {
     control.setText(field->shown);
   } else {
     const auto stored = slotValue(record_, field->row.slot);
-    const auto value = ValueOf(dialog, *field, stored.value_or(ByteView()));
+    const auto value = ValueOf(dialog, *field, stored.value_or(ByteView()), InputCare::kPerson);
     if (value.ok()) control.setText(EditedText(*field, *value));
   }
 }

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "engine/packed_record.h"
+#include "query/field_value.h"
 #include "screens/records/form_layout.h"
 #include "services/application.h"
 #include "services/modal.h"
@@ -26,8 +27,9 @@ inline constexpr ControlId FormIcon(int slot) {
   return kFirstFormIcon + slot;
 }
 
-// What a value that is not accepted does to the others.
-enum class Unaccepted { kStops, kIsLeftOut };
+// What a value does to the others that is not accepted, or that would be stored as another than the
+// text shows without anybody having seen it: it is asked about, or stays as it was.
+enum class Unaccepted { kIsAsked, kIsLeftOut };
 
 class RecordForm {
  public:
@@ -43,8 +45,9 @@ class RecordForm {
   // Whether the user changed any value since Show.
   bool Changed(Dialog& dialog) const;
   // Puts the changed values, and only those, into the record. The first value that is not accepted
-  // leaves the record as it was; it has the focus then and a message has said what is wrong. Or
-  // only such values are left as they were, and nothing is said.
+  // leaves the record as it was; it has the focus then and a message has said what is wrong, or
+  // what was understood has been answered No. Or only such values are left as they were, and what
+  // was typed is noted among what was not stored.
   bool Collect(Dialog& dialog, UnpackedRecord& record, Unaccepted unaccepted);
 
   // Refuses what a number box must not hold.
@@ -74,7 +77,12 @@ class RecordForm {
   bool IsChanged(Dialog& dialog, const Field& field) const;
   std::u16string TypedText(const Control& control, const Field& field) const;
   std::u16string EditedText(const Field& field, const Bytes& value) const;
-  Result<Bytes> ValueOf(Dialog& dialog, const Field& field, ByteView previous) const;
+  Result<Bytes> ValueOf(Dialog& dialog, const Field& field, ByteView previous,
+                        InputCare care) const;
+  std::u16string QuotedName(const Field& field) const;
+  void SayRefused(const Field& field, const Error& error) const;
+  bool IsUnderstood(const Field& field, const Bytes& value) const;
+  void NoteNotStored(Dialog& dialog, const Field& field) const;
   Field* FieldOf(ControlId value_control);
   const FieldDefinition& Definition(int slot) const;
   const FieldRecord& Items(int slot) const;

@@ -115,7 +115,7 @@ TEST_F(EditRecord, StoresExactlyTheSlotsThatChanged) {
       .tick(FormValue(kPaid))
       .pick(FormValue(kKind), u"  Hammer")
       .write(FormValue(kHour), u"1:05 pm")  // the same minute: its seconds stay
-      .write(FormValue(kDay), u"12/31/31")
+      .write(FormValue(kDay), u"12/31/1931")
       .press(Key::kUp)
       .activate(FormValue(kRemark));
   world.phone.at(kNoteScreen)
@@ -155,9 +155,9 @@ TEST_F(EditRecord, DatesAndTimesShowWhatWasUnderstood) {
       .choose({u"Done"});
   open(0);
   form()
-      .write(FormValue(kDay), u"0/40/06")
+      .write(FormValue(kDay), u"3/4/06")
       .focus(FormValue(kHour))
-      .look(day(u"1/1/1906"))
+      .look(day(u"3/4/1906"))
       .focus(FormValue(kDay))
       .write(FormValue(kDay), u"")
       .choose({u"Done"});
@@ -165,6 +165,47 @@ TEST_F(EditRecord, DatesAndTimesShowWhatWasUnderstood) {
   play();
   EXPECT_EQ(changedSlots(1), std::vector<int>{kName});
   EXPECT_EQ(text(0, kDay), "NO DATE");
+}
+
+// Whichever way the form is left, with the focus still in the box.
+TEST_F(EditRecord, NoDateIsStoredThatNobodyTypedOrSaw) {
+  const auto typed = [](const std::u16string& text) {
+    return [text](FakeDialog& d) {
+      EXPECT_EQ(d.fake(FormValue(kDay)).text(), text);
+      EXPECT_TRUE(d.fake(FormValue(kDay)).hasFocus());
+      EXPECT_TRUE(d.fake(FormValue(kDay)).text_selected);
+    };
+  };
+  const std::u16string title = u"Edit Record";
+  const std::u16string refusal = u"\"Day\" is not a date from 1904 to 9999 like 12/31/2025.";
+  open(0);
+  form().write(FormValue(kDay), u"31.12.1999").choose({u"Done"});
+  world.phone.says(refusal, title);
+  form().look(typed(u"31.12.1999")).type(u"2/30/2000").press(Key::kBack, 9).type(u"2/30/2000");
+  form().press(Key::kPageDown);
+  world.phone.says(refusal, title);
+  form().look(typed(u"2/30/2000")).type(u"5/6/26").choose({u"Menu", u"New Record"});
+  world.phone.asks(u"\"Day\" is understood as 5/6/1926. Store it?", title, MessageAnswer::kNo);
+  form().look(typed(u"5/6/26")).type(u"5/6/2026").write(FormValue(kHour), u"17:05");
+  form().press(Key::kEnter);
+  world.phone.asks(u"\"Hour\" is understood as 5:05:00PM. Store it?", title, MessageAnswer::kYes);
+  close();
+  play();
+  EXPECT_EQ(text(0, kDay), "2026-05-06");
+  EXPECT_EQ(text(0, kHour), "17:05:00");
+  EXPECT_EQ(after->records.count(), 2u);
+}
+
+TEST_F(EditRecord, TypingInABoxThatOneArrivesAtReplacesItsText) {
+  database->schema.fields[kName].type = kUnused;
+  database->schema.fields[kCount].type = kUnused;
+  open(0);
+  form().look([](FakeDialog& d) { EXPECT_FALSE(d.fake(FormValue(kPrice)).text_selected); });
+  form().type(u"1").focus(FormValue(kHour)).press(Key::kUp).type(u"12/31/2031").choose({u"Done"});
+  close();
+  play();
+  EXPECT_EQ(text(0, kPrice), "12.501");
+  EXPECT_EQ(text(0, kDay), "2031-12-31");
 }
 
 TEST_F(EditRecord, LeavingByBackSavesAndCancelDoesNot) {
@@ -190,7 +231,7 @@ TEST_F(EditRecord, RefusesWhatAFieldCannotHold) {
       .look([](FakeDialog& d) { EXPECT_EQ(d.fake(FormValue(kName)).text(), u"a€"); })
       .write(FormValue(kHour), u"13:75")
       .choose({u"Done"});
-  world.phone.says(u"\"Hour\" is not a time.", u"Edit Record");
+  world.phone.says(u"\"Hour\" is not a time like 5:05:00PM.", u"Edit Record");
   form()
       .look([](FakeDialog& dialog) {
         EXPECT_TRUE(dialog.fake(FormValue(kHour)).hasFocus());
