@@ -79,9 +79,10 @@ struct ControlTemplate {
   bool read_only = false;  // edits: shown and selectable, not changed
   bool right_aligned = false;
   bool centered = false;
-  bool masked = false;  // edits: shows an asterisk per character
-  int max_length = 0;   // edits: in UTF-16 units; 0 = no bound
-  int minimum = 0;      // spins
+  bool masked = false;       // edits: shows an asterisk per character
+  bool back_erases = false;  // edits: Escape is the Back key here as well, and takes a character
+  int max_length = 0;        // edits: in UTF-16 units; 0 = no bound
+  int minimum = 0;           // spins
   int maximum = 0;
   Picture picture = Picture::kNone;
 };
@@ -280,6 +281,9 @@ class Dialogs {
   // Dismisses every message box and menu above the topmost dialog: kOk, kNobody, no entry. False
   // when there was none.
   virtual bool dismissBoxes() = 0;
+  // What to do when the user closes the window, whatever is shown; it stays until its last dialog
+  // ends. Called on an event of its own.
+  virtual void whenWindowCloses(std::function<void()> asked) = 0;
   // Brings the window before all others. `token` is what the desktop gave for that; may be empty.
   virtual void bringToFront(const std::string& token) = 0;
 };

@@ -65,6 +65,7 @@ enum class Closing {
   kNo,
   kUnattended,   // nothing happened for a while
   kForAnother,   // the user wants another database, from outside the window
+  kLeaving,      // the user closes the window, and can be asked
   kSessionEnds,  // now or never, and nobody can be asked
 };
 

@@ -14,9 +14,9 @@ inline constexpr int kAutoCloseTimer = 10;  // of every dialog
 // A handler that can also finish by itself.
 class Screen : public DialogHandler {
  public:
-  // Saves what the dialog holds, exactly as Done would. False when that was not possible and the
-  // dialog must stay, so that nothing is lost; at the end of the session it ends all the same, so
-  // as much of it is saved as can be.
+  // Saves what the dialog holds, exactly as Done would; `app.closing` says why. False when that was
+  // not possible and the dialog must stay, so that nothing is lost; at the end of the session it
+  // ends all the same, so as much of it is saved as can be.
   virtual bool OnAutoClose(Dialog&) { return true; }
 };
 

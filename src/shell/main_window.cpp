@@ -66,6 +66,7 @@ void MainWindow::onMessage(Dialog& dialog, int message) {
 void MainWindow::Start(Dialog& dialog) {
   app_.platform.instance.listen(
       [this, &dialog](const StartRequest& request) { OnRequest(dialog, request); });
+  app_.platform.dialogs.whenWindowCloses([this, &dialog] { Leave(dialog); });
   LoadPreferences(app_.platform, app_.preferences);
   if (!start_.code_page.empty()) app_.preferences.code_page = start_.code_page;
   PrepareFormats(app_);
@@ -81,8 +82,9 @@ void MainWindow::Start(Dialog& dialog) {
   app_.restart_auto_save();
   NameRescuedDatabases(app_);
   app_.record_screen_active = false;
-  if (!session_ends_) TellNotStored(app_);
-  if (!session_ends_) CarryOut(dialog, start_.request);
+  if (session_ends_ || app_.closing == Closing::kLeaving) return;
+  TellNotStored(app_);
+  CarryOut(dialog, start_.request);
 }
 
 // False when a folder holds no database file at all.
@@ -171,7 +173,12 @@ CommandTable<MainWindow> MainWindow::Commands(Dialog& dialog) {
                              {kRefreshCommand, u"Refresh", &Self::Refresh},
                              {kAboutCommand, u"About", &Self::About},
                              {kExitCommand, u"Exit", &Self::Exit}}},
-          .keys = {{kBackCommand, {}, &Self::Exit}}};
+          .keys = {{kBackCommand, {}, &Self::Back}}};
+}
+
+// One press too many on the way out of a database must not end the program.
+void MainWindow::Back(Dialog& dialog) {
+  if (Ask(app_, u"Do you want to leave Tabelion?", u"QUESTION") == Answer::kYes) dialog.end(0);
 }
 
 void MainWindow::ChooseCategory(Dialog& dialog, const std::u16string& category) {

@@ -55,6 +55,7 @@ class MainWindow : public CommandScreen<MainWindow, DialogHandler> {
   void ShowInfo(Dialog& dialog);
   void About(Dialog& dialog);
   void Refresh(Dialog& dialog) { RefreshDatabaseList(dialog); }
+  void Back(Dialog& dialog);
   void Exit(Dialog& dialog) { dialog.end(0); }
   void DeleteSelectedDatabase(Dialog& dialog);
   void TransferSelected(Dialog& dialog, bool move);
@@ -63,6 +64,7 @@ class MainWindow : public CommandScreen<MainWindow, DialogHandler> {
   // What comes from outside: another start, the desktop, the end of the session.
   void OnRequest(Dialog& dialog, const StartRequest& request);
   void CarryOut(Dialog& dialog, const StartRequest& request);
+  void Leave(Dialog& dialog);
   void HandleCommandLine(Dialog& dialog, const std::string& command_line);
   void HandleOpenFile(Dialog& dialog, const std::string& path);
   void OpenDatabase(Dialog& dialog, const std::string& path,

@@ -41,6 +41,15 @@ void MainWindow::CarryOut(Dialog& dialog, const StartRequest& request) {
   }
 }
 
+// The window was closed: every screen does what it does for its Back key, from the top down, and
+// may ask; whoever stays in one stays in the program. A box in the way is dismissed unanswered.
+void MainWindow::Leave(Dialog& dialog) {
+  if (!app_.open_dialogs.empty()) return CloseOpenDialogs(app_, Closing::kLeaving);
+  app_.closing = Closing::kLeaving;
+  app_.platform.dialogs.dismissBoxes();
+  dialog.end(0);
+}
+
 // A command line that names no notification opens nothing, also when it names a database.
 void MainWindow::HandleCommandLine(Dialog& dialog, const std::string& command_line) {
   if (command_line.find(kNotificationWord) == std::string::npos || !start_.alarm) return;
@@ -98,7 +107,7 @@ void MainWindow::OpenDatabase(Dialog& dialog, const std::string& path,
 void MainWindow::AfterDialog(Dialog& dialog) {
   const Closing why = std::exchange(app_.closing, Closing::kNo);
   const std::string next = std::exchange(open_next_, {});
-  if (session_ends_) return dialog.end(0);
+  if (session_ends_ || why == Closing::kLeaving) return dialog.end(0);
   if (!app_.not_stored.empty()) TellNotStored(app_);
   if (why == Closing::kForAnother && !next.empty()) OpenDatabase(dialog, next);
 }

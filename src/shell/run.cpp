@@ -22,6 +22,7 @@ int RunTabelion(Platform& platform, const StartOptions& options, const AlarmStep
   // Not through the function that runs every other dialog: the main window never closes by itself.
   platform.dialogs.runModal(MainWindowTemplate(), window);
   platform.instance.listen({});
+  platform.dialogs.whenWindowCloses({});
   if (window.SessionEnds()) app.closing = Closing::kSessionEnds;
   CloseAllDatabases(app, AskWhenClosing(app));
   KeepNotStored(app);

@@ -62,8 +62,10 @@ void endOnDone(RecordingHandler& handler) {
 void KeysTest::keysBecomeCommandsUnlessConsumed() {
   QtDialogs dialogs({{240, 320}, 1});
   ControlTemplate list = makeControlTemplate(5, ControlKind::kList, {0, 0, 240, 100});
+  ControlTemplate secret = makeControlTemplate(7, ControlKind::kEdit, {0, 140, 90, 22});
+  secret.back_erases = true;
   DialogTemplate form =
-      formOf({list, makeControlTemplate(6, ControlKind::kEdit, {0, 110, 90, 22})});
+      formOf({list, makeControlTemplate(6, ControlKind::kEdit, {0, 110, 90, 22}), secret});
   RecordingHandler handler;
   endOnDone(handler);
   std::vector<KeyPress> keys;
@@ -78,7 +80,11 @@ void KeysTest::keysBecomeCommandsUnlessConsumed() {
   // In an edit box Backspace deletes and Escape is the Back key.
   script.then([&] { consume = false; }).key(Qt::Key_Tab).type("xy").key(Qt::Key_Backspace);
   script.then([&] { QCOMPARE(script.screen()->control(6).text(), u"x"); });
-  script.key(Qt::Key_Escape).key(Qt::Key_Return).key(Qt::Key_F1);
+  script.key(Qt::Key_Escape).key(Qt::Key_Return);
+  // But where it erases it does nothing else, also when all is gone.
+  script.key(Qt::Key_Tab).type("xy").key(Qt::Key_Escape);
+  script.then([&] { QCOMPARE(script.screen()->control(7).text(), u"x"); });
+  script.key(Qt::Key_Escape).key(Qt::Key_Escape).key(Qt::Key_F1);
   QCOMPARE(script.run(form, handler), kDone);
   const std::vector<CommandId> wanted = {kActionCommand, kBackCommand,   kBackCommand,
                                          kBackCommand,   kActionCommand, kDone};

@@ -46,7 +46,7 @@ class Chooser : public testing::Test {
 TEST_F(Chooser, OffersSamplesUntilNo) {
   putSamples();
   world.phone.asks(offer, u"QUESTION", MessageAnswer::kYes);
-  chooser().look(shows({u"Recipes"})).press(Key::kBack);
+  chooser().look(shows({u"Recipes"})).choose({u"Menu", u"Exit"});
   run();
   EXPECT_EQ(world.setting("SampleDBs"), "0");
 
@@ -59,7 +59,7 @@ TEST_F(Chooser, OffersSamplesUntilNo) {
   chooser().choose({u"Menu", u"Exit"});
   run();
   EXPECT_EQ(world.setting("SampleDBs"), "1");
-  chooser().press(Key::kBack);
+  chooser().choose({u"Menu", u"Exit"});
   run();
 }
 
@@ -100,7 +100,7 @@ TEST_F(Chooser, OpensChangesAndSavesTheSelectedDatabase) {
   world.phone.at(kRecordListScreen).choose({u"Menu", u"Save"});
   world.phone.says(u"File Saved", u"Update");
   world.phone.at(kRecordListScreen).choose({u"Menu", u"Close"});
-  chooser().press(Key::kBack);
+  chooser().choose({u"Menu", u"Exit"});
   run();
   EXPECT_EQ(world.cell(path, 1, 0),
             "Gr\xF6\xDF"
@@ -115,8 +115,8 @@ TEST_F(Chooser, CodePageOfThisRunIsTheOneGiven) {
   world.phone.at(kRecordListScreen).press(Key::kEnter);
   world.phone.at(kEditRecordScreen).write(FormValue(0), u"Ж").press(Key::kEnter);
   world.phone.at(kRecordListScreen).choose({u"Menu", u"Close"});
-  world.phone.at(kSaveQuestionScreen).activate(kSaveChangesButton);
-  chooser().press(Key::kBack);
+    world.phone.at(kSaveQuestionScreen).activate(kSaveChangesButton);
+    chooser().choose({u"Menu", u"Exit"});
   run({.command_line = "", .code_page = "CP1251"});
   EXPECT_EQ(world.cell(path, 0, 0), "\xC6");
   EXPECT_EQ(world.setting("CodePage"), "(none)");
@@ -199,7 +199,7 @@ TEST_F(Chooser, OpensTheFileThatTheDesktopNames) {
   list.look(named(u"Apples")).look(hears(RequestKind::kActivate)).press(Key::kBack);
   chooser().look(hears(RequestKind::kOpenFile, pears));
   list.look(named(u"Pears")).press(Key::kBack);
-  chooser().press(Key::kBack);
+  chooser().choose({u"Menu", u"Exit"});
   run({.open_file = pears});
   EXPECT_EQ(world.cell(pears, 0, 0), "Willi");
   EXPECT_EQ(world.phone.brought_to_front, 5);
@@ -207,7 +207,7 @@ TEST_F(Chooser, OpensTheFileThatTheDesktopNames) {
 
 TEST_F(Chooser, PlainCommandLineOpensNothing) {
   const std::string path = world.add("Apples", {{"Sort"}}, {{"Cox"}});
-  chooser().look(hears(RequestKind::kCommandLine, path)).press(Key::kBack);
+  chooser().look(hears(RequestKind::kCommandLine, path)).choose({u"Menu", u"Exit"});
   run({.command_line = path}, [](const std::string&) {
     ADD_FAILURE() << "an alarm was looked for";
     return std::nullopt;
@@ -226,7 +226,7 @@ TEST_F(Chooser, AlarmLeadsToItsRecordUnlessAScreenIsOpen) {
       u"record manually.",
       u"Message");
   world.phone.at(kRecordListScreen).press(Key::kBack);
-  chooser().press(Key::kBack);
+  chooser().choose({u"Menu", u"Exit"});
   run({.command_line = alarm}, [&](const std::string& command_line) {
     EXPECT_EQ(command_line, alarm);
     return AlarmRecord{path, 2};
@@ -263,6 +263,50 @@ TEST_F(Chooser, EndOfTheSessionStoresWhatIsHalfTyped) {
   run();
 }
 
+TEST_F(Chooser, BackAsksBeforeItEndsTheProgram) {
+  const std::u16string question = u"Do you want to leave Tabelion?";
+  chooser().press(Key::kBack);
+  world.phone.asks(question, u"QUESTION", MessageAnswer::kNo);
+  chooser().press(Key::kBack);
+  world.phone.asks(question, u"QUESTION", MessageAnswer::kYes);
+  run();
+}
+
+// From the form upwards each screen does as it does when it is left, and may ask.
+TEST_F(Chooser, ClosingTheWindowLeavesEveryScreenInOrder) {
+  const std::string path =
+      world.add("Apples", {{"Sort"}, {"Picked", kDate}}, {{"Cox", "2024-09-01"}});
+  const auto close = [this](FakeDialog&) { world.phone.close_window(); };
+  world.set("AutoSave", "1");
+  chooser().press(Key::kEnter);
+  world.phone.at(kRecordListScreen).press(Key::kEnter);
+  auto form = world.phone.at(kEditRecordScreen);
+  form.write(FormValue(0), u"Brae").write(FormValue(1), u"9/31/2024").look(close);
+  world.phone.says(u"\"Picked\" is not a date from 1904 to 9999 like 12/31/2025.", u"Edit Record");
+  form.write(FormValue(1), u"9/30/2024").look(close);
+  run();
+  EXPECT_EQ(world.cell(path, 0, 0), "Brae");
+  EXPECT_EQ(world.cell(path, 0, 1), "2024-09-30");
+
+  // Nothing was entered in the new record; the preferences are kept as Done keeps them.
+  chooser().press(Key::kEnter);
+  world.phone.at(kRecordListScreen).choose({u"New Record"});
+  form.look(close);
+  run();
+  EXPECT_EQ(world.read(path)->records.count(), 1u);
+  chooser().press(Key::kEnter);
+  world.phone.at(kRecordListScreen).choose({u"Menu", u"Preferences"});
+  world.phone.at(kPreferencesScreen).tick(kSaveByTimeBox).write(kSaveSeconds, u"90").look(close);
+  run();
+  EXPECT_EQ(world.setting("AutoSaveSeconds"), "90");
+
+  // A question in the way is not answered by it.
+  world.phone.while_message = [&] { world.phone.close_window(); };
+  chooser().choose({u"Menu", u"Delete"});
+  run();
+  EXPECT_TRUE(world.files.exists(path));
+}
+
 TEST_F(Chooser, QuestionThatGivesWayToAFileIsNotANo) {
   const std::string pears = world.add("Pears", {{"Sort"}}, {{"Kieffer"}});
   world.files.put("/documents/Gift.TBP", world.files.bytes(pears));
@@ -273,7 +317,7 @@ TEST_F(Chooser, QuestionThatGivesWayToAFileIsNotANo) {
         world.phone.while_message = [] {};
       })
       .press(Key::kBack);
-  chooser().press(Key::kBack);
+  chooser().choose({u"Menu", u"Exit"});
   run();
   EXPECT_TRUE(world.files.exists("/documents/Gift.TBP"));
 }
@@ -289,7 +333,7 @@ TEST_F(Chooser, ListsTheSecondFileThatASaveLeaves) {
       .press(Key::kBack);
   world.phone.at(kSaveQuestionScreen).activate(kSaveChangesButton);
   world.phone.at(kChangedFileScreen).activate(kKeepBothButton);
-  chooser().look(shows({u"Pears", u"Pears 2"})).press(Key::kBack);
+  chooser().look(shows({u"Pears", u"Pears 2"})).choose({u"Menu", u"Exit"});
   run();
   EXPECT_EQ(world.files.bytes(path), theirs);
   EXPECT_EQ(world.cell("/documents/Tabelion/Pears 2.PDB", 0, 0), "Williams");

@@ -199,6 +199,7 @@ class FakePhone : public Dialogs {
   void setWaitCursor(bool on) override;
   std::unique_ptr<Progress> progress(const std::u16string& what) override;
   bool dismissBoxes() override;
+  void whenWindowCloses(std::function<void()> asked) override { close_window = std::move(asked); }
   void bringToFront(const std::string&) override { ++brought_to_front; }
 
   [[noreturn]] void fail(const std::string& what);
@@ -208,6 +209,7 @@ class FakePhone : public Dialogs {
   std::vector<MessageBox> boxes;  // every one shown
   bool leaves_the_rest = false;   // leaves by Back, and answers No to, what no step is for
   std::function<void()> while_message = [] {};  // what happens while one is up
+  std::function<void()> close_window = [] {};   // as its user does
   int messages_up = 0;                          // now
   int brought_to_front = 0;
   int wait_cursor = 0;

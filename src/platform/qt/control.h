@@ -56,6 +56,7 @@ class ScreenControl {
   virtual void applyScale();
   // Of a box whose text is replaced by typing, when the focus arrives there by keys.
   virtual void selectContent() {}
+  virtual void eraseBeforeCaret() {}
 
  protected:
   void moveTo(const Rect& place);

@@ -104,10 +104,6 @@ void DialogScreen::activated() {
   handler_.onActivate(*this);
 }
 
-void DialogScreen::goBack() {
-  command(kBackCommand);
-}
-
 // Soft keys.
 
 SoftKeyLabel DialogScreen::softKey(SoftKey key) const {

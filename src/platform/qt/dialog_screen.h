@@ -31,7 +31,6 @@ class DialogScreen final : public Layer, public Dialog, private ControlHost {
   QString title() const override { return title_; }
   SoftKeyLabel softKey(SoftKey key) const override;
   void pressSoftKey(SoftKey key) override;
-  void goBack() override;
   void applyScale() override;
   void takeFocus() override;
 

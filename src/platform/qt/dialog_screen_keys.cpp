@@ -107,6 +107,10 @@ bool DialogScreen::takeKey(ScreenControl* control, QKeyEvent* event) {
   const bool erases =
       event->key() == Qt::Key_Backspace && isTextBox(control) && !control->madeFrom().read_only;
   if (erases || (control != nullptr && control->editsWith(press))) return false;
+  if (press.key == Key::kBack && control != nullptr && control->madeFrom().back_erases) {
+    control->eraseBeforeCaret();
+    return true;
+  }
   bool consumed = false;
   {
     const Call call(*this);

@@ -22,8 +22,6 @@ class Layer : public QWidget {
   virtual QString title() const { return {}; }  // empty: the one of the layer below stays
   virtual SoftKeyLabel softKey(SoftKey key) const = 0;
   virtual void pressSoftKey(SoftKey key) = 0;
-  // What the Back key does when nothing else wants it; asked when the window is closed.
-  virtual void goBack() = 0;
   // The place or the zoom changed.
   virtual void applyScale() = 0;
   // It became the topmost layer, or a menu over it closed.

@@ -100,10 +100,6 @@ void MessageScreen::pressSoftKey(SoftKey key) {
   }
 }
 
-void MessageScreen::goBack() {
-  if (box_.buttons == MessageButtons::kOk) answer(MessageAnswer::kOk);
-}
-
 void MessageScreen::takeFocus() {
   area_->setFocus(Qt::OtherFocusReason);
 }

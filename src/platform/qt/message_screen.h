@@ -22,8 +22,6 @@ class MessageScreen final : public Layer {
   const MessageBox& box() const { return box_; }
   SoftKeyLabel softKey(SoftKey key) const override;
   void pressSoftKey(SoftKey key) override;
-  // Closing the window answers no question; a plain message it dismisses.
-  void goBack() override;
   void applyScale() override;
   void takeFocus() override;
   bool coversAll() const override { return false; }

@@ -4,7 +4,6 @@
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QScreen>
-#include <QTimer>
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -177,23 +176,10 @@ void PhoneFrame::keyPressEvent(QKeyEvent* event) {
   }
 }
 
+// The window goes when the last layer has gone; the program is told, and brings that about.
 void PhoneFrame::closeEvent(QCloseEvent* event) {
-  if (layers_.empty()) {
-    event->accept();
-    return;
-  }
-  event->ignore();
-  menus_->dismiss();
-  closeStep(layers_.size() + 1);
-}
-
-// Each step runs in the event loop of the layer that has become the topmost, since the one above
-// returns to its caller first.
-void PhoneFrame::closeStep(std::size_t layers_before) {
-  if (layers_.empty() || layers_.size() >= layers_before) return;
-  const std::size_t now = layers_.size();
-  QTimer::singleShot(0, this, [this, now] { closeStep(now); });
-  layers_.back()->goBack();
+  event->setAccepted(layers_.empty());
+  if (!layers_.empty() && when_closed_) when_closed_();
 }
 
 }  // namespace tabelion

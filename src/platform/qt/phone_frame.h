@@ -1,10 +1,11 @@
 // The window: the phone's screen with its title strip, the layers between, and the soft keys.
 //
-// The layers are a stack. Closing the window asks the topmost layer to go back, then the one
-// below, for as long as each of them ends; what asks a question instead stays, with its question.
+// The layers are a stack. Closing the window is a wish that the program is told of.
 #pragma once
 
 #include <QWidget>
+#include <functional>
+#include <utility>
 #include <vector>
 
 #include "platform/dialogs.h"
@@ -44,6 +45,7 @@ class PhoneFrame final : public QWidget {
   void openMenu(const std::vector<MenuEntry>& entries, const MenuOverlay::Opening& opening,
                 MenuOverlay::Done done);
   void pressSoftKey(SoftKey key);
+  void whenClosed(std::function<void()> asked) { when_closed_ = std::move(asked); }
   void refreshStrips();  // title and soft keys of the topmost layer
   void setBusy(bool busy) { title_->setBusy(busy); }
   const SoftKeyBar& softKeys() const { return *soft_keys_; }
@@ -58,7 +60,6 @@ class PhoneFrame final : public QWidget {
  private:
   void layOut();
   void showWhatIsSeen();
-  void closeStep(std::size_t layers_before);
 
   Scale scale_;
   TitleStrip* title_;
@@ -66,6 +67,7 @@ class PhoneFrame final : public QWidget {
   SoftKeyBar* soft_keys_;
   MenuOverlay* menus_;
   std::vector<Layer*> layers_;
+  std::function<void()> when_closed_;
 };
 
 // The zoom that a desktop of this size and resolution gets when none is asked for.

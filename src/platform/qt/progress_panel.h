@@ -20,7 +20,6 @@ class ProgressPanel final : public Layer {
 
   SoftKeyLabel softKey(SoftKey) const override { return {}; }
   void pressSoftKey(SoftKey) override {}
-  void goBack() override {}
   void applyScale() override;
   void takeFocus() override { setFocus(Qt::OtherFocusReason); }
   bool coversAll() const override { return false; }

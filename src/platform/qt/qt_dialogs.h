@@ -20,6 +20,9 @@ class QtDialogs final : public Dialogs {
   void setWaitCursor(bool on) override;
   std::unique_ptr<Progress> progress(const std::u16string& what) override;
   bool dismissBoxes() override;
+  void whenWindowCloses(std::function<void()> asked) override {
+    frame_->whenClosed(std::move(asked));
+  }
   void bringToFront(const std::string& token) override;
 
   PhoneFrame& frame() { return *frame_; }

@@ -121,6 +121,7 @@ class EditControl final : public ControlOf<Control> {
     return true;
   }
   void selectContent() override { line_->selectAll(); }
+  void eraseBeforeCaret() override { line_->backspace(); }
 
  private:
   QLineEdit* line_;

@@ -21,6 +21,7 @@ DialogTemplate passwordTemplate(bool for_encryption) {
       {.id = kPasswordEdit,
        .kind = ControlKind::kEdit,
        .accessible_name = label,
+       .back_erases = true,
        .max_length = static_cast<int>(kMaxPassword)},
       {.id = kHidePasswordBox, .kind = ControlKind::kCheckBox, .text = u"Hide Password"},
   };

@@ -120,10 +120,18 @@ void EditRecordScreen::Done(Dialog& dialog) {
   if (SaveEditRecord(dialog)) dialog.end(kDialogClosed);
 }
 
+bool EditRecordScreen::IsUntouchedNew(Dialog& dialog) const {
+  return app_.level().new_record && !form_.Changed(dialog);
+}
+
 // Going back from a new record on which nothing was entered stores none.
 void EditRecordScreen::Back(Dialog& dialog) {
-  const bool untouched_new = app_.level().new_record && !form_.Changed(dialog);
-  if (untouched_new || SaveEditRecord(dialog)) dialog.end(kDialogClosed);
+  if (IsUntouchedNew(dialog) || SaveEditRecord(dialog)) dialog.end(kDialogClosed);
+}
+
+bool EditRecordScreen::OnAutoClose(Dialog& dialog) {
+  const bool drops = app_.closing == Closing::kLeaving && IsUntouchedNew(dialog);
+  return drops || SaveEditRecord(dialog);
 }
 
 void EditRecordScreen::onNotice(Dialog& dialog, ControlId control, Notice notice) {
@@ -265,8 +273,7 @@ void EditRecordScreen::DeleteEditRecord(Dialog& dialog) {
 
 void EditRecordScreen::MoveTo(Dialog& dialog, Move move) {
   if (CheckSecurity(app_, Operation::kChange, true) == kAccessRefused) return;
-  const bool untouched_new = app_.level().new_record && !form_.Changed(dialog);
-  if (!untouched_new && !SaveEditRecord(dialog)) return;
+  if (!IsUntouchedNew(dialog) && !SaveEditRecord(dialog)) return;
   const auto& index = CurrentDatabase(app_).record_index;
   if (index.empty()) return;
   // A record that the list does not show, a new one for instance, lies behind the last.

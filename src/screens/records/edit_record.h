@@ -25,7 +25,7 @@ class EditRecordScreen : public CommandScreen<EditRecordScreen> {
   bool onKey(Dialog& dialog, const KeyPress& key) override;
   bool acceptsCharacter(Dialog& dialog, ControlId control, char32_t character) override;
   void onResize(Dialog& dialog) override { form_.Place(dialog); }
-  bool OnAutoClose(Dialog& dialog) override { return SaveEditRecord(dialog); }
+  bool OnAutoClose(Dialog& dialog) override;
 
  private:
   enum class Move { kFirst, kPrevious, kNext, kLast };
@@ -48,6 +48,7 @@ class EditRecordScreen : public CommandScreen<EditRecordScreen> {
   void Redo(Dialog& dialog);
   void ShowCurrent(Dialog& dialog);
   bool MayChange() const;
+  bool IsUntouchedNew(Dialog& dialog) const;
 
   Application& app_;
   RecordForm form_;

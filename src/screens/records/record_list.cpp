@@ -218,7 +218,8 @@ void RecordListScreen::CloseWith(Dialog& dialog, int result) {
 }
 
 bool RecordListScreen::OnAutoClose(Dialog& dialog) {
-  if (CloseFor(kDialogAutoClosed)) return true;
+  const bool leaving = app_.closing == Closing::kLeaving;
+  if (CloseFor(leaving ? kDialogClosed : kDialogAutoClosed)) return true;
   FillRecordList(dialog);
   return false;
 }
