@@ -1,5 +1,6 @@
 #include <QApplication>
 #include <QIcon>
+#include <QScreen>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <cstdlib>
@@ -8,7 +9,10 @@
 #include "app/options.h"
 #include "app/program.h"
 #include "app/tour/tour.h"
+#include "app/window_memory.h"
+#include "platform/qt/desktop_look.h"
 #include "platform/qt/qt_instance.h"
+#include "platform/qt/theme.h"
 #include "platform/std/core_dumps.h"
 
 namespace {
@@ -43,6 +47,38 @@ void sayOrEnd(QtMsgType type, const QMessageLogContext&, const QString& text) {
   if (type == QtFatalMsg) std::_Exit(tabelion::kExitNotStarted);
 }
 
+// The window as it was left the last time on a desktop of this size, unless somebody asks for
+// another.
+class WindowKeeper {
+ public:
+  WindowKeeper(const tabelion::ProgramOptions& options, const tabelion::ProgramPlaces& places)
+      : settings_(places.settings), asked_(options.screen || options.zoom > 0) {
+    const QSize available = QGuiApplication::primaryScreen()->availableSize();
+    desktop_ = {available.width(), available.height()};
+    frame_ = {.screen = options.screen.value_or(tabelion::kPhoneScreen),
+              .zoom = options.zoom,
+              .text_scale = QGuiApplication::font().pointSizeF() / kUsualPoints};
+    if (asked_) return;
+    if (const auto left = tabelion::RememberedWindow(settings_, desktop_)) {
+      frame_.screen = left->screen;
+      frame_.zoom = left->zoom;
+    }
+  }
+  const tabelion::FrameOptions& options() const { return frame_; }
+  void keep(const tabelion::PhoneFrame& frame) {
+    if (asked_ || frame.isMaximized() || frame.isFullScreen() || !frame.wasSized()) return;
+    tabelion::RememberWindow(settings_, desktop_, {frame.screenSize(), frame.scale().zoom()});
+  }
+
+ private:
+  static constexpr double kUsualPoints = 10;
+
+  tabelion::JsonSettings settings_;
+  const bool asked_;
+  tabelion::Size desktop_;
+  tabelion::FrameOptions frame_;
+};
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -68,12 +104,24 @@ int main(int argc, char** argv) {
   QApplication::setStyle(QStringLiteral("fusion"));
   QApplication::setQuitOnLastWindowClosed(false);
   if (tour) return tabelion::runTour(parsed.options);
-  tabelion::QtDialogs dialogs({parsed.options.screen, parsed.options.zoom});
+  const tabelion::Scheme guess =
+      tabelion::schemeOf(QApplication::palette(), qEnvironmentVariable("GTK_THEME"));
+  tabelion::theme::setScheme(parsed.options.scheme.value_or(guess));
+  const tabelion::ProgramPlaces places = tabelion::placesOf(parsed.options);
+  WindowKeeper window(parsed.options, places);
+  tabelion::QtDialogs dialogs(window.options());
+  const tabelion::DesktopLook look(
+      guess, {.scheme =
+                  [&](tabelion::Scheme scheme) {
+                    if (!parsed.options.scheme) dialogs.frame().setScheme(scheme);
+                  },
+              .text_scale = [&](double scale) { dialogs.frame().followTextScale(scale); }});
   tabelion::QtInstance instance;
   forgetActivationToken();
-  const int exit_code =
-      tabelion::runProgram(parsed.options, tabelion::placesOf(parsed.options), dialogs, instance);
+  const int exit_code = tabelion::runProgram(parsed.options, places, dialogs, instance);
+  window.keep(dialogs.frame());
   if (instance.problem().empty()) return exit_code;
   std::cerr << "tabelion: " << instance.problem() << ".\n";
   return tabelion::kExitNotStarted;
 }
+

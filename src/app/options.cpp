@@ -4,6 +4,7 @@
 #include <charconv>
 #include <filesystem>
 #include <iostream>
+#include <map>
 #include <system_error>
 
 namespace tabelion {
@@ -52,6 +53,16 @@ std::string joined(const std::vector<std::string>& words) {
 
 }  // namespace
 
+std::string hintAboutFile(const std::vector<std::string>& words) {
+  if (words.empty() || words.front() == "AppRunToHandleNotification") return {};
+  std::error_code error;
+  const bool exists = std::filesystem::exists(words.front(), error);
+  const bool named = words.front().find_first_of("./") != std::string::npos;
+  if (!exists && !named) return {};
+  return (exists ? std::string() : "there is no file " + words.front() + ". ") +
+         "A database is opened with --open " + words.front() + ".";
+}
+
 ParsedOptions parseOptions(int argc, const char* const* argv) {
   ParsedOptions parsed;
   ProgramOptions& options = parsed.options;
@@ -65,14 +76,26 @@ ParsedOptions parseOptions(int argc, const char* const* argv) {
   app.add_option_function<std::string>(
          "--screen",
          [&options](const std::string& text) {
-           const std::string wrong = parseScreen(text, options.screen);
+           Size size;
+           const std::string wrong = parseScreen(text, size);
            if (!wrong.empty()) throw CLI::ValidationError("--screen", text + " " + wrong);
+           options.screen = size;
          },
-         "Size of the phone's screen in its own pixels; 240x320 when not given")
+         "Size of the phone's screen in its own pixels; as it was left when not given,\n"
+         "240x320 at first")
       ->type_name("WIDTHxHEIGHT");
   app.add_option("--zoom", options.zoom, "How large the screen is shown; 1.5 is one and a half")
       ->type_name("N")
       ->check(CLI::Range(kSmallestAskedZoom, kLargestAskedZoom));
+  app.add_option("--scheme", options.scheme,
+                 "Colours of the window: light, dark, light-contrast or dark-contrast; those of\n"
+                 "the desktop when not given")
+      ->type_name("NAME")
+      ->transform(CLI::CheckedTransformer(
+          std::map<std::string, Scheme>{{"light", Scheme::kLight},
+                                        {"dark", Scheme::kDark},
+                                        {"light-contrast", Scheme::kLightContrast},
+                                        {"dark-contrast", Scheme::kDarkContrast}}));
   app.add_option("--documents", options.documents_folder,
                  "Documents folder, in which the databases lie in \"Tabelion\"")
       ->type_name("DIR");
@@ -102,6 +125,8 @@ ParsedOptions parseOptions(int argc, const char* const* argv) {
     return parsed;
   }
   options.command_line = joined(app.remaining());
+  const std::string hint = hintAboutFile(app.remaining());
+  if (!hint.empty()) std::cerr << "tabelion: " << hint << "\n";
   return parsed;
 }
 

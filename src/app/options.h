@@ -3,14 +3,16 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "platform/dialogs.h"
 
 namespace tabelion {
 
 struct ProgramOptions {
-  Size screen{240, 320};
-  double zoom = 0;  // 0: chosen from the desktop
+  std::optional<Size> screen;    // of the phone; none: as it was left, 240x320 at first
+  double zoom = 0;               // 0: as it was left, chosen from the desktop at first
+  std::optional<Scheme> scheme;  // none: as the desktop has it
   std::string documents_folder;
   std::string card_folder;
   std::string code_page;
@@ -28,6 +30,11 @@ struct ParsedOptions {
 
 inline constexpr int kExitNotStarted = 1;  // no display, or another copy that does not answer
 inline constexpr int kExitUsage = 2;
+inline constexpr Size kPhoneScreen{240, 320};
+
+// What to tell somebody who names a file without an option, as the programs of a desktop are never
+// started; empty for other words.
+std::string hintAboutFile(const std::vector<std::string>& words);
 
 // Prints help, version and complaints itself.
 ParsedOptions parseOptions(int argc, const char* const* argv);

@@ -111,6 +111,9 @@ struct DialogTemplate {
 
 enum class TextWeight { kNormal, kSemiBold };
 
+// The colours of the desktop, or those that the user chose for the program.
+enum class Scheme { kLight, kDark, kLightContrast, kDarkContrast };
+
 // What a handler paints a row of a list with. Places are relative to the list's top left corner,
 // already shifted for sideways scrolling by the caller's rectangle; nothing is drawn outside it.
 class ListPainter {
@@ -121,6 +124,7 @@ class ListPainter {
   virtual void text(const Rect& area, const std::u16string& text, Color color,
                     TextWeight weight) = 0;
   virtual void picture(Point at, Picture picture) = 0;
+  virtual Scheme scheme() const = 0;
 };
 
 class Control {
@@ -173,6 +177,8 @@ enum class Notice {
   kSelectionChanged,  // a list's row selected by keys or pointer
   kFocusGained,
   kFocusLost,
+  kTooLong,     // an edit took nothing of several characters that came at once: no room for them
+  kNotAllowed,  // the same, because of a character that the handler does not accept
 };
 
 enum class Key {

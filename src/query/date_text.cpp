@@ -79,17 +79,11 @@ int clampedPart(std::string_view token, int most) {
   return value >= 1 && value <= most ? static_cast<int>(value) : 1;
 }
 
-std::string_view trimmed(std::string_view text) {
-  while (text.starts_with(' ')) text.remove_prefix(1);
-  while (text.ends_with(' ')) text.remove_suffix(1);
-  return text;
-}
-
 // A separator behind the last part is how dates are written where it is a dot.
-DateTokens withoutBlanks(const DateTokens& tokens) {
+DateTokens partsOf(const DateTokens& tokens) {
   std::string_view rest = tokens.rest;
-  if (!rest.empty()) rest = trimmed(rest.substr(1));
-  return {trimmed(tokens.month), trimmed(tokens.day), trimmed(tokens.year), rest};
+  if (!rest.empty()) rest = withoutBlanks(rest.substr(1));
+  return {withoutBlanks(tokens.month), withoutBlanks(tokens.day), withoutBlanks(tokens.year), rest};
 }
 
 // A month or day that is missing is the first, a missing year the first of its century. None when
@@ -168,7 +162,7 @@ std::optional<CalendarDate> understoodDateOfText(std::string_view text,
                                                  const FormatSettings& settings) {
   if (text.empty() || containsAnyCase(text, kNoDateWord)) return CalendarDate{};
   const DateTokens tokens = splitDate(text, settings);
-  if (auto date = dateOfParts(withoutBlanks(tokens))) return date;
+  if (auto date = dateOfParts(partsOf(tokens))) return date;
   for (const char separator : {'-', '/', '.'}) {
     const TypedTokens typed = splitTyped(text, separator);
     const auto& [year, month, day] = typed.tokens;

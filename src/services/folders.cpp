@@ -61,7 +61,7 @@ DatabaseFile describe(const Application& app, const std::string& path,
 
 // As a person sorts names, upper and lower case together.
 bool nameLess(const DatabaseFile& a, const DatabaseFile& b) {
-  return std::pair(lowerCaseText(a.name), a.name) < std::pair(lowerCaseText(b.name), b.name);
+  return std::pair(FoldedName(a.name), a.name) < std::pair(FoldedName(b.name), b.name);
 }
 
 // Databases of one name on one volume get their file's name behind it: "Books (Old books.pdb)".

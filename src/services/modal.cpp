@@ -1,5 +1,7 @@
 #include "services/modal.h"
 
+#include "services/message.h"
+
 namespace tabelion {
 namespace {
 
@@ -22,6 +24,14 @@ class AutoClosing : public DialogHandler {
   }
   void onNotice(Dialog& dialog, ControlId control, Notice notice) override {
     restart(dialog);
+    if (notice == Notice::kTooLong) {
+      ShowMessage(app_, u"The text is longer than fits here. Nothing was inserted.", u"Paste",
+                  MessageIcon::kExclamation);
+    } else if (notice == Notice::kNotAllowed) {
+      ShowMessage(app_,
+                  u"The text has a character that cannot be stored here. Nothing was inserted.",
+                  u"Paste", MessageIcon::kExclamation);
+    }
     screen_.onNotice(dialog, control, notice);
   }
   bool onKey(Dialog& dialog, const KeyPress& key) override {

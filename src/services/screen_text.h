@@ -23,6 +23,9 @@ inline bool CanStore(const Application& app, char32_t character) {
   return app.level().encoding.canEncode(character);
 }
 
+// The ASCII and Latin-1 letters of a name in lower case: how people order and look up names.
+std::u16string FoldedName(const std::u16string& name);
+
 // Paths, settings and error values are UTF-8.
 inline std::u16string FromUtf8(std::string_view text) {
   return TextEncoding::utf8().toUtf16(text);

@@ -40,6 +40,7 @@ enum class Setting {
   kDecimalComma,
   kCodePage,
   kNotStored,
+  kWindowSizes,
 };
 
 struct SettingRow {
@@ -107,6 +108,8 @@ inline constexpr SettingRow kSettingTable[] = {
     {Setting::kCodePage, SettingsRoot::kUser, kProgramKey, "CodePage", 40},
     // what was typed and not stored at the end of a session, a line each; told at the next start
     {Setting::kNotStored, SettingsRoot::kUser, kProgramKey, "NotStored", 4096},
+    // size and zoom of the window for each size of desktop
+    {Setting::kWindowSizes, SettingsRoot::kUser, kProgramKey, "WindowSizes", 400},
 };
 
 // `number` is that of a setting that is one of many.

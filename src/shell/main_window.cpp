@@ -4,6 +4,7 @@
 
 #include "screens/files/copy_question.h"
 #include "screens/files/database_info.h"
+#include "screens/kit/row_colors.h"
 #include "screens/kit/screen_numbers.h"
 #include "screens/program/about.h"
 #include "services/file_management.h"
@@ -11,6 +12,7 @@
 #include "services/modal.h"
 #include "services/not_stored.h"
 #include "services/save_database.h"
+#include "services/screen_text.h"
 #include "services/setting_table.h"
 
 namespace tabelion {
@@ -27,10 +29,6 @@ constexpr CommandId kCopyCommand = 40071;
 constexpr CommandId kMoveCommand = 40072;
 constexpr CommandId kReceiveCommand = 40131;
 constexpr int kColumnMargin = 10;
-constexpr Color kSelectedRow{64, 188, 255};
-constexpr Color kPlainRow{255, 255, 255};
-constexpr Color kInk{0, 0, 0};
-constexpr Color kMuted{64, 64, 64};
 constexpr int kCardMarkWidth = 34;  // "Card" beside the names of databases that lie there
 
 }  // namespace
@@ -201,6 +199,7 @@ void MainWindow::About(Dialog& dialog) {
 }
 
 void MainWindow::onNotice(Dialog& dialog, ControlId control, Notice notice) {
+  if (control == kDatabaseList && notice == Notice::kSelectionChanged) find_.clear(dialog);
   if (control == kDatabaseList && notice == Notice::kActivated) OpenSelected(dialog);
 }
 
@@ -227,7 +226,22 @@ void MainWindow::TransferSelected(Dialog& dialog, bool move) {
   AfterDialog(dialog);
 }
 
-void MainWindow::onTimer(Dialog&, int timer) {
+bool MainWindow::onKey(Dialog& dialog, const KeyPress& key) {
+  const TypeToFind::Taken found =
+      find_.onKey(dialog, key, [this](const std::u16string& typed) -> std::optional<int> {
+        const auto named =
+            std::find_if(list_.files.begin(), list_.files.end(), [&](const DatabaseFile& file) {
+              return FoldedName(file.name).starts_with(FoldedName(typed));
+            });
+        if (named == list_.files.end()) return std::nullopt;
+        return static_cast<int>(named - list_.files.begin());
+      });
+  if (found.row) dialog.list(kDatabaseList).selectRow(*found.row);
+  return found.taken;
+}
+
+void MainWindow::onTimer(Dialog& dialog, int timer) {
+  find_.onTimer(dialog, timer);
   if (timer == kAutoSaveTimer) AutoSave();
 }
 
@@ -246,17 +260,20 @@ void MainWindow::AutoSave() {
 void MainWindow::onPaintRow(Dialog& dialog, ControlId control, int row, ListPainter& painter,
                             const Rect& area) {
   if (row < 0 || static_cast<std::size_t>(row) >= list_.files.size()) return;
-  const Color paper = dialog.list(control).selectedRow() == row ? kSelectedRow : kPlainRow;
+  const RowColors& colors = RowColorsOf(painter.scheme());
+  const bool selected = dialog.list(control).selectedRow() == row;
+  const Color paper = selected ? colors.selected : colors.odd;
   painter.fill(area, paper);
   Rect cell = area;
   cell.x += 2;
   cell.width -= 4;
   const DatabaseFile& file = list_.files[static_cast<std::size_t>(row)];
-  painter.text(cell, file.label, kInk, TextWeight::kSemiBold);
+  painter.text(cell, file.label, selected ? colors.selected_ink : colors.ink,
+               TextWeight::kSemiBold);
   if (file.volume != Volume::kCard) return;
   cell.x += std::max(0, cell.width - kCardMarkWidth);
   painter.fill({cell.x, cell.y, kCardMarkWidth, cell.height}, paper);
-  painter.text(cell, u"Card", kMuted, TextWeight::kNormal);
+  painter.text(cell, u"Card", selected ? colors.selected_ink : colors.muted, TextWeight::kNormal);
 }
 
 std::u16string MainWindow::rowText(Dialog&, ControlId, int row) {

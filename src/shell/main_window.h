@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "screens/kit/commands.h"
+#include "screens/kit/type_to_find.h"
 #include "services/application.h"
 #include "services/folders.h"
 #include "shell/run.h"
@@ -35,6 +36,7 @@ class MainWindow : public CommandScreen<MainWindow, DialogHandler> {
   void onInit(Dialog& dialog) override;
   void onMessage(Dialog& dialog, int message) override;
   void onNotice(Dialog& dialog, ControlId control, Notice notice) override;
+  bool onKey(Dialog& dialog, const KeyPress& key) override;
   void onTimer(Dialog& dialog, int timer) override;
   void onActivate(Dialog& dialog) override { dialog.list(kDatabaseList).focus(); }
   void onResize(Dialog& dialog) override { Layout(dialog); }
@@ -77,6 +79,7 @@ class MainWindow : public CommandScreen<MainWindow, DialogHandler> {
   DatabaseList list_;
   std::vector<std::u16string> categories_{kAllCategories, kUnfiled};  // that the menu shows
   std::u16string left_key_text_ = u"Categories";
+  TypeToFind find_{u"Tabelion"};
   bool saving_ = false;
   std::string open_next_;  // asked for from outside, while others are being closed
   bool session_ends_ = false;

@@ -70,6 +70,10 @@ void MainWindow::HandleCommandLine(Dialog& dialog, const std::string& command_li
 // A database that is open gives way to the one asked for only when the user says so.
 void MainWindow::HandleOpenFile(Dialog& dialog, const std::string& path) {
   if (IsOpen(path)) return;
+  if (!app_.platform.files.info(path).ok()) {
+    return ShowMessage(app_, u"There is no file \"" + FromUtf8(path) + u"\".", u"Open Database",
+                       MessageIcon::kError);
+  }
   if (app_.open_dialogs.empty()) {
     open_next_ = path;
     app_.closing = Closing::kForAnother;  // what asks just now has not been answered No

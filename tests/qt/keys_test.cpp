@@ -227,6 +227,10 @@ void KeysTest::refusedCharactersDoNotAppear() {
     check(u"ab");
     paste("12345");  // does not fit, and is not cut
     check(u"ab");
+    script.then([&, id] {
+      QCOMPARE(handler.count(id, Notice::kNotAllowed), 1);
+      QCOMPARE(handler.count(id, Notice::kTooLong), 1);
+    });
     paste("1234");
     check(u"ab1234");
     script.type("5").then([&, id] { QCOMPARE(handler.count(id, Notice::kEdited), 3); });

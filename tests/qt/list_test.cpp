@@ -1,9 +1,11 @@
 // Report lists: painting, selection, and what a screen reader is told of them.
 #include <QAccessible>
 #include <QElapsedTimer>
+#include <QPainter>
 #include <QScrollBar>
 
 #include "platform/qt/list_view.h"
+#include "platform/qt/painter.h"
 #include "scripted_run.h"
 
 namespace tabelion {
@@ -14,6 +16,7 @@ class ListTest : public QObject {
  private Q_SLOTS:
   void keysAndPointerSelectRows();
   void paintsTheVisibleRowsAndNoOthers();
+  void cutTextsKeepTheirBeginningAndAGapBehindIt();
   void rowsSpeakToAScreenReader();
 };
 
@@ -108,6 +111,44 @@ void ListTest::paintsTheVisibleRowsAndNoOthers() {
   });
   script.key(Qt::Key_Return);
   script.run(listScreen(), handler);
+}
+
+// In the direction that they are read in.
+void ListTest::cutTextsKeepTheirBeginningAndAGapBehindIt() {
+  const Scale scale(1);
+  const ListFonts fonts(scale);
+  constexpr int kWidth = 60;
+  const auto painted = [&](const QString& text) {
+    QImage image(kWidth + 40, 18, QImage::Format_RGB32);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    painter.setClipRect(image.rect());
+    QtListPainter(painter, scale, fonts)
+        .text({20, 0, kWidth, 18}, fromQt(text), {0, 0, 0}, TextWeight::kNormal);
+    return image;
+  };
+  struct Texts {
+    const char* start;
+    const char* other_start;
+    const char* tail;
+    const char* other_tail;
+    int beginning;  // x of the half that it lies in
+    int gap;        // x of what stays free
+  };
+  for (const Texts& texts : {Texts{"MMMM", "WWWW", "iiiiiiiiaaaaa", "aaaaaiiiiiiii", 20, 77},
+                             Texts{"שששש", "אאאא", "בבבבבגגגגג", "גגגגגבבבבב", 50, 20}}) {
+    const auto text = [&](const char* start, const char* tail) {
+      return painted(QString::fromUtf8(start) + QString::fromUtf8(tail));
+    };
+    const QRect half(texts.beginning, 0, kWidth / 2, 18);
+    const QImage one = text(texts.start, texts.tail);
+    QCOMPARE(text(texts.start, texts.other_tail).copy(half), one.copy(half));
+    QVERIFY(text(texts.other_start, texts.tail).copy(half) != one.copy(half));
+    const QImage gap = one.copy(texts.gap, 0, 3, 18);
+    QImage white = gap;
+    white.fill(Qt::white);
+    QCOMPARE(gap, white);
+  }
 }
 
 void ListTest::rowsSpeakToAScreenReader() {

@@ -1,7 +1,10 @@
 // What is seen at every zoom, and what is said of it.
 #include <QAccessible>
 #include <QFontMetrics>
+#include <QScreen>
+#include <cmath>
 
+#include "platform/qt/desktop_look.h"
 #include "platform/qt/theme.h"
 #include "scripted_run.h"
 
@@ -14,6 +17,7 @@ class LookTest : public QObject {
   void textFitsAtEveryZoom_data();
   void textFitsAtEveryZoom();
   void theScreenGrowsWithTheWindow();
+  void everySchemeIsReadableAndTakenAtOnce();
   void everythingHasAnAccessibleName();
   void waitingAndProgressAreShown();
 };
@@ -105,9 +109,69 @@ void LookTest::theScreenGrowsWithTheWindow() {
     QCOMPARE(dialogs.frame().scale().zoom(), 1.5);
     QCOMPARE(script.screen()->fullScreenSize().width, 400);
     QCOMPARE(script.widget(1)->geometry(), dialogs.frame().scale().rect({9, 7, 104, 16}));
+    // Never larger than the desktop: then the screen has fewer pixels of its own.
+    dialogs.frame().setZoom(5);
+    const QSize desktop = dialogs.frame().screen()->availableSize();
+    QCOMPARE(dialogs.frame().size(), desktop);
+    QCOMPARE(dialogs.frame().scale().zoom(), 5);
+    QCOMPARE(script.screen()->fullScreenSize().width, desktop.width() / 5);
   });
   script.key(Qt::Key_F1);
   script.run(form(), handler);
+}
+
+void LookTest::everySchemeIsReadableAndTakenAtOnce() {
+  const auto luminance = [](QRgb rgb) {
+    const auto part = [](int value) {
+      const double v = value / 255.0;
+      return v <= 0.03928 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * part(qRed(rgb)) + 0.7152 * part(qGreen(rgb)) + 0.0722 * part(qBlue(rgb));
+  };
+  const auto contrast = [&](QRgb a, QRgb b) {
+    const double one = luminance(a) + 0.05;
+    const double other = luminance(b) + 0.05;
+    return std::max(one, other) / std::min(one, other);
+  };
+  QtDialogs dialogs({{240, 320}, 1});
+  RecordingHandler handler;
+  handler.on_command = [](Dialog& dialog, CommandId) { dialog.end(1); };
+  Script script(dialogs);
+  script.then([&] {
+    const QImage light = dialogs.frame().grab().toImage();
+    for (const Scheme scheme :
+         {Scheme::kDark, Scheme::kLightContrast, Scheme::kDarkContrast, Scheme::kLight}) {
+      dialogs.frame().setScheme(scheme);
+      const theme::Colours& c = theme::colours();
+      for (const QRgb paper : {c.paper, c.panel, c.focus_paper}) {
+        QVERIFY(contrast(c.ink, paper) >= 7);
+        QVERIFY(contrast(c.ink_soft, paper) >= 6);
+      }
+      for (const auto& [ink, paper] : {std::pair{c.bar_ink, c.bar},
+                                       {c.bar_ink, c.bar_pressed},
+                                       {c.on_focus, c.focus},
+                                       {c.ink, c.selection}}) {
+        QVERIFY(contrast(ink, paper) >= 4.5);
+      }
+      QVERIFY(contrast(c.line, c.paper) >= 3 && contrast(c.focus, c.paper) >= 3);
+      const QImage now = dialogs.frame().grab().toImage();
+      // Of the screen, a text box and a scroll area in it.
+      QCOMPARE(now.pixel(2, 60), c.paper);
+      QCOMPARE(now.pixel(120, theme::kTitleHeight + 115), c.paper);
+      QCOMPARE(now == light, scheme == Scheme::kLight);
+    }
+  });
+  script.key(Qt::Key_F1);
+  script.run(form(), handler);
+  const QPalette light(Qt::white);
+  QPalette dark;
+  dark.setColor(QPalette::Window, Qt::black);
+  dark.setColor(QPalette::WindowText, Qt::white);
+  QCOMPARE(schemeOf(dark, ""), Scheme::kDark);
+  QCOMPARE(schemeOf(light, "Adwaita:dark"), Scheme::kDark);
+  QCOMPARE(schemeOf(light, "Adwaita"), Scheme::kLight);
+  QCOMPARE(schemeOf(light, "HighContrast"), Scheme::kLightContrast);
+  QCOMPARE(schemeOf(dark, "HighContrastInverse"), Scheme::kDarkContrast);
 }
 
 void LookTest::everythingHasAnAccessibleName() {

@@ -263,8 +263,32 @@ TEST_F(Chooser, EndOfTheSessionStoresWhatIsHalfTyped) {
   run();
 }
 
+TEST_F(Chooser, TypingSelectsTheDatabaseThatBeginsSo) {
+  for (const char* name : {"Plums", "pears", "\xC4pfel"}) world.add(name, {{"Sort"}}, {});
+  const auto selects = [](const std::u16string& name, const std::u16string& title) {
+    return [=](FakeDialog& dialog) {
+      const int row = dialog.fake(kDatabaseList).selectedRow();
+      EXPECT_EQ(dialog.handler.rowText(dialog, kDatabaseList, row), name);
+      EXPECT_EQ(dialog.title, title);
+    };
+  };
+  chooser().type(u"P\u00C4").look(selects(u"pears", u"Find: P"));
+  chooser().type(u"l").look(selects(u"Plums", u"Find: Pl")).fire(kFindTimer);
+  chooser().type(u"\u00E4").look(selects(u"\u00C4pfel", u"Find: \u00E4"));
+  chooser().press(Key::kBack, 2).choose({u"Menu", u"Exit"});
+  run();
+}
+
+TEST_F(Chooser, AFileThatIsNotThereIsCalledMissing) {
+  world.add("Apples", {{"Sort"}}, {});
+  world.phone.says(u"There is no file \"/nowhere/Gone.PDB\".", u"Open Database");
+  chooser().choose({u"Menu", u"Exit"});
+  run({.open_file = "/nowhere/Gone.PDB"});
+}
+
 TEST_F(Chooser, BackAsksBeforeItEndsTheProgram) {
   const std::u16string question = u"Do you want to leave Tabelion?";
+  world.add("Apples", {{"Sort"}}, {});
   chooser().press(Key::kBack);
   world.phone.asks(question, u"QUESTION", MessageAnswer::kNo);
   chooser().press(Key::kBack);

@@ -17,15 +17,17 @@ constexpr int kRowHeight = 20;
 
 class RowRecorder : public ListPainter {
  public:
-  explicit RowRecorder(PaintedRow& row) : row_(row) {}
+  RowRecorder(PaintedRow& row, Scheme scheme) : row_(row), scheme_(scheme) {}
   void fill(const Rect& area, Color color) override { row_.fills.push_back({area, color}); }
   void text(const Rect& area, const std::u16string& text, Color color, TextWeight weight) override {
     row_.texts.push_back({area, text, color, weight});
   }
   void picture(Point at, Picture picture) override { row_.pictures.push_back({at, picture}); }
+  Scheme scheme() const override { return scheme_; }
 
  private:
   PaintedRow& row_;
+  const Scheme scheme_;
 };
 
 class FakeProgress : public Progress {
@@ -123,7 +125,7 @@ void FakeControl::scrollSideways(int pixels) {
 
 PaintedRow FakeControl::paintRow(int row) {
   PaintedRow painted;
-  RowRecorder recorder(painted);
+  RowRecorder recorder(painted, dialog_.phone.scheme);
   int total = 0;
   for (const ListColumn& column : columns_) total += column.width;
   const Rect area{-scrolled, row * kRowHeight, std::max(total, face.place.width), kRowHeight};
@@ -486,10 +488,15 @@ int FakePhone::runModal(const DialogTemplate& from, DialogHandler& handler) {
   return dialog.result;
 }
 
-// A screen may need two Backs, as one in whose box Back erases does.
+// A screen may need two Backs, as one in whose box Back erases does; the first one asks, so its
+// window is closed.
 void FakePhone::leave(FakeDialog& dialog) {
   for (int back = 0; leaves_the_rest && back < 2 && !dialog.ended; ++back) {
     dialog.handler.onCommand(dialog, kBackCommand);
+    settle(dialog);
+  }
+  if (leaves_the_rest && !dialog.ended) {
+    close_window();
     settle(dialog);
   }
   if (!dialog.ended) fail("screen " + std::to_string(dialog.resource) + " waits for a key");

@@ -206,6 +206,7 @@ class FakePhone : public Dialogs {
   FakeDialog& open(int screen_number);  // one of the open screens
 
   Size screen;
+  Scheme scheme = Scheme::kLight;
   std::vector<MessageBox> boxes;  // every one shown
   bool leaves_the_rest = false;   // leaves by Back, and answers No to, what no step is for
   std::function<void()> while_message = [] {};  // what happens while one is up

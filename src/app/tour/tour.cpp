@@ -396,7 +396,8 @@ int runTour(const ProgramOptions& options) {
   places.files = {home + "/documents", home + "/card"};
   places.settings.config_folder = home + "/config";
   places.settings.machine_folders = {home + "/machine"};
-  QtDialogs dialogs({options.screen, options.zoom > 0 ? options.zoom : kTourZoom});
+  QtDialogs dialogs(
+      {options.screen.value_or(kPhoneScreen), options.zoom > 0 ? options.zoom : kTourZoom});
   TourDriver driver(dialogs, pictures);
   Tour tour(driver, places.files.documents_folder, readStoredDatabases(places.samples_folder));
   if (!tour.plan()) return 1;

@@ -20,6 +20,8 @@ class ControlHost {
   virtual ~ControlHost() = default;
   virtual const Scale& scale() const = 0;
   virtual void notify(ControlId control, Notice notice) = 0;
+  // The same after the present event, for what is found out in the middle of it.
+  virtual void notifyLater(ControlId control, Notice notice) = 0;
   virtual bool acceptsCharacter(ControlId control, char32_t character) = 0;
   virtual void paintRow(ControlId control, int row, ListPainter& painter, const Rect& area) = 0;
   virtual QString rowText(ControlId control, int row) = 0;

@@ -3,20 +3,15 @@
 #include <QDBusAbstractAdaptor>
 #include <QDBusConnection>
 #include <QDBusMessage>
-#include <QFileInfo>
 #include <QUrl>
 #include <QVariantMap>
+
+#include "platform/qt/session_bus.h"
 
 namespace tabelion {
 namespace {
 
 constexpr char kObjectPath[] = "/org/tabelion/Tabelion";
-
-// Without an address the library would start a bus of its own, on which nobody is.
-bool hasSessionBus() {
-  return qEnvironmentVariableIsSet("DBUS_SESSION_BUS_ADDRESS") ||
-         QFileInfo::exists(qEnvironmentVariable("XDG_RUNTIME_DIR") + QStringLiteral("/bus"));
-}
 
 std::string activationToken(const QVariantMap& platform_data) {
   const QString token = platform_data.value(QStringLiteral("activation-token")).toString();

@@ -60,7 +60,7 @@ int DialogScreen::run() {
 
 void DialogScreen::afterCalls() {
   if (names_stale_) nameControls();
-  if (!posted_.empty() || !removed_.empty()) workLater();
+  if (!posted_.empty() || !removed_.empty() || late_notice_) workLater();
 }
 
 void DialogScreen::workLater() {
@@ -77,6 +77,14 @@ void DialogScreen::customEvent(QEvent* event) {
     const Call call(*this);
     handler_.onMessage(*this, message);
   }
+  if (const auto late = std::exchange(late_notice_, std::nullopt)) {
+    notify(late->first, late->second);
+  }
+}
+
+void DialogScreen::notifyLater(ControlId control, Notice notice) {
+  late_notice_ = {control, notice};
+  if (calls_ == 0) workLater();
 }
 
 void DialogScreen::post(int message) {

@@ -8,6 +8,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "platform/dialogs.h"
@@ -69,6 +70,7 @@ class DialogScreen final : public Layer, public Dialog, private ControlHost {
   // ControlHost
   const Scale& scale() const override;
   void notify(ControlId control, Notice notice) override;
+  void notifyLater(ControlId control, Notice notice) override;
   bool acceptsCharacter(ControlId control, char32_t character) override;
   void paintRow(ControlId control, int row, ListPainter& painter, const Rect& area) override;
   QString rowText(ControlId control, int row) override;
@@ -125,6 +127,7 @@ class DialogScreen final : public Layer, public Dialog, private ControlHost {
   ControlId focused_id_ = kNoControl;
   std::map<int, QBasicTimer> timers_;  // by the handler's numbers
   std::vector<int> posted_;
+  std::optional<std::pair<ControlId, Notice>> late_notice_;
   int content_height_ = 0;
   Size known_size_;
   int calls_ = 0;

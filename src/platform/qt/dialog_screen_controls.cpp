@@ -207,7 +207,7 @@ void DialogScreen::applyScale() {
 }
 
 void DialogScreen::paintEvent(QPaintEvent* event) {
-  QPainter(this).fillRect(event->rect(), QColor::fromRgb(theme::kPaper));
+  QPainter(this).fillRect(event->rect(), QColor::fromRgb(theme::colours().paper));
 }
 
 void DialogScreen::wheelEvent(QWheelEvent* event) {

@@ -150,7 +150,7 @@ void ListView::announce() {
 
 void ListView::paintEvent(QPaintEvent*) {
   QPainter painter(viewport());
-  painter.fillRect(viewport()->rect(), QColor::fromRgb(theme::kPaper));
+  painter.fillRect(viewport()->rect(), QColor::fromRgb(theme::colours().paper));
   const int height = scale_.own(viewport()->height());
   const int width = std::max(contentWidth(), scale_.own(viewport()->width()) + 1);
   painter.setClipRect(
@@ -172,7 +172,7 @@ void ListView::paintFocus(QPainter& painter) {
   if (row.isEmpty()) return;
   const int thick = scale_.line(2);
   const int thin = scale_.line(1);
-  const QColor colour = QColor::fromRgb(theme::kFocus);
+  const QColor colour = QColor::fromRgb(theme::colours().focus);
   painter.fillRect(QRect(row.x(), row.y(), row.width(), thick), colour);
   painter.fillRect(QRect(row.x(), row.bottom() + 1 - thick, row.width(), thick), colour);
   painter.fillRect(QRect(row.x(), row.y(), thin, row.height()), colour);
@@ -182,20 +182,20 @@ void ListView::paintFocus(QPainter& painter) {
 void ListView::paintHeadings(QPainter& painter) {
   const Rect strip{0, 0, scale_.own(viewport()->width()) + 1, headingHeight()};
   const QRect place = scale_.rect(strip);
-  painter.fillRect(place, QColor::fromRgb(theme::kPanel));
+  painter.fillRect(place, QColor::fromRgb(theme::colours().panel));
   painter.fillRect(QRect(0, place.bottom() + 1 - scale_.line(), place.width(), scale_.line()),
-                   QColor::fromRgb(theme::kLine));
+                   QColor::fromRgb(theme::colours().line));
   painter.setFont(theme::font(scale_, theme::kTextPixels - 1));
   int x = -sideways_;
   for (const ListColumn& column : columns_) {
     const QRect cell = scale_.rect(Rect{x, 0, column.width, headingHeight()});
     const QRect space = cell.adjusted(scale_.px(3), 0, -scale_.px(2), 0);
-    painter.setPen(QColor::fromRgb(theme::kInkSoft));
+    painter.setPen(QColor::fromRgb(theme::colours().ink_soft));
     painter.drawText(
         space, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
         painter.fontMetrics().elidedText(toQt(column.heading), Qt::ElideRight, space.width()));
     painter.fillRect(QRect(cell.right(), scale_.px(3), scale_.line(), cell.height() - scale_.px(6)),
-                     QColor::fromRgb(theme::kLineSoft));
+                     QColor::fromRgb(theme::colours().line_soft));
     x += column.width;
   }
 }

@@ -49,25 +49,27 @@ void MenuRow::paintEvent(QPaintEvent*) {
   if (isSeparator()) {
     const int y = height() / 2;
     painter.fillRect(QRect(margin, y, width() - 2 * margin, scale_.line()),
-                     QColor::fromRgb(theme::kLineSoft));
+                     QColor::fromRgb(theme::colours().line_soft));
     return;
   }
   const bool marked = hasFocus();
   if (marked) {
-    painter.fillRect(rect(), QColor::fromRgb(theme::kFocus));
+    painter.fillRect(rect(), QColor::fromRgb(theme::colours().focus));
   } else if (underMouse() && isEnabled()) {
-    painter.fillRect(rect(), QColor::fromRgb(theme::kFocusPaper));
+    painter.fillRect(rect(), QColor::fromRgb(theme::colours().focus_paper));
   }
-  const QRgb ink = !isEnabled() ? theme::kInkDisabled : marked ? theme::kPaper : theme::kInk;
+  const QRgb ink = !isEnabled() ? theme::colours().ink_disabled
+                   : marked     ? theme::colours().on_focus
+                                : theme::colours().ink;
   const QRect lead(margin - scale_.px(2), 0, scale_.px(14), height());
   if (entry_.checked) {
     const int side = scale_.px(12);
     paintTick(painter, QRectF(lead.x(), (height() - side) / 2.0, side, side), ink);
   } else if (number_ > 0) {
     painter.setFont(theme::font(scale_, theme::kTextPixels - 2));
-    painter.setPen(QColor::fromRgb(marked        ? theme::kPaper
-                                   : isEnabled() ? theme::kInkSoft
-                                                 : theme::kInkDisabled));
+    painter.setPen(QColor::fromRgb(marked        ? theme::colours().on_focus
+                                   : isEnabled() ? theme::colours().ink_soft
+                                                 : theme::colours().ink_disabled));
     painter.drawText(lead, Qt::AlignCenter, QString::number(number_));
   }
   QRect space(scale_.px(22), 0, width() - scale_.px(22 + 6), height());
@@ -192,16 +194,16 @@ void MenuPanel::wheelEvent(QWheelEvent* event) {
 
 void MenuPanel::paintEvent(QPaintEvent*) {
   QPainter painter(this);
-  painter.fillRect(rect(), QColor::fromRgb(theme::kBar));
+  painter.fillRect(rect(), QColor::fromRgb(theme::colours().bar));
   const QRect seen = window_->geometry();
-  painter.fillRect(seen, QColor::fromRgb(theme::kPaper));
+  painter.fillRect(seen, QColor::fromRgb(theme::colours().paper));
   if (strip_->height() <= seen.height()) return;
   const QRect track(seen.right() + 1, seen.top(), width() - seen.right() - 1 - scale_.line(),
                     seen.height());
-  painter.fillRect(track, QColor::fromRgb(theme::kPanel));
+  painter.fillRect(track, QColor::fromRgb(theme::colours().panel));
   painter.fillRect(QRect(track.x(), track.y() - strip_->y() * track.height() / strip_->height(),
                          track.width(), track.height() * track.height() / strip_->height()),
-                   QColor::fromRgb(theme::kLine));
+                   QColor::fromRgb(theme::colours().line));
 }
 
 }  // namespace tabelion

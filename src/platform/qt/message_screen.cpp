@@ -131,17 +131,17 @@ QRect MessageScreen::panel() const {
 void MessageScreen::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   const Scale& scale = frame_.scale();
-  painter.fillRect(rect(), QColor::fromRgba(theme::kShade));
+  painter.fillRect(rect(), QColor::fromRgba(theme::colours().shade));
   const QRect place = panel();
   const int margin = scale.px(kMargin);
-  painter.fillRect(place, QColor::fromRgb(theme::kPaper));
+  painter.fillRect(place, QColor::fromRgb(theme::colours().paper));
   painter.fillRect(QRect(place.x(), place.y(), place.width(), scale.line(2)),
-                   QColor::fromRgb(theme::kFocus));
+                   QColor::fromRgb(theme::colours().focus));
   if (title_height_ > 0) {
     const QRect strip(place.x() + margin, place.y() + scale.line(2), place.width() - 2 * margin,
                       title_height_);
     painter.setFont(theme::font(scale, theme::kTextPixels, TextWeight::kSemiBold));
-    painter.setPen(QColor::fromRgb(theme::kInk));
+    painter.setPen(QColor::fromRgb(theme::colours().ink));
     painter.drawText(
         strip, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
         painter.fontMetrics().elidedText(toQt(box_.title), Qt::ElideRight, strip.width()));

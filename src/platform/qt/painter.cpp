@@ -1,12 +1,15 @@
 #include "platform/qt/painter.h"
 
 #include <QPainter>
+#include <algorithm>
 
 #include "platform/qt/pictures.h"
 
 namespace tabelion {
 
 namespace {
+
+constexpr int kGapAfterCutText = 3;
 
 QColor toQt(Color color) {
   return QColor(color.red, color.green, color.blue);
@@ -34,11 +37,23 @@ void QtListPainter::text(const Rect& area, const std::u16string& text, Color col
   // The line sits in the middle of a row, so that both weights share one row height.
   const int slack = qMax(0, scale_.px(theme::kListRowHeight) - metrics.height());
   painter_.save();
-  painter_.setClipRect(place, Qt::IntersectClip);
+  const int wanted = metrics.horizontalAdvance(line);
+  // A text that is cut keeps clear of what comes next, and keeps its beginning, which is its right
+  // end where it is read from there.
+  const bool backwards = line.isRightToLeft();
+  const int room = place.width() - (wanted > place.width() ? scale_.px(kGapAfterCutText) : 0);
+  const int left = backwards ? place.right() + 1 - room : place.x();
+  painter_.setClipRect(QRect(left, place.y(), room, place.height()), Qt::IntersectClip);
   painter_.setFont(fonts_.font(weight));
   painter_.setPen(toQt(color));
-  painter_.drawText(QPoint(place.x(), place.y() + slack / 2 + metrics.ascent()), line);
+  painter_.setLayoutDirection(backwards ? Qt::RightToLeft : Qt::LeftToRight);
+  const int start = backwards ? std::min(left, left + room - wanted) : left;
+  painter_.drawText(QPoint(start, place.y() + slack / 2 + metrics.ascent()), line);
   painter_.restore();
+}
+
+Scheme QtListPainter::scheme() const {
+  return theme::scheme();
 }
 
 void QtListPainter::picture(Point at, Picture picture) {

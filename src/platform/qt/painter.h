@@ -18,6 +18,7 @@ class QtListPainter final : public ListPainter {
   void fill(const Rect& area, Color color) override;
   void text(const Rect& area, const std::u16string& text, Color color, TextWeight weight) override;
   void picture(Point at, Picture picture) override;
+  Scheme scheme() const override;
 
  private:
   QPainter& painter_;

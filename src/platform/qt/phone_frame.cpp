@@ -16,6 +16,14 @@ namespace {
 
 constexpr int kSmallestSide = 120;  // own pixels; a form's row still fits
 
+// Texts that are larger on the desktop count as a finer resolution.
+double automaticZoom(const Size& screen, double text_scale) {
+  const QScreen* desktop = QGuiApplication::primaryScreen();
+  if (desktop == nullptr) return 1.0;
+  return comfortableZoom(screen, desktop->availableSize(),
+                         desktop->logicalDotsPerInch() * std::max(1.0, text_scale));
+}
+
 }  // namespace
 
 double comfortableZoom(const Size& screen, const QSize& desktop, double dots_per_inch) {
@@ -26,23 +34,28 @@ double comfortableZoom(const Size& screen, const QSize& desktop, double dots_per
 }
 
 PhoneFrame::PhoneFrame(const FrameOptions& options)
-    : title_(new TitleStrip(scale_, this)),
+    : zoom_is_chosen_(options.zoom > 0),
+      title_(new TitleStrip(scale_, this)),
       client_(new QWidget(this)),
       soft_keys_(new SoftKeyBar(
           scale_, [this](SoftKey key) { pressSoftKey(key); }, this)),
       menus_(new MenuOverlay(scale_, client_)) {
-  double zoom = options.zoom;
-  if (zoom <= 0) {
-    const QScreen* desktop = QGuiApplication::primaryScreen();
-    zoom = desktop == nullptr ? 1.0
-                              : comfortableZoom(options.screen, desktop->availableSize(),
-                                                desktop->logicalDotsPerInch());
-  }
-  scale_ = Scale(std::clamp(zoom, kSmallestZoom, kLargestZoom));
+  const double zoom =
+      zoom_is_chosen_ ? options.zoom : automaticZoom(options.screen, options.text_scale);
+  applyZoom(std::clamp(zoom, kSmallestZoom, kLargestZoom));
+  resize(scale_.px(options.screen.width), scale_.px(options.screen.height));
+  first_size_ = size();
+  layOut();
+}
+
+bool PhoneFrame::wasSized() const {
+  return zoom_is_chosen_ || size() != first_size_;
+}
+
+void PhoneFrame::applyZoom(double zoom) {
+  scale_ = Scale(zoom);
   setStyleSheet(theme::styleSheet(scale_));
   setMinimumSize(scale_.px(kSmallestSide), scale_.px(kSmallestSide));
-  resize(scale_.px(options.screen.width), scale_.px(options.screen.height));
-  layOut();
 }
 
 Size PhoneFrame::screenSize() const {
@@ -56,13 +69,27 @@ Size PhoneFrame::clientSize() const {
 
 void PhoneFrame::setZoom(double zoom) {
   const Size own = screenSize();
-  scale_ = Scale(std::clamp(zoom, kSmallestZoom, kLargestZoom));
+  const QSize most =
+      screen() == nullptr ? QSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX) : screen()->availableSize();
+  const double fits = double(std::min(most.width(), most.height())) / kSmallestSide;
   menus_->dismiss();
-  setStyleSheet(theme::styleSheet(scale_));
-  setMinimumSize(scale_.px(kSmallestSide), scale_.px(kSmallestSide));
+  applyZoom(std::clamp(std::min(zoom, fits), kSmallestZoom, kLargestZoom));
   const QSize before = size();
-  resize(scale_.px(own.width), scale_.px(own.height));
+  resize(QSize(scale_.px(own.width), scale_.px(own.height)).boundedTo(most));
   if (size() == before) layOut();
+}
+
+void PhoneFrame::followTextScale(double text_scale) {
+  if (wasSized()) return;
+  setZoom(automaticZoom(screenSize(), text_scale));
+  first_size_ = size();
+}
+
+void PhoneFrame::setScheme(Scheme scheme) {
+  theme::setScheme(scheme);
+  setStyleSheet(theme::styleSheet(scale_));
+  const QList<QWidget*> parts = findChildren<QWidget*>();
+  for (QWidget* part : parts) part->update();
 }
 
 void PhoneFrame::push(Layer& layer) {
@@ -164,8 +191,10 @@ void PhoneFrame::resizeEvent(QResizeEvent*) {
 void PhoneFrame::keyPressEvent(QKeyEvent* event) {
   const bool control = event->modifiers().testFlag(Qt::ControlModifier);
   if (control && (event->key() == Qt::Key_Plus || event->key() == Qt::Key_Equal)) {
+    zoom_is_chosen_ = true;
     setZoom(scale_.zoom() + 0.25);
   } else if (control && event->key() == Qt::Key_Minus) {
+    zoom_is_chosen_ = true;
     setZoom(scale_.zoom() - 0.25);
   } else if (event->key() == Qt::Key_F1 || event->key() == Qt::Key_F2) {
     if (!event->isAutoRepeat()) {

@@ -18,7 +18,8 @@ namespace tabelion {
 
 struct FrameOptions {
   Size screen{240, 320};
-  double zoom = 0;  // 0: one that the desktop can show and the eye can read
+  double zoom = 0;        // 0: one that the desktop can show and the eye can read
+  double text_scale = 1;  // how much larger than usual the desktop's texts are, for that zoom
 };
 
 inline constexpr double kSmallestZoom = 0.5;
@@ -31,8 +32,14 @@ class PhoneFrame final : public QWidget {
   const Scale& scale() const { return scale_; }
   Size screenSize() const;  // the whole screen, in its own pixels
   Size clientSize() const;  // between title strip and soft keys
-  // Keeps the screen's own size and makes the window larger or smaller.
+  // Keeps the screen's own size and makes the window larger or smaller; where the desktop is too
+  // small for that, the screen loses some of its size.
   void setZoom(double zoom);
+  void setScheme(Scheme scheme);
+  // Whether somebody chose the size or the zoom, so that they are worth remembering.
+  bool wasSized() const;
+  // The desktop's texts have another size: follows it while the zoom is one that nobody chose.
+  void followTextScale(double text_scale);
 
   // Layers live in this widget; whoever pushes one pops it again, in reverse order.
   QWidget* layerParent() { return client_; }
@@ -58,10 +65,13 @@ class PhoneFrame final : public QWidget {
   bool focusNextPrevChild(bool) override { return true; }  // each layer moves its own focus
 
  private:
+  void applyZoom(double zoom);
   void layOut();
   void showWhatIsSeen();
 
   Scale scale_;
+  bool zoom_is_chosen_;
+  QSize first_size_;
   TitleStrip* title_;
   QWidget* client_;
   SoftKeyBar* soft_keys_;

@@ -9,6 +9,11 @@ namespace tabelion {
 
 namespace {
 
+constexpr QRgb kWhite = 0xFFFFFFFF;
+// The logo has the same colours in every scheme.
+constexpr QRgb kLogoEdge = 0xFF173A5C;
+constexpr QRgb kLogoHeading = 0xFF0A5FA8;
+
 // Draws in a square of `units` by `units` laid over the area.
 class UnitPainter {
  public:
@@ -44,10 +49,10 @@ class UnitPainter {
 
 void paintBox(QPainter& painter, const QRectF& area, bool ticked) {
   UnitPainter unit(painter, area, 13, 13);
-  unit.pen(ticked ? theme::kFocus : theme::kInkSoft, 1);
-  unit.box(QRectF(1, 1, 11, 11), 1.5, ticked ? theme::kFocus : theme::kPaper);
+  unit.pen(ticked ? theme::colours().focus : theme::colours().ink_soft, 1);
+  unit.box(QRectF(1, 1, 11, 11), 1.5, ticked ? theme::colours().focus : theme::colours().paper);
   if (!ticked) return;
-  unit.pen(theme::kPaper, 1.8);
+  unit.pen(theme::colours().on_focus, 1.8);
   unit.lines({{3.4, 6.8}, {5.6, 9.0}, {9.6, 4.2}});
 }
 
@@ -86,22 +91,22 @@ void paintTimeIcon(UnitPainter& unit) {
 
 void paintFieldIcon(QPainter& painter, const QRectF& area, void (*draw)(UnitPainter&)) {
   UnitPainter unit(painter, area, 20, 20);
-  unit.pen(theme::kFocus, 1.1);
+  unit.pen(theme::colours().focus, 1.1);
   draw(unit);
 }
 
 // Three index cards; the front one holds records, the first of them selected.
 void paintLogo(QPainter& painter, const QRectF& area) {
   UnitPainter unit(painter, area, 96, 48);
-  unit.pen(theme::kBar, 1.6);
+  unit.pen(kLogoEdge, 1.6);
   unit.box(QRectF(38, 2, 42, 30), 3, 0xFFBFE3F8);
   unit.box(QRectF(30, 7, 44, 32), 3, 0xFF7CCBF6);
-  unit.box(QRectF(18, 13, 48, 33), 3, theme::kPaper);
+  unit.box(QRectF(18, 13, 48, 33), 3, kWhite);
   (*unit).setPen(Qt::NoPen);
-  unit.box(QRectF(20.6, 21.6, 42.8, 7.4), 1, theme::kSelection);
+  unit.box(QRectF(20.6, 21.6, 42.8, 7.4), 1, 0xFF40BCFF);
   for (const double y : {18.0, 25.3, 32.6, 39.9}) {
     const bool heading = y < 20;
-    unit.pen(heading ? theme::kFocus : theme::kInk, heading ? 2.4 : 1.8);
+    unit.pen(heading ? kLogoHeading : kLogoEdge, heading ? 2.4 : 1.8);
     unit.lines({{24, y}, {heading ? 34.0 : 37.0, y}});
     unit.lines({{44, y}, {heading ? 53.0 : 59.0, y}});
   }
@@ -151,7 +156,7 @@ void paintMessageIcon(QPainter& painter, MessageIcon icon, const QRectF& area) {
   const bool triangle = icon == MessageIcon::kExclamation || icon == MessageIcon::kWarning;
   const QRgb colour = icon == MessageIcon::kError ? 0xFFB3261E
                       : triangle                  ? 0xFF9A5B00
-                                                  : theme::kFocus;
+                                                  : theme::colours().focus;
   UnitPainter unit(painter, area, 24, 24);
   (*unit).setPen(Qt::NoPen);
   (*unit).setBrush(QColor::fromRgb(colour));
@@ -162,7 +167,7 @@ void paintMessageIcon(QPainter& painter, MessageIcon icon, const QRectF& area) {
   } else {
     (*unit).drawEllipse(QRectF(1, 1, 22, 22));
   }
-  unit.pen(theme::kPaper, 2.4);
+  unit.pen(icon == MessageIcon::kError || triangle ? kWhite : theme::colours().on_focus, 2.4);
   switch (icon) {
     case MessageIcon::kInformation:
       unit.lines({{12, 11}, {12, 17.5}});

@@ -51,11 +51,11 @@ void ProgressPanel::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   const Scale& scale = frame_.scale();
   const int margin = scale.px(10);
-  painter.fillRect(rect(), QColor::fromRgba(theme::kShade));
+  painter.fillRect(rect(), QColor::fromRgba(theme::colours().shade));
   const QRect panel(0, height() - scale.px(kPanelHeight), width(), scale.px(kPanelHeight));
-  painter.fillRect(panel, QColor::fromRgb(theme::kPaper));
+  painter.fillRect(panel, QColor::fromRgb(theme::colours().paper));
   painter.setFont(theme::font(scale));
-  painter.setPen(QColor::fromRgb(theme::kInk));
+  painter.setPen(QColor::fromRgb(theme::colours().ink));
   const QRect line = panel.adjusted(margin, scale.px(6), -margin, -scale.px(24));
   painter.drawText(line, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
                    painter.fontMetrics().elidedText(what_, Qt::ElideRight, line.width()));

@@ -25,7 +25,8 @@ class LabelWidget final : public QLabel {
  protected:
   void paintEvent(QPaintEvent*) override {
     QPainter painter(this);
-    painter.setPen(QColor::fromRgb(isEnabled() ? theme::kInk : theme::kInkDisabled));
+    painter.setPen(
+        QColor::fromRgb(isEnabled() ? theme::colours().ink : theme::colours().ink_disabled));
     const QFontMetrics metrics = painter.fontMetrics();
     const int inset = scale_.px(3);  // from the screen's edge, or from an icon
     const QRect space = rect().adjusted(inset, 0, -inset, 0);
@@ -96,7 +97,8 @@ class CheckWidget final : public QCheckBox {
     paintPicture(painter, isChecked() ? Picture::kChecked : Picture::kUnchecked, QRectF(box));
     QRect label(box.right() + scale_.px(6), 0, 0, height());
     label.setRight(width() - scale_.px(3));
-    painter.setPen(QColor::fromRgb(isEnabled() ? theme::kInk : theme::kInkDisabled));
+    painter.setPen(
+        QColor::fromRgb(isEnabled() ? theme::colours().ink : theme::colours().ink_disabled));
     if (wraps) {
       drawWrappedText(painter, label.adjusted(0, inset, 0, 0), Qt::AlignLeft, text());
     } else {
@@ -106,7 +108,7 @@ class CheckWidget final : public QCheckBox {
     if (!hasFocus()) return;
     painter.setRenderHint(QPainter::Antialiasing);
     const double line = scale_.line(2);
-    painter.setPen(QPen(QColor::fromRgb(theme::kFocus), line));
+    painter.setPen(QPen(QColor::fromRgb(theme::colours().focus), line));
     const double reach = text().isEmpty() ? box.right() + inset : width() - line;
     painter.drawRoundedRect(QRectF(line / 2, line / 2, reach, height() - line), scale_.px(3),
                             scale_.px(3));
@@ -153,13 +155,15 @@ class ButtonWidget final : public QPushButton {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const double line = scale_.line(hasFocus() ? 2 : 1);
-    painter.setPen(QPen(QColor::fromRgb(hasFocus() ? theme::kFocus : theme::kLine), line));
-    painter.setBrush(QColor::fromRgb(isDown()     ? theme::kSelection
-                                     : hasFocus() ? theme::kFocusPaper
-                                                  : theme::kPanel));
+    painter.setPen(
+        QPen(QColor::fromRgb(hasFocus() ? theme::colours().focus : theme::colours().line), line));
+    painter.setBrush(QColor::fromRgb(isDown()     ? theme::colours().selection
+                                     : hasFocus() ? theme::colours().focus_paper
+                                                  : theme::colours().panel));
     painter.drawRoundedRect(QRectF(line / 2, line / 2, width() - line, height() - line),
                             scale_.px(3), scale_.px(3));
-    painter.setPen(QColor::fromRgb(isEnabled() ? theme::kInk : theme::kInkDisabled));
+    painter.setPen(
+        QColor::fromRgb(isEnabled() ? theme::colours().ink : theme::colours().ink_disabled));
     const QRect space = rect().adjusted(scale_.px(4), 0, -scale_.px(4), 0);
     painter.drawText(space, Qt::AlignCenter | Qt::TextSingleLine,
                      painter.fontMetrics().elidedText(text(), Qt::ElideRight, space.width()));

@@ -39,13 +39,14 @@ void StepBox::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   painter.setRenderHint(QPainter::Antialiasing);
   const double line = scale_.line(hasFocus() ? 2 : 1);
-  painter.setPen(QPen(QColor::fromRgb(hasFocus() ? theme::kFocus : theme::kLine), line));
-  painter.setBrush(QColor::fromRgb(!isEnabled() ? theme::kPanel
-                                   : hasFocus() ? theme::kFocusPaper
-                                                : theme::kPaper));
+  painter.setPen(
+      QPen(QColor::fromRgb(hasFocus() ? theme::colours().focus : theme::colours().line), line));
+  painter.setBrush(QColor::fromRgb(!isEnabled() ? theme::colours().panel
+                                   : hasFocus() ? theme::colours().focus_paper
+                                                : theme::colours().paper));
   painter.drawRoundedRect(QRectF(line / 2, line / 2, width() - line, height() - line), scale_.px(3),
                           scale_.px(3));
-  const QRgb ink = isEnabled() ? theme::kInk : theme::kInkDisabled;
+  const QRgb ink = isEnabled() ? theme::colours().ink : theme::colours().ink_disabled;
   const int side = scale_.px(10);
   const int top = (height() - side) / 2;
   const QRectF right(width() - side - scale_.px(4), top, side, side);

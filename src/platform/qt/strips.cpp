@@ -24,17 +24,17 @@ void TitleStrip::setBusy(bool busy) {
 
 void TitleStrip::paintEvent(QPaintEvent*) {
   QPainter painter(this);
-  painter.fillRect(rect(), QColor::fromRgb(theme::kBar));
+  painter.fillRect(rect(), QColor::fromRgb(theme::colours().bar));
   const int margin = scale_.px(6);
   QRect space = rect().adjusted(margin, 0, -margin, 0);
   if (busy_) {
     const int side = scale_.px(14);
     paintHourGlass(painter, QRectF(space.right() - side, (height() - side) / 2.0, side, side),
-                   theme::kBarInk);
+                   theme::colours().bar_ink);
     space.setRight(space.right() - side - margin);
   }
   painter.setFont(theme::font(scale_, theme::kTextPixels, TextWeight::kSemiBold));
-  painter.setPen(QColor::fromRgb(theme::kBarInk));
+  painter.setPen(QColor::fromRgb(theme::colours().bar_ink));
   painter.drawText(space, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
                    painter.fontMetrics().elidedText(title_, Qt::ElideRight, space.width()));
 }
@@ -53,11 +53,12 @@ int SoftKeyButton::wantedWidth() const {
 
 void SoftKeyButton::paintEvent(QPaintEvent*) {
   QPainter painter(this);
-  if (isDown()) painter.fillRect(rect(), QColor::fromRgb(theme::kBarPressed));
+  if (isDown()) painter.fillRect(rect(), QColor::fromRgb(theme::colours().bar_pressed));
   const int margin = scale_.px(6);
   const QRect space = rect().adjusted(margin, 0, -margin, 0);
   painter.setFont(theme::font(scale_, theme::kTextPixels, TextWeight::kSemiBold));
-  painter.setPen(QColor::fromRgb(isEnabled() ? theme::kBarInk : theme::kBarInkDisabled));
+  painter.setPen(
+      QColor::fromRgb(isEnabled() ? theme::colours().bar_ink : theme::colours().bar_ink_disabled));
   const auto side = key_ == SoftKey::kLeft ? Qt::AlignLeft : Qt::AlignRight;
   painter.drawText(space, side | Qt::AlignVCenter | Qt::TextSingleLine,
                    painter.fontMetrics().elidedText(text(), Qt::ElideRight, space.width()));
@@ -85,7 +86,7 @@ void SoftKeyBar::setLabels(const SoftKeyLabel& left, const SoftKeyLabel& right) 
 }
 
 void SoftKeyBar::paintEvent(QPaintEvent*) {
-  QPainter(this).fillRect(rect(), QColor::fromRgb(theme::kBar));
+  QPainter(this).fillRect(rect(), QColor::fromRgb(theme::colours().bar));
 }
 
 void SoftKeyBar::resizeEvent(QResizeEvent*) {

@@ -36,6 +36,13 @@ bool acceptsAll(ControlHost& host, ControlId id, const QString& inserted) {
   return true;
 }
 
+// Whoever types a character sees that it does not appear; of a whole text one wants to know why.
+void sayRefused(ControlHost& host, ControlId id, const QString& inserted, bool fits) {
+  QApplication::beep();
+  if (inserted.toUcs4().size() < 2) return;
+  host.notifyLater(id, fits ? Notice::kNotAllowed : Notice::kTooLong);
+}
+
 // Refuses a change of a one-line box by what it inserts, compared with the text before.
 class InsertionValidator final : public QValidator {
  public:
@@ -56,10 +63,9 @@ class InsertionValidator final : public QValidator {
     if (tail > 0 && text[text.size() - tail].isLowSurrogate()) --tail;
     const bool longer = text.size() > before.size();
     const bool fits = max_length_ <= 0 || text.size() <= max_length_ || !longer;
-    if (fits && acceptsAll(host_, id_, text.mid(start, text.size() - start - tail))) {
-      return Acceptable;
-    }
-    QApplication::beep();
+    const QString inserted = text.mid(start, text.size() - start - tail);
+    if (fits && acceptsAll(host_, id_, inserted)) return Acceptable;
+    sayRefused(host_, id_, inserted, fits);
     return Invalid;
   }
 
@@ -146,8 +152,9 @@ class MultiLineBox final : public QPlainTextEdit {
   bool takes(const QString& inserted) {
     const qsizetype selected = textCursor().selectionEnd() - textCursor().selectionStart();
     const qsizetype size = document()->characterCount() - 1 - selected + inserted.size();
-    if ((max_length_ <= 0 || size <= max_length_) && acceptsAll(host_, id_, inserted)) return true;
-    QApplication::beep();
+    const bool fits = max_length_ <= 0 || size <= max_length_;
+    if (fits && acceptsAll(host_, id_, inserted)) return true;
+    sayRefused(host_, id_, inserted, fits);
     return false;
   }
 

@@ -23,21 +23,31 @@ inline constexpr int kTextPixels = 12;
 inline constexpr int kListTitlePixels = 14;
 inline constexpr int kDotsPerInch = 96;
 
-inline constexpr QRgb kPaper = 0xFFFFFFFF;
-inline constexpr QRgb kInk = 0xFF14202B;
-inline constexpr QRgb kInkSoft = 0xFF4A5763;  // second-rank text; 7:1 on paper
-inline constexpr QRgb kInkDisabled = 0xFF8A929A;
-inline constexpr QRgb kLine = 0xFF8793A0;  // borders of controls
-inline constexpr QRgb kLineSoft = 0xFFD5DBE1;
-inline constexpr QRgb kPanel = 0xFFEFF2F5;  // headings, read-only boxes
-inline constexpr QRgb kBar = 0xFF173A5C;    // title strip and soft keys
-inline constexpr QRgb kBarPressed = 0xFF2B5F91;
-inline constexpr QRgb kBarInk = 0xFFFFFFFF;
-inline constexpr QRgb kBarInkDisabled = 0xFF8FA6BC;
-inline constexpr QRgb kFocus = 0xFF0A5FA8;  // rings and frames of what has the focus
-inline constexpr QRgb kFocusPaper = 0xFFE8F4FD;
-inline constexpr QRgb kSelection = 0xFF40BCFF;
-inline constexpr QRgb kShade = 0x78101820;  // over what lies below a panel
+// What the window is painted with. Contrast of ink on paper is 7:1 or more in every scheme, that of
+// borders and of the frame round what has the focus 3:1.
+struct Colours {
+  QRgb paper;
+  QRgb ink;
+  QRgb ink_soft;  // second-rank text
+  QRgb ink_disabled;
+  QRgb line;  // borders of controls
+  QRgb line_soft;
+  QRgb panel;  // headings, read-only boxes
+  QRgb bar;    // title strip and soft keys
+  QRgb bar_pressed;
+  QRgb bar_ink;
+  QRgb bar_ink_disabled;
+  QRgb focus;     // rings and frames of what has the focus
+  QRgb on_focus;  // text and marks on it
+  QRgb focus_paper;
+  QRgb selection;
+  QRgb shade;  // over what lies below a panel
+};
+const Colours& colours();  // of the present scheme
+
+// Held by the application object. A window that is there already is told by its setScheme.
+Scheme scheme();
+void setScheme(Scheme scheme);
 
 // A font of the given height in the screen's own pixels.
 QFont font(const Scale& scale, int pixels = kTextPixels, TextWeight weight = TextWeight::kNormal);

@@ -1,19 +1,15 @@
 #include "screens/records/list_columns.h"
 
 #include "query/field_text.h"
+#include "screens/kit/row_colors.h"
 #include "services/screen_text.h"
 
 namespace tabelion {
 namespace {
 
-constexpr Color kSelectedRow{64, 188, 255};
-constexpr Color kEvenRow{224, 224, 224};
-constexpr Color kOddRow{255, 255, 255};
-constexpr Color kInk{0, 0, 0};
-
-Color backgroundOf(int row, bool selected) {
-  if (selected) return kSelectedRow;
-  return row % 2 == 0 ? kEvenRow : kOddRow;
+Color backgroundOf(const RowColors& colors, int row, bool selected) {
+  if (selected) return colors.selected;
+  return row % 2 == 0 ? colors.even : colors.odd;
 }
 
 }  // namespace
@@ -42,7 +38,9 @@ std::u16string ListCellText(Application& app, std::uint32_t record, int slot) {
 
 void PaintListRow(Application& app, int row, const RowPainting& row_painting, ListPainter& painter,
                   const Rect& area) {
-  painter.fill(area, backgroundOf(row, row_painting.selected));
+  const RowColors& colors = RowColorsOf(painter.scheme());
+  const Color ink = row_painting.selected ? colors.selected_ink : colors.ink;
+  painter.fill(area, backgroundOf(colors, row, row_painting.selected));
   const Database& database = CurrentDatabase(app);
   if (row < 0 || static_cast<std::size_t>(row) >= database.record_index.size()) return;
   const std::uint32_t record = database.record_index[static_cast<std::size_t>(row)];
@@ -62,7 +60,7 @@ void PaintListRow(Application& app, int row, const RowPainting& row_painting, Li
       painter.picture({cell.x, cell.y},
                       text.starts_with(u'1') ? Picture::kChecked : Picture::kUnchecked);
     } else if (!text.empty()) {
-      painter.text(cell, text, kInk, TextWeight::kNormal);
+      painter.text(cell, text, ink, TextWeight::kNormal);
     }
   }
 }

@@ -22,35 +22,10 @@ int findSlot(const DatabaseRecord& schema) {
 
 }  // namespace
 
-bool IsFindCharacter(char32_t character) {
-  if (character >= 0x80) return character >= 0xA0;
-  return character == U' ' || isDigit(character) || isLetter(character);
-}
-
-void QuickFind::clear() {
-  typed_.clear();
-  in_use_ = false;
-}
-
-std::optional<int> QuickFind::type(Application& app, char32_t character) {
-  if (typed_.size() >= kCapacity || character > 0xFFFF) return std::nullopt;
-  in_use_ = true;
-  typed_.push_back(static_cast<char16_t>(character));
-  const std::optional<int> row = search(app);
-  if (!row) typed_.pop_back();
-  return row;
-}
-
-std::optional<int> QuickFind::erase(Application& app) {
-  if (typed_.empty()) return std::nullopt;
-  typed_.pop_back();
-  return search(app);
-}
-
-std::optional<int> QuickFind::search(Application& app) const {
+std::optional<int> FindListRow(Application& app, const std::u16string& typed) {
   const Database& database = CurrentDatabase(app);
   const int slot = findSlot(database.schema);
-  Result<std::string> wanted = StoredText(app, typed_);
+  Result<std::string> wanted = StoredText(app, typed);
   if (slot < 0 || !wanted.ok() || wanted->empty()) return std::nullopt;
   const std::string word = lowerCaseText(*wanted);
   for (std::size_t row = 0; row < database.record_index.size(); ++row) {

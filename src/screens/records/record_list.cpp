@@ -10,6 +10,7 @@
 #include "screens/records/edit_record.h"
 #include "screens/records/form_layout.h"
 #include "screens/records/list_columns.h"
+#include "screens/records/quick_find.h"
 #include "screens/records/undo.h"
 #include "services/access.h"
 #include "services/message.h"
@@ -121,7 +122,7 @@ void RecordListScreen::OpenFile(Dialog& dialog) {
 }
 
 void RecordListScreen::FillRecordList(Dialog& dialog) {
-  find_.clear();
+  find_.clear(dialog);
   if (!IsDatabaseOpen(app_)) return;
   Database& database = CurrentDatabase(app_);
   if (app_.engine.steps.refresh) app_.engine.steps.refresh(database);
@@ -153,7 +154,7 @@ void RecordListScreen::onNotice(Dialog& dialog, ControlId control, Notice notice
   if (control != kRecordList) return;
   if (notice == Notice::kActivated) OpenSelected(dialog);
   if (notice == Notice::kSelectionChanged) {
-    find_.clear();
+    find_.clear(dialog);
     const auto& index = CurrentDatabase(app_).record_index;
     const auto row = static_cast<std::size_t>(dialog.list(kRecordList).selectedRow());
     if (row < index.size()) app_.level().current_record = index[row];
@@ -255,24 +256,16 @@ bool RecordListScreen::onKey(Dialog& dialog, const KeyPress& key) {
   return QuickFindKey(dialog, key);
 }
 
-// The Back key erases what was typed; when all of it is gone, one press too many must not close
-// the database, so Back means Close again only after the selection was moved.
 bool RecordListScreen::QuickFindKey(Dialog& dialog, const KeyPress& key) {
   if (!IsDatabaseOpen(app_)) return false;
-  std::optional<int> row;
-  if (key.key == Key::kCharacter && IsFindCharacter(key.character)) {
-    row = find_.type(app_, key.character);
-  } else if (key.key == Key::kBack && find_.inUse()) {
-    row = find_.erase(app_);
-  } else {
-    return false;
-  }
-  if (row) {
+  const TypeToFind::Taken found = find_.onKey(
+      dialog, key, [this](const std::u16string& typed) { return FindListRow(app_, typed); });
+  if (found.row) {
     app_.level().current_record =
-        CurrentDatabase(app_).record_index[static_cast<std::size_t>(*row)];
-    SelectListRow(dialog, *row);
+        CurrentDatabase(app_).record_index[static_cast<std::size_t>(*found.row)];
+    SelectListRow(dialog, *found.row);
   }
-  return true;
+  return found.taken;
 }
 
 void RecordListScreen::onPaintRow(Dialog& dialog, ControlId control, int row, ListPainter& painter,

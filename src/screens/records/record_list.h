@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "screens/kit/commands.h"
-#include "screens/records/quick_find.h"
+#include "screens/kit/type_to_find.h"
 #include "services/application.h"
 
 namespace tabelion {
@@ -28,6 +28,7 @@ class RecordListScreen : public CommandScreen<RecordListScreen> {
   void onMessage(Dialog& dialog, int message) override;
   void onNotice(Dialog& dialog, ControlId control, Notice notice) override;
   bool onKey(Dialog& dialog, const KeyPress& key) override;
+  void onTimer(Dialog& dialog, int timer) override { find_.onTimer(dialog, timer); }
   void onActivate(Dialog& dialog) override { dialog.list(kRecordList).focus(); }
   void onResize(Dialog& dialog) override { Layout(dialog); }
   void onPaintRow(Dialog& dialog, ControlId list, int row, ListPainter& painter,
@@ -59,7 +60,7 @@ class RecordListScreen : public CommandScreen<RecordListScreen> {
   Application& app_;
   std::string path_;
   std::optional<std::uint32_t> first_record_;
-  QuickFind find_;
+  TypeToFind find_{u"Tabelion"};
   std::vector<int> slots_;  // of the columns
 };
 

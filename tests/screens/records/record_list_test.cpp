@@ -50,6 +50,12 @@ TEST(RecordList, ShowsColumnsAndPaintsRows) {
         EXPECT_EQ(list.paintRow(1).fills[0].color, (Color{255, 255, 255}));
         EXPECT_EQ(list.paintRow(1).pictures[0].picture, Picture::kUnchecked);
         EXPECT_EQ(list.paintRow(2).fills[0].color, (Color{224, 224, 224}));
+        EXPECT_EQ(first.texts[0].color, (Color{0, 0, 0}));
+        dialog.phone.scheme = Scheme::kDark;
+        const PaintedRow dark = list.paintRow(2);
+        EXPECT_LT(dark.fills[0].color.green + 100, dark.texts[0].color.green);
+        EXPECT_NE(list.paintRow(0).fills[0].color, dark.fills[0].color);
+        dialog.phone.scheme = Scheme::kLight;
         EXPECT_TRUE(list.paintRow(3).texts.empty());
         EXPECT_EQ(dialog.handler.rowText(dialog, kRecordList, 0), u"Emma, 474, 1");
       })
@@ -111,9 +117,18 @@ TEST(RecordList, QuickFindSelectsTheFirstThatBeginsSo) {
       .look(row(2))
       .press(Key::kBack)
       .look(row(1))
+      .look([](FakeDialog& dialog) { EXPECT_EQ(dialog.title, u"Find: bern 1"); })
       .press(Key::kBack, 6)  // all gone; the database stays open, however often Back is pressed
       .press(Key::kBack, 2)
       .type(u"c")
+      .look(row(3))
+      .fire(kFindTimer)  // a pause
+      .look([](FakeDialog& dialog) { EXPECT_EQ(dialog.title, u"Tabelion"); })
+      .type(u"b")
+      .look(row(1))
+      .type(u"ern 12")
+      .fire(kFindTimer)
+      .type(u"cork")
       .look(row(3))
       .press(Key::kDown)
       .look(row(4))
