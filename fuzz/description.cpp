@@ -36,7 +36,7 @@ struct Made {
 std::string rowsOf(const Database& database, const TextEncoding& encoding) {
   Text text;
   OutputBuffer out(text);
-  exportTable(database, encoding, TableFormat::kCsv, "t", out, {});
+  exportTable(database, encoding, TableFormat::kCsv, "t", {}, out, {});
   out.flush();
   return text.text;
 }

@@ -249,7 +249,7 @@ TEST_F(Chooser, EndOfTheSessionStoresWhatIsHalfTyped) {
   run();
 
   // What could not be stored is told at the next start, once.
-  const std::string diary = world.add("Diary", {{"On", kDate}}, {{"2024-02-29"}});
+  const std::string diary = world.add("Diary", {{"On", FieldType::kDate}}, {{"2024-02-29"}});
   world.phone.at(kRecordListScreen).press(Key::kEnter);
   world.phone.at(kEditRecordScreen).write(FormValue(0), u"5/6/26").look(hears(RequestKind::kQuit));
   run({.open_file = diary});
@@ -299,7 +299,7 @@ TEST_F(Chooser, BackAsksBeforeItEndsTheProgram) {
 // From the form upwards each screen does as it does when it is left, and may ask.
 TEST_F(Chooser, ClosingTheWindowLeavesEveryScreenInOrder) {
   const std::string path =
-      world.add("Apples", {{"Sort"}, {"Picked", kDate}}, {{"Cox", "2024-09-01"}});
+      world.add("Apples", {{"Sort"}, {"Picked", FieldType::kDate}}, {{"Cox", "2024-09-01"}});
   const auto close = [this](FakeDialog&) { world.phone.close_window(); };
   world.set("AutoSave", "1");
   chooser().press(Key::kEnter);

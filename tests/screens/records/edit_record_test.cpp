@@ -197,8 +197,8 @@ TEST_F(EditRecord, NoDateIsStoredThatNobodyTypedOrSaw) {
 }
 
 TEST_F(EditRecord, TypingInABoxThatOneArrivesAtReplacesItsText) {
-  database->schema.fields[kName].type = kUnused;
-  database->schema.fields[kCount].type = kUnused;
+  database->schema.fields[kName].type = FieldType::kUnused;
+  database->schema.fields[kCount].type = FieldType::kUnused;
   open(0);
   form().look([](FakeDialog& d) { EXPECT_FALSE(d.fake(FormValue(kPrice)).text_selected); });
   form().type(u"1").focus(FormValue(kHour)).press(Key::kUp).type(u"12/31/2031").choose({u"Done"});

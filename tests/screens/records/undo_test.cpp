@@ -6,6 +6,7 @@
 #include "screens/records/edit_record.h"
 #include "screens/records/record_list.h"
 #include "security/access_rights.h"
+#include "security/database_encryption.h"
 #include "support/phone_world.h"
 
 namespace tabelion {
