@@ -183,7 +183,7 @@ TEST_F(Table, TextsOfOtherProgramsAreUnderstood) {
                    "z;1/2/2024;;;\n"),
             "4: Day: \"5.9.24\" is not a date like 31.3.2024\n"
             "5: Day: \"1/2/2024\" is not a date like 31.3.2024\n");
-  EXPECT_EQ(exported(), "Name,Day,Ok,N,K\n x,2024-09-05,1,7,a\ny,2024-05-09,0,, b\n");
+  EXPECT_EQ(exported(), "Name,Day,Ok,N,K\n x,2024-09-05,1,7,a\ny,2024-05-09,0,0, b\n");
   EXPECT_EQ(import("Name,(reason)\nagain,was wrong\n"), "");
   EXPECT_EQ(import("(reason),Name\n"),
             "line 1: the database has no field \"(reason)\"; there is "
