@@ -142,7 +142,10 @@ TEST_F(Chooser, AutoSaveWritesAnOpenDatabaseAndNothingElse) {
         world.files.fail_replace_at = 0;
       })
       .fireOf(kChooserScreen, kAutoSaveTimer);
-  world.phone.says(u"ERROR:File could not be saved", u"Update");
+  world.phone.says(
+      u"ERROR:File could not be saved\nCould not write /documents/Tabelion/Apples.PDB: the disk is "
+      u"full",
+      u"Update");
   world.phone.at(kEditRecordScreen).choose({u"Menu", u"Cancel"});
   world.phone.at(kRecordListScreen).choose({u"Menu", u"Close"});
   chooser().choose({u"Menu", u"Exit"});

@@ -103,7 +103,8 @@ TEST_F(InstanceTest, OneOfTwentyStaysAfterAKilledOneAndOpensWhatItIsAskedFor) {
     EXPECT_EQ(folder.read("errors" + std::to_string(i + 3)), "") << "handed over";
   }
   ASSERT_NE(first, nullptr);
-  expectHandsOver({"My Films.PDB"});
+  EXPECT_EQ(start({"My Films.PDB"}).wait(), 0);
+  EXPECT_EQ(errors(), "tabelion: A database is opened with --open My Films.PDB.\n");
   EXPECT_FALSE(std::filesystem::exists(folder / ".My Films.PDB.lock")) << "no plain words open";
   expectHandsOver({"--open", "documents/../My Films.PDB"});
   EXPECT_TRUE(opens(first->pid()));

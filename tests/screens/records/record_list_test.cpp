@@ -196,7 +196,10 @@ TEST(RecordList, SavesAndComesBackToTheSameRecord) {
   world.phone.says(u"File Saved", u"Update");
   world.phone.at(kRecordListScreen).look([&](FakeDialog&) { world.files.fail_replace_at = 0; });
   world.phone.at(kRecordListScreen).choose({u"Menu", u"Save"});
-  world.phone.says(u"ERROR:File could not be saved", u"Update");
+  world.phone.says(
+      u"ERROR:File could not be saved\nCould not write /documents/Tabelion/Books.PDB: the disk is "
+      u"full",
+      u"Update");
   world.phone.at(kRecordListScreen).choose({u"Menu", u"Close"});
   world.phone.at(kRecordListScreen)
       .look([](FakeDialog& dialog) { EXPECT_EQ(dialog.fake(kRecordList).selectedRow(), 2); })
