@@ -114,7 +114,7 @@ TEST_F(CliProgram, EndlessInputAndLittleMemoryEndInWords) {
 
 TEST_F(CliProgram, SqlLoadsAsItStands) {
   if (shell("command -v sqlite3") != 0) GTEST_SKIP() << "the program sqlite3 is not there";
-  folder.write("a.csv", "Name,N\n\"it's \"\"so\"\"\nand ;\",-5\n\"€\",\n");
+  folder.write("a.csv", "Name,N\n\"it's \"\"so\"\"\nand ;\",-5\n\"€\",0\n");
   ASSERT_EQ(shell("\"$cli\" create a.PDB --schema a.json --data a.csv && "
                   "\"$cli\" export a.PDB --format sql | sqlite3 -bail a.db && "
                   "sqlite3 -csv -header a.db 'SELECT * FROM A' | tr -d '\\r'"),
