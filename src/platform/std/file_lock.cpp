@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/std/lock_note.h"
 #include "platform/std/own_sibling.h"
 #include "platform/std/posix.h"
 #include "platform/std/process_mark.h"
@@ -21,10 +22,6 @@ namespace {
 
 constexpr int kFlags = O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
 constexpr int kRounds = 20;  // while a holder is just going, or has not written its name yet
-
-// A file that says nothing of its maker for so long was left by one that was killed between making
-// it and writing its name.
-constexpr std::int64_t kNamelessSeconds = 60;
 
 class KernelLock : public FileLock {
  public:
@@ -65,46 +62,6 @@ class LockOfAllNames : public FileLock {
   std::vector<std::unique_ptr<FileLock>> locks_;
 };
 
-// What a lock file says.
-struct Note {
-  std::string holder;  // "HOLDER (process PID on HOST)"
-  std::string mark;
-  bool by_existing = false;  // the file itself is the lock
-  bool empty() const { return holder.empty() && mark.empty(); }
-};
-
-Note readNote(int fd) {
-  char text[512];
-  const ssize_t got = ::pread(fd, text, sizeof text, 0);
-  std::string_view rest(text, got > 0 ? static_cast<std::size_t>(got) : 0);
-  const auto line = [&] {
-    const std::size_t end = std::min(rest.find('\n'), rest.size());
-    const std::string_view first = rest.substr(0, end);
-    rest.remove_prefix(std::min(end + 1, rest.size()));
-    return first;
-  };
-  Note note;
-  note.holder = line();
-  if (const std::size_t comma = note.holder.rfind(", "); comma != std::string::npos) {
-    note.holder =
-        fmt::format("{} ({})", note.holder.substr(0, comma), note.holder.substr(comma + 2));
-  }
-  const std::string_view second = line();
-  const std::size_t blank = std::min(second.find(' '), second.size());
-  note.mark = second.substr(0, blank);
-  note.by_existing = second.substr(blank) == " file";
-  return note;
-}
-
-// False with errno set when not all of it could be written.
-bool writeNote(int fd, const std::string& holder, std::string_view kind) {
-  const std::string text = fmt::format("{}, process {} on {}\n{} {}\n", holder, ::getpid(),
-                                       hostName(), processMark(), kind);
-  if (::ftruncate(fd, 0) != 0) return false;
-  errno = ENOSPC;  // for a write that comes short
-  return ::pwrite(fd, text.data(), text.size(), 0) == static_cast<ssize_t>(text.size());
-}
-
 // Renames without ever overwriting, or not at all. False with errno set.
 bool renameNoReplaceAtOnce(const std::string& from, const std::string& to) {
   return ::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0;
@@ -137,14 +94,6 @@ bool isStillThere(int fd, const std::string& path) {
   struct stat ours {};
   struct stat there {};
   return ::fstat(fd, &ours) == 0 && ::lstat(path.c_str(), &there) == 0 && sameFile(ours, there);
-}
-
-// Whether a lock file is left of a program that has ended. `now` in seconds since 1970.
-bool isAbandoned(int fd, std::int64_t now) {
-  const Note note = readNote(fd);
-  if (!note.empty()) return hasEnded(note.mark);
-  struct stat status {};
-  return ::fstat(fd, &status) == 0 && now - status.st_mtim.tv_sec > kNamelessSeconds;
 }
 
 void waitForHolder() {
@@ -181,7 +130,7 @@ class Attempt {
  private:
   using Outcome = Result<std::unique_ptr<FileLock>>;
 
-  Error lockedBy(const Note& note) const {
+  Error lockedBy(const LockNote& note) const {
     std::string text =
         fmt::format("{} is open in {}; close it there first", shown_path_, note.holder);
     if (note.by_existing) {
@@ -285,7 +234,7 @@ class Attempt {
       return;
     }
     const KernelAnswer answer = askKernel(file.get());
-    const Note note = readNote(file.get());
+    const LockNote note = readNote(file.get());
     if (answer == KernelAnswer::kLocked && (!note.by_existing || hasEnded(note.mark))) {
       (void)writeNote(file.get(), holder_, "kernel");  // best effort, as in sign()
       return keepKernelLock(std::move(file));

@@ -77,7 +77,8 @@ TEST_F(CliProgram, NamesDoNotCommandATerminal) {
   ASSERT_EQ(shell("\"$cli\" create a.PDB --schema a.json --data a.csv"), 0) << errors;
   ASSERT_EQ(shell("\"$cli\" export a.PDB --format csv"), 0);
   EXPECT_THAT(output, HasSubstr("\x1b]0;gone\x07")) << "data on a pipe stays as it is";
-  ASSERT_EQ(shell("script -qec \"'$cli' export a.PDB --format csv; '$cli' info $(printf 'no\\033[7m')\" /dev/null"
+  ASSERT_EQ(shell("script -qec \"'$cli' export a.PDB --format csv; '$cli' info $(printf "
+                  "'no\\033[7m')\" /dev/null"
                   " < /dev/null; true"),
             0);
   EXPECT_THAT(output, HasSubstr("␛]0;gone␇"));
