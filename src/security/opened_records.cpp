@@ -196,16 +196,10 @@ void OpenedRecords::tryAgain(Database& database, std::uint32_t number) {
   WipeBytes(as_opened.bytes);
 }
 
-bool OpenedRecords::isUnchanged(const Database& database, const Opened& opened,
-                                ByteView clear) const {
-  RecordFront front;
-  return ResealRecordFront(FlaggedFields(database.schema), clear, opened.sealed.bytes(),
-                           passwords_[opened.password]->key, front) &&
-         IsWhole(front, clear, opened.sealed.bytes());
-}
-
 void OpenedRecords::closeUncertain(Database& database, Before before) {
   IdentityIndex positions = positionsInClear(database);
+  const FlaggedFields flagged(database.schema);
+  RecordFront front;
   std::erase_if(opened_, [&](Opened& opened) {
     return positions.forEach(opened.identity, [&](std::uint32_t position) {
       Record& record = database.records[position];
@@ -213,9 +207,16 @@ void OpenedRecords::closeUncertain(Database& database, Before before) {
       if (isRecordEncrypted(clear)) return false;
       const bool stays_open = before == Before::kLooking ? looksRight(database, opened, clear)
                                                          : isCertain(database, opened, clear);
-      if (stays_open || !isUnchanged(database, opened, clear)) return false;
-      record.swap(opened.sealed);
-      return true;
+      const ByteView sealed = opened.sealed.bytes();
+      if (stays_open ||
+          !ResealRecordFront(flagged, clear, sealed, passwords_[opened.password]->key, front)) {
+        return false;
+      }
+      if (IsWhole(front, clear, sealed)) {
+        record.swap(opened.sealed);
+        return true;
+      }
+      return database.records.replaceFront(position, front.old_size, front.bytes);
     });
   });
 }

@@ -121,7 +121,6 @@ class OpenedRecords {
                const Form& form) const;
   bool looksRight(const Database& database, const Opened& opened, ByteView clear) const;
   bool isCertain(const Database& database, const Opened& opened, ByteView clear) const;
-  bool isUnchanged(const Database& database, const Opened& opened, ByteView clear) const;
   double evidence(const Database& database, const Opened& opened, ByteView clear) const;
   bool looksLike(const Database& database, const Opened& opened, ByteView clear,
                  const KnownPassword& other) const;
