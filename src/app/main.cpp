@@ -124,4 +124,3 @@ int main(int argc, char** argv) {
   std::cerr << "tabelion: " << instance.problem() << ".\n";
   return tabelion::kExitNotStarted;
 }
-

@@ -97,7 +97,8 @@ ExitCode runDelete(const DeleteOptions& options, CliContext& context) {
 CommandBody declareDelete(OptionList list) {
   const auto options = std::make_shared<DeleteOptions>();
   list.required("FILE", options->file, "The database");
-  list.several("RECORD", options->records, "Numbers of records in database order, from 1, or their ids");
+  list.several("RECORD", options->records,
+               "Numbers of records in database order, from 1, or their ids");
   list.flag("--filtered", options->filtered, "The records that pass the database's filter");
   list.flag("--outside", options->outside, "The records that do not pass it");
   list.flag("--yes", options->yes, "Do not ask");

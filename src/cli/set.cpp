@@ -37,7 +37,8 @@ ExitCode runSet(const SetOptions& options, CliContext& context) {
 CommandBody declareSet(OptionList list) {
   const auto options = std::make_shared<SetOptions>();
   list.required("FILE", options->file, "The database");
-  list.required("RECORD", options->record, "Number of the record in database order, from 1, or its id");
+  list.required("RECORD", options->record,
+                "Number of the record in database order, from 1, or its id");
   list.atLeastOne("FIELD=VALUE", options->values, "What is to be stored; an empty VALUE is none");
   list.flag("--json", options->json, "Print the record's number as JSON");
   return [options](CliContext& context) { return runSet(*options, context); };

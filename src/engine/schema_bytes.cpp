@@ -1,5 +1,6 @@
 #include "engine/schema_bytes.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <utility>
@@ -117,15 +118,15 @@ class WindowCodec {
   }
   template <std::size_t N>
   void bytes(std::array<std::uint8_t, N>& value) {
-    if (const std::uint8_t* at = enter(N)) std::memcpy(value.data(), at, N);
+    if (const std::uint8_t* at = enter(N)) std::copy(at, at + N, value.begin());
   }
 
  private:
   const std::uint8_t* enter(std::size_t size) {
     const std::size_t at = at_;
     at_ += size;
-    const bool inside = at >= offset_ && at + size <= offset_ + bytes_.size();
-    return inside ? bytes_.data() + (at - offset_) : nullptr;
+    if (at < offset_ || bytes_.size() < size || at - offset_ > bytes_.size() - size) return nullptr;
+    return bytes_.data() + (at - offset_);
   }
 
   std::size_t at_ = 0;

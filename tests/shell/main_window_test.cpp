@@ -115,8 +115,8 @@ TEST_F(Chooser, CodePageOfThisRunIsTheOneGiven) {
   world.phone.at(kRecordListScreen).press(Key::kEnter);
   world.phone.at(kEditRecordScreen).write(FormValue(0), u"Ж").press(Key::kEnter);
   world.phone.at(kRecordListScreen).choose({u"Menu", u"Close"});
-    world.phone.at(kSaveQuestionScreen).activate(kSaveChangesButton);
-    chooser().choose({u"Menu", u"Exit"});
+  world.phone.at(kSaveQuestionScreen).activate(kSaveChangesButton);
+  chooser().choose({u"Menu", u"Exit"});
   run({.command_line = "", .code_page = "CP1251"});
   EXPECT_EQ(world.cell(path, 0, 0), "\xC6");
   EXPECT_EQ(world.setting("CodePage"), "(none)");
