@@ -73,11 +73,11 @@ Byte byteOf(Word word, int index) {
   return static_cast<Byte>(word >> 8 * index);
 }
 
-// The block operation.
-Word enciphered(Word block, const ExpandedKey& key) {
+// The block operation. The key by its bytes, whose place is looked up once for many blocks.
+Word enciphered(Word block, const Byte* key) {
   Byte a = byteOf(block, 0), b = byteOf(block, 1), c = byteOf(block, 2), d = byteOf(block, 3);
   Byte e = byteOf(block, 4), f = byteOf(block, 5), g = byteOf(block, 6), h = byteOf(block, 7);
-  const Byte* k = key.bytes().data() + 1;
+  const Byte* k = key + 1;
   for (int round = 0; round < kCipherRounds; ++round, k += 2 * kCipherBlockSize) {
     a = sum(exponent(a ^ k[0]), k[8]);
     b = logarithm(sum(b, k[1])) ^ k[9];
@@ -117,18 +117,19 @@ enum class Direction { kEncipher, kDecipher };
 template <Direction kDirection>
 Byte runFeedback(std::span<Byte> bytes, const ExpandedKey& key) {
   constexpr bool kEnciphers = kDirection == Direction::kEncipher;
+  const Byte* const key_bytes = key.bytes().data();
   Word feedback = loadWord(key.bytes().first<kCipherBlockSize>());
   Byte total = 0;
   for (; bytes.size() >= kCipherBlockSize; bytes = bytes.subspan(kCipherBlockSize)) {
     const auto block = bytes.first<kCipherBlockSize>();
     const Word before = loadWord(block);
-    const Word after = before ^ enciphered(feedback, key);
+    const Word after = before ^ enciphered(feedback, key_bytes);
     storeWord(block, after);
     total = sum(total, sumOfBytes(kEnciphers ? before : after));
     feedback = kEnciphers ? after : before;
   }
   if (bytes.empty()) return total;
-  feedback = enciphered(feedback, key);
+  feedback = enciphered(feedback, key_bytes);
   for (std::size_t i = 0; i < bytes.size(); ++i) {
     const Byte before = bytes[i];
     bytes[i] ^= byteOf(feedback, static_cast<int>(i));
@@ -178,7 +179,7 @@ void MakeKey(std::string_view password, ExpandedKey& key) {
 }
 
 void EncipherBlock(CipherBlock& block, const ExpandedKey& key) {
-  storeWord(block, enciphered(loadWord(block), key));
+  storeWord(block, enciphered(loadWord(block), key.bytes().data()));
 }
 
 std::uint8_t EncipherBuffer(std::span<std::uint8_t> bytes, const ExpandedKey& key) {
