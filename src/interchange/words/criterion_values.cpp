@@ -45,7 +45,7 @@ bool hasWholeYear(std::string_view text, const FormatSettings& formats) {
 std::optional<std::int64_t> daysOfText(std::string_view text, const FormatSettings& formats) {
   if (compareAnyCase(text, kNoDateText) == 0) return 0;
   if (text.empty() || !hasWholeYear(text, formats)) return std::nullopt;
-  const auto date = exactDateOfText(text, formats);
+  const auto date = understoodDateOfText(text, formats);
   if (!date) return std::nullopt;
   return daysSince1904(date->month, date->day, date->year);
 }
