@@ -6,10 +6,31 @@ namespace tabelion {
 namespace {
 
 // Walks the words before the cursor: `path` is the command and action that they name, `argument`
-// how many arguments it has been given, `pending` the option whose value comes next.
+// how many arguments it has been given, `file` the first of them, `pending` the option whose value
+// comes next.
 constexpr const char* kWalk = R"bash(
+# Names of the file, as the program gives them: of fields or views, in any case, quoted as needed.
+# What stands before the last comma of a list is kept.
+_tabelion_cli_names() {
+  local what=$1 file=$2 cur=$3 end=$4 before='' name
+  local quote=${cur:0:1}
+  [[ $quote == [\"\'] ]] && cur=${cur:1} || quote=''
+  cur=${cur//\\/}
+  if [[ $5 == list && $cur == *,* ]]; then
+    before="${cur%,*},"
+    cur=${cur##*,}
+  fi
+  while IFS= read -r name; do
+    [[ ${name,,} == "${cur,,}"* ]] || continue
+    name="$before$name$end"
+    [[ -n $quote ]] || printf -v name %q "$name"
+    COMPREPLY+=("$name")
+  done < <("${COMP_WORDS[0]/#\~/$HOME}" completions "$what" "$file" 2>/dev/null)
+  [[ -n $end ]] && compopt -o nospace 2>/dev/null
+}
+
 _tabelion_cli() {
-  local cur=${COMP_WORDS[COMP_CWORD]} path='' argument=0 pending='' word i kind
+  local cur=${COMP_WORDS[COMP_CWORD]} path='' argument=0 pending='' file='' word i kind
   COMPREPLY=()
   [[ $cur == '=' ]] && cur=''
   for ((i = 1; i < COMP_CWORD; i++)); do
@@ -25,6 +46,7 @@ _tabelion_cli() {
       argument=0
     else
       argument=$((argument + 1))
+      [[ -n $file ]] || file=${word//[\\\"\']/}
     fi
   done
   if [[ -n $pending ]]; then
@@ -40,6 +62,10 @@ _tabelion_cli() {
       compopt -o filenames 2>/dev/null
       mapfile -t COMPREPLY < <(compgen -f -- "$cur")
       ;;
+    @field) _tabelion_cli_names fields "$file" "$cur" '' ;;
+    @fields) _tabelion_cli_names fields "$file" "$cur" '' list ;;
+    @assignment) _tabelion_cli_names fields "$file" "$cur" '=' ;;
+    @view) _tabelion_cli_names views "$file" "$cur" '' ;;
     @text) ;;
     *) mapfile -t COMPREPLY < <(compgen -W "$kind" -- "$cur") ;;
   esac
@@ -49,7 +75,11 @@ complete -F _tabelion_cli tabelion-cli
 
 std::string valueKind(const OptionForm& option) {
   if (!option.words.empty()) return fmt::format("{}", fmt::join(option.words, " "));
-  return option.takesFile() ? "@file" : "@text";
+  if (option.takesFile()) return "@file";
+  if (option.takesField()) return "@field";
+  if (option.takesFields()) return "@fields";
+  if (option.takesAssignment()) return "@assignment";
+  return option.takesView() ? "@view" : "@text";
 }
 
 // The lines of the three tables below, for one command.

@@ -22,7 +22,10 @@ std::string escaped(const std::string& text) {
 
 std::string valueAction(const OptionForm& option) {
   if (!option.words.empty()) return fmt::format("({})", fmt::join(option.words, " "));
-  return option.takesFile() ? "_files" : "";
+  if (option.takesFile()) return "_files";
+  if (option.takesField() || option.takesFields()) return "{_tabelion-cli_names fields}";
+  if (option.takesAssignment()) return "{_tabelion-cli_names fields =}";
+  return option.takesView() ? "{_tabelion-cli_names views}" : "";
 }
 
 // What _arguments is told of the options and arguments of a command, a line each.
@@ -77,7 +80,8 @@ std::string branching(const std::string& path, const CommandForm& form) {
     text += fmt::format("        '{}:{}'\n", action.name, escaped(action.summary));
   }
   text += "      )\n      _describe command commands && ret=0\n      ;;\n    (argument)\n";
-  // The words become those from the inner command on.
+  // The words become those from the inner command on; the file that they are about is kept.
+  if (!path.empty()) text += "      local tabelion_file=$line[1]\n";
   for (int i = 1; i < place; ++i) text += "      shift words; ((CURRENT--))\n";
   text += fmt::format("      case $line[{}] in\n", place);
   for (const CommandForm& action : form.actions) {
@@ -90,7 +94,19 @@ std::string branching(const std::string& path, const CommandForm& form) {
 }  // namespace
 
 std::string zshCompletions(const CommandForm& program) {
-  std::string text = "#compdef tabelion-cli\n# Completes command lines of tabelion-cli in zsh.\n\n";
+  std::string text =
+      "#compdef tabelion-cli\n# Completes command lines of tabelion-cli in zsh.\n\n"
+      "# Names of fields or views of the file that stands in the line, with $2 behind each.\n"
+      "_tabelion-cli_names() {\n"
+      "  local file=$tabelion_file word\n"
+      "  local -a names\n"
+      "  for word in $words[2,-1]; do\n"
+      "    [[ -z $file && -f ${(Q)word} ]] && file=${(Q)word}\n"
+      "  done\n"
+      "  [[ -n $file ]] || return 1\n"
+      "  names=(${(f)\"$(tabelion-cli completions $1 ${(Q)file} 2>/dev/null)\"})\n"
+      "  compadd -S \"$2\" -M 'm:{a-zA-Z}={A-Za-z}' -a names\n"
+      "}\n\n";
   forEachCommand(program, [&](const std::string& path, const CommandForm& form) {
     text += functionName(path) + "() {\n";
     if (path.empty()) {

@@ -26,6 +26,10 @@ constexpr char kLockHolder[] = "tabelion-cli";
 // As many as the window's password dialog takes.
 constexpr std::size_t kLongestPassword = 24;
 
+bool isReaderGone(const Streams& streams) {
+  return streams.reader_is_gone && streams.reader_is_gone();
+}
+
 }  // namespace
 
 ExitCode exitCodeFor(ErrorKind kind) {
@@ -59,6 +63,7 @@ CliContext::CliContext(CliPlatform& platform, Streams& the_streams, GlobalOption
       settings_(platform.settings),
       secret_prompt_(platform.ask_secret),
       options_(std::move(options)) {
+  files.setPatience(std::chrono::seconds(options_.wait_seconds.value_or(0)), platform.sleep);
   engine.message = [this](const std::string& text) {
     if (!engine_message_.empty()) engine_message_ += "; ";
     engine_message_ += text;
@@ -284,8 +289,16 @@ QuerySettings CliContext::querySettings(bool utf8) {
 
 ExitCode CliContext::finishOutput() {
   clearProgress();
-  if (out.flush()) return ExitCode::kDone;
+  if (out.flush() || isReaderGone(streams)) return ExitCode::kDone;
   return fail({ErrorKind::kCannotWrite, "standard output cannot be written"});
+}
+
+ExitCode CliContext::finishAfterSave(const std::string& path) {
+  clearProgress();
+  if (!out.flush() && !isReaderGone(streams)) {
+    say(path + ": is saved, but standard output cannot be written");
+  }
+  return ExitCode::kDone;
 }
 
 ProgressStep CliContext::progress(std::string what) {

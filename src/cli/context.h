@@ -2,6 +2,8 @@
 #pragma once
 
 #include <array>
+#include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <set>
@@ -31,6 +33,7 @@ struct CliPlatform {
   Settings& settings;
   RandomSource random;
   SecretPrompt ask_secret = {};
+  Sleep sleep = {};
 };
 
 // What every command may be given.
@@ -38,6 +41,7 @@ struct GlobalOptions {
   std::string code_page;
   SecretSource encryption_password;
   SecretSource access_password;
+  std::optional<std::uint32_t> wait_seconds;  // for a file that another program has open
 };
 
 // A database that is being changed; the context's.
@@ -94,7 +98,11 @@ class CliContext {
   QuerySettings querySettings(const TextEncoding& encoding);
 
   // Hands on what is in `out`; kCannotWrite after a message when anything could not be written.
+  // Who reads through a pipe may stop before the end.
   ExitCode finishOutput();
+  // The same when the database at `path` is saved already: what cannot be said of it any more does
+  // not undo that, and is no failure.
+  ExitCode finishAfterSave(const std::string& path);
 
   // Shows how far `what` has come: on a terminal, and only when it takes a while.
   ProgressStep progress(std::string what);

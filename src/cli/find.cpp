@@ -95,7 +95,7 @@ CommandBody declareFind(OptionList list) {
   const auto options = std::make_shared<FindOptions>();
   list.required("FILE", options->file, "The database");
   list.required("TEXT", options->text, "What is looked for, in all fields unless one is named");
-  list.optional("--field NAME", options->field, "In this field alone");
+  list.optional("--field FIELD", options->field, "In this field alone");
   list.flag("--begins", options->begins, "Where the field begins with it");
   list.flag("--case", options->with_case, "Small and capital letters as they stand");
   list.flag("--all", options->all, "Every record that has it, not the first alone");

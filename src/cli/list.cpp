@@ -66,7 +66,7 @@ ExitCode runList(const ListOptions& options, CliContext& context) {
 CommandBody declareList(OptionList list) {
   const auto options = std::make_shared<ListOptions>();
   list.required("FILE", options->file, "The database");
-  list.optional("--view NAME", options->shown.view, "As this view shows it");
+  list.optional("--view VIEW", options->shown.view, "As this view shows it");
   list.several("--filter CONDITION", options->shown.filter,
                "Records for which this is true, as \"Born is last 30 days\"; several are joined");
   list.optional("--sort FIELDS", options->shown.sort,

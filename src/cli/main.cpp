@@ -2,10 +2,13 @@
 
 #include <csignal>
 #include <cstdint>
+#include <memory>
 #include <new>
 #include <random>
 #include <string_view>
+#include <thread>
 
+#include "cli/interruption.h"
 #include "cli/run.h"
 #include "interchange/terminal_text.h"
 #include "platform/std/core_dumps.h"
@@ -57,7 +60,11 @@ int main(int argc, char** argv) {
                                  locale,
                                  settings,
                                  [&generator] { return static_cast<std::uint32_t>(generator()); },
-                                 tabelion::askOnTerminal};
+                                 tabelion::askOnTerminal,
+                                 [](auto time) { std::this_thread::sleep_for(time); }};
+  streams.reader_is_gone = [&out] { return out.isClosed(); };
+  streams.read_pipe = tabelion::readPipeAt;
+  streams.hold_interruptions = [] { return std::make_shared<tabelion::InterruptionHold>(); };
   if (isatty(STDERR_FILENO) == 1) streams.progress = &err;
   if (isatty(STDIN_FILENO) == 1 && streams.progress) {
     streams.confirm = [&streams](std::string_view question) {

@@ -29,10 +29,14 @@ struct OptionForm {
 
   bool isArgument() const { return !name.starts_with('-'); }
   bool isFlag() const { return value_name.empty(); }
-  // Whether a shell offers files for it.
+  // Whether a shell offers files for it, or names of the database that the command works on.
   bool takesFile() const {
     return value_name == "FILE" || value_name == "OUT" || value_name == "DATA";
   }
+  bool takesField() const { return value_name == "FIELD"; }
+  bool takesFields() const { return value_name == "FIELDS"; }  // with commas between
+  bool takesAssignment() const { return value_name.starts_with("FIELD="); }
+  bool takesView() const { return value_name == "VIEW"; }
 };
 
 struct CommandForm {

@@ -83,7 +83,7 @@ ExitCode runRecalc(const RecalcOptions& options, CliContext& context) {
   } else {
     context.out.put(figuresText(outcome.summary) + "\n");
   }
-  const ExitCode written = context.finishOutput();
+  const ExitCode written = changed ? context.finishAfterSave(options.file) : context.finishOutput();
   sayCorrupt(context, options.file, encoding, database, outcome);
   return written == ExitCode::kDone && !outcome.corrupt.empty() ? ExitCode::kDamaged : written;
 }

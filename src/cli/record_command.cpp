@@ -92,7 +92,7 @@ ExitCode storeAndSave(CliContext& context, Database& database, const TextEncodin
   } else {
     context.out.put(fmt::format("{}\n", place + 1));
   }
-  return context.finishOutput();
+  return context.finishAfterSave(database.path);
 }
 
 }  // namespace tabelion

@@ -22,6 +22,7 @@ constexpr Command kCommands[] = {
 };
 
 constexpr std::uint32_t kMostDescriptor = 1 << 20;
+constexpr std::uint32_t kMostSeconds = 24 * 3600;
 
 std::string footer() {
   std::string text = "A FILE or OUT of - is standard input or standard output.\n\nExit codes:\n";
@@ -67,6 +68,8 @@ struct Parser {
     list.flag("--ask-password", password.ask,
               "Ask for the password of enciphered records on the terminal");
     list.exclusive({"--password-file", "--password-fd", "--ask-password"});
+    list.number("--wait SECONDS", options.wait_seconds, 0, kMostSeconds,
+                "How long to wait for a file that another program has open, instead of giving up");
     list.optional("--access-password-file FILE", options.access_password.file,
                   "File whose first line is the password that opening asks for");
   }
@@ -112,7 +115,9 @@ ExitCode runCli(const std::vector<std::string>& arguments, CliPlatform& platform
     std::ostringstream out;
     std::ostringstream err;
     if (parser.app.exit(error, out, err) == 0) {
-      return streams.out.write(out.str()) ? ExitCode::kDone : ExitCode::kCannotWrite;
+      const bool is_written =
+          streams.out.write(out.str()) || (streams.reader_is_gone && streams.reader_is_gone());
+      return is_written ? ExitCode::kDone : ExitCode::kCannotWrite;
     }
     streams.err.write(
         fmt::format("tabelion-cli: {}\n", usageFault(parser.form, arguments, error.what())));

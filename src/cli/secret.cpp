@@ -7,6 +7,7 @@
 #include <csignal>
 #include <string_view>
 
+#include "cli/interruption.h"
 #include "cli/streams.h"
 #include "engine/bytes.h"
 
@@ -21,14 +22,15 @@ std::string firstLine(ByteView bytes) {
   return line;
 }
 
-// The terminal without echo while it lives. Signals wait, so that Ctrl-C leaves the echo on.
+// The terminal without echo while it lives. Signals wait until it is back, so that Ctrl-C, which
+// ends the question, leaves the echo on; a stop waits for the answer.
 class QuietTerminal {
  public:
   QuietTerminal() : descriptor_(::open("/dev/tty", O_RDWR | O_CLOEXEC)) {
     if (descriptor_ < 0 || tcgetattr(descriptor_, &before_) != 0) return;
     sigset_t interrupts;
     sigemptyset(&interrupts);
-    for (const int signal : {SIGINT, SIGTERM, SIGTSTP}) sigaddset(&interrupts, signal);
+    sigaddset(&interrupts, SIGTSTP);
     sigprocmask(SIG_BLOCK, &interrupts, &signals_);
     termios quiet = before_;
     quiet.c_lflag &= ~static_cast<tcflag_t>(ECHO);
@@ -56,6 +58,7 @@ class QuietTerminal {
   }
 
  private:
+  InterruptionHold hold_;  // goes last
   int descriptor_;
   termios before_{};
   sigset_t signals_{};

@@ -1,5 +1,7 @@
 #include "cli/streams.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -8,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/interruption.h"
 #include "query/text_case.h"
 
 namespace tabelion {
@@ -15,7 +18,8 @@ namespace tabelion {
 bool DescriptorSink::write(std::string_view bytes) {
   while (!bytes.empty()) {
     const ssize_t count = ::write(descriptor_, bytes.data(), bytes.size());
-    if (count < 0 && errno == EINTR) continue;
+    if (count < 0 && errno == EINTR && !isInterrupted()) continue;
+    if (count < 0 && errno == EPIPE) is_closed_ = true;
     if (count <= 0) return false;
     bytes.remove_prefix(static_cast<std::size_t>(count));
   }
@@ -27,7 +31,7 @@ bool confirmOnTerminal(int in, TextSink& out, std::string_view question) {
   std::string answer;
   for (char c = 0; c != '\n';) {
     const ssize_t count = ::read(in, &c, 1);
-    if (count < 0 && errno == EINTR) continue;
+    if (count < 0 && errno == EINTR && !isInterrupted()) continue;
     if (count <= 0) return false;  // an answer that was not finished is none
     answer += lowerCase(c);
   }
@@ -41,7 +45,7 @@ Result<FileImage> readDescriptor(int descriptor) {
     const std::size_t size = bytes.size();
     bytes.resize(size + std::max(kStep, size / 2));
     const ssize_t count = ::read(descriptor, bytes.data() + size, bytes.size() - size);
-    const bool interrupted = count < 0 && errno == EINTR;
+    const bool interrupted = count < 0 && errno == EINTR && !isInterrupted();
     bytes.resize(size + (count > 0 ? static_cast<std::size_t>(count) : 0));
     if (count == 0) break;
     if (bytes.size() > kLargestInput) {
@@ -58,6 +62,18 @@ Result<FileImage> readDescriptor(int descriptor) {
   image.size = owner->size();
   const std::uint8_t* data = owner->data();
   image.bytes = std::shared_ptr<const std::uint8_t[]>(std::move(owner), data);
+  return image;
+}
+
+std::optional<Result<FileImage>> readPipeAt(const std::string& path) {
+  struct stat status {};
+  if (::stat(path.c_str(), &status) != 0) return std::nullopt;
+  if (!S_ISFIFO(status.st_mode)) return std::nullopt;
+  const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY);
+  if (descriptor < 0) return std::nullopt;
+  auto image = readDescriptor(descriptor);
+  ::close(descriptor);
+  if (!image.ok()) return makeError(image.error().kind, path + ": cannot be read to its end");
   return image;
 }
 

@@ -2,6 +2,9 @@
 #pragma once
 
 #include <functional>
+#include <memory>
+#include <optional>
+#include <string>
 
 #include "interchange/output_buffer.h"
 #include "platform/files.h"
@@ -18,6 +21,12 @@ struct Streams {
   // Asks a question on the terminal and waits for the answer; only "y" and "yes" mean yes. None
   // where nobody can answer.
   std::function<bool(std::string_view question)> confirm = {};
+  // Whether who read `out` has gone, so that nobody misses what cannot be written there.
+  std::function<bool()> reader_is_gone = {};
+  // The pipe at a path, read to its end; none for what is no pipe.
+  std::function<std::optional<Result<FileImage>>(const std::string& path)> read_pipe = {};
+  // While what this gives lives, nothing ends the program halfway (InterruptionHold).
+  std::function<std::shared_ptr<void>()> hold_interruptions = {};
 };
 
 // Writes to a file descriptor that stays the caller's.
@@ -25,9 +34,12 @@ class DescriptorSink : public TextSink {
  public:
   explicit DescriptorSink(int descriptor) : descriptor_(descriptor) {}
   bool write(std::string_view bytes) override;
+  // Whether a write found that nobody reads any more.
+  bool isClosed() const { return is_closed_; }
 
  private:
   int descriptor_;
+  bool is_closed_ = false;
 };
 
 // Writes the question and reads a line of the descriptor.
@@ -37,5 +49,7 @@ bool confirmOnTerminal(int in, TextSink& out, std::string_view question);
 // bytes it is refused.
 inline constexpr std::size_t kLargestInput = std::size_t{1} << 30;
 Result<FileImage> readDescriptor(int descriptor);
+// A pipe that has a path, such as a shell's <(…), to its end; none for anything else.
+std::optional<Result<FileImage>> readPipeAt(const std::string& path);
 
 }  // namespace tabelion

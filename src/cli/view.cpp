@@ -106,7 +106,7 @@ class ViewCommand {
 
 void declareSet(OptionList list, ViewOptions& options) {
   ViewEdit& edit = options.edit;
-  list.required("NAME", options.view, "The view to be changed");
+  list.required("VIEW", options.view, "The view to be changed");
   list.optional("--name NAME", edit.name, "Its name from now on");
   list.optionalOneOf("--live-update SWITCH", edit.live_update, {"on", "off"},
                      "Whether changes of the sort go into the view as well");
@@ -135,15 +135,15 @@ CommandBody declareView(OptionList list) {
   show.flag("--json", options->json, "As JSON, with every field's settings");
   OptionList use =
       list.action("use", "Choose a view: its columns, sort and filter", options->action);
-  use.required("NAME", options->view, "The view");
+  use.required("VIEW", options->view, "The view");
   OptionList add =
       list.action("add", "Make a view of what the database shows now", options->action);
   add.required("NAME", options->view, "Its name");
   OptionList copy = list.action("copy", "Make a view that is like another one", options->action);
-  copy.required("NAME", options->view, "The view");
+  copy.required("VIEW", options->view, "The view");
   copy.required("NEWNAME", options->new_name, "The copy's name");
   OptionList remove = list.action("delete", "Delete a view", options->action);
-  remove.required("NAME", options->view, "The view");
+  remove.required("VIEW", options->view, "The view");
   declareSet(
       list.action("set", "Change a view; FIELDS are names with commas between", options->action),
       *options);

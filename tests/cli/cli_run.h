@@ -35,7 +35,7 @@ class CliRun : public ::testing::Test {
                       return files.read("/stdin");
                     },
                     nullptr, confirm};
-    CliPlatform platform{files, clock, locale, settings, [] { return 4u; }};
+    CliPlatform platform{files, clock, locale, settings, [] { return 4u; }, {}, sleep};
     return static_cast<int>(runCli(arguments, platform, streams));
   }
   // Makes a database from a description and CSV.
@@ -55,6 +55,7 @@ class CliRun : public ::testing::Test {
   FixedLocale locale;
   MemorySettings settings;
   std::string input;
+  std::function<void(std::chrono::milliseconds)> sleep;
   std::function<bool(std::string_view)> confirm;  // the terminal's answer, if there is one
   StringSink out;
   StringSink err;

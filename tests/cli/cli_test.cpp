@@ -213,7 +213,15 @@ TEST_F(Cli, RefusalsHaveTheirOwnExitCodes) {
   files.locked_by["/C.PDB"] = "tabelion, process 7 on desk";
   EXPECT_EQ(run({"import", "/C.PDB", "/in/contacts.csv"}), 6);
   EXPECT_THAT(err.text, HasSubstr("tabelion, process 7 on desk"));
-  files.locked_by.clear();
+  // A while later it is free.
+  std::chrono::milliseconds slept{};
+  sleep = [&](std::chrono::milliseconds time) {
+    slept += time;
+    if (slept.count() > 1500) files.locked_by.clear();
+  };
+  EXPECT_EQ(run({"rights", "/C.PDB", "add=granted", "--wait", "1"}), 6);
+  EXPECT_EQ(slept.count(), 1000);
+  EXPECT_EQ(run({"rights", "/C.PDB", "add=granted", "--wait", "1"}), 0) << err.text;
   files.fail_replace_at = 100;
   EXPECT_EQ(run({"import", "/C.PDB", "/in/contacts.csv"}), 8);
   EXPECT_NE(err.text, "");
@@ -258,7 +266,7 @@ TEST_F(Cli, UsageErrorsNameTheWordAndWhatIsMeant) {
       {{"list", "/a", "--csv", "--json"}, "--csv does not go with --json"},
       {{"view", "/a", "ues", "b"}, "view: there is no command \"ues\"; there is \"use\""},
       {{"view", "/a", "use"},
-       "view use: NAME is missing; \"tabelion-cli help view use\" tells more"},
+       "view use: VIEW is missing; \"tabelion-cli help view use\" tells more"},
   };
   for (const auto& [arguments, message] : wrong) {
     EXPECT_EQ(run(arguments), 2);

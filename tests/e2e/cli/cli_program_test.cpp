@@ -66,8 +66,14 @@ TEST_F(CliProgram, OutputThatGoesNowhereIsAFailure) {
   EXPECT_EQ(shell("\"$cli\" dump a.PDB >&-"), 8);
   EXPECT_EQ(shell("\"$cli\" --help > /dev/full"), 8);
   EXPECT_EQ(shell("\"$cli\" rewrite a.PDB /dev/full"), 8);
-  // A reader that leaves early: the exit code of the left side, which was not killed.
-  EXPECT_EQ(shell("{ \"$cli\" dump a.PDB; echo $? > code; } | true; [ \"$(cat code)\" = 8 ]"), 0);
+  // Who has read enough goes, and nobody is told.
+  EXPECT_EQ(shell("{ \"$cli\" dump a.PDB; echo $? > code; } | true; [ \"$(cat code)\" = 0 ]"), 0);
+  EXPECT_EQ(errors, "");
+  // What is saved is saved.
+  EXPECT_EQ(shell("\"$cli\" set a.PDB 1 N=7 > /dev/full"), 0);
+  EXPECT_THAT(errors, HasSubstr("a.PDB: is saved, but standard output cannot be written"));
+  EXPECT_EQ(shell("\"$cli\" export a.PDB --format csv"), 0);
+  EXPECT_THAT(output, HasSubstr("Änne,7"));
   EXPECT_EQ(shell("[ -c /dev/full ]"), 0) << "still a device";
 }
 
@@ -111,6 +117,31 @@ TEST_F(CliProgram, EndlessInputAndLittleMemoryEndInWords) {
   EXPECT_GE(failed, 1);
   EXPECT_EQ(shell("\"$cli\" check a.PDB; ls -A | grep -c PDB"), 0);
   EXPECT_THAT(output, HasSubstr("1\n"));
+}
+
+TEST_F(CliProgram, InputsMayBePipesWithAPath) {
+  ASSERT_EQ(shell("mkfifo rows schema; cat a.csv > rows & cat a.json > schema & "
+                  "\"$cli\" create a.PDB --schema schema --data rows && "
+                  "{ cat a.csv > rows & \"$cli\" import a.PDB rows; } && "
+                  "{ cat a.PDB > rows & \"$cli\" info rows --json; }"),
+            0)
+      << errors;
+  EXPECT_EQ(json::parse(output)["records"], 4);
+}
+
+TEST_F(CliProgram, InterruptedCommandLeavesNothingBehind) {
+  folder.write("sesame", "sesame");
+  ASSERT_EQ(shell("\"$cli\" create a.PDB --schema a.json --data a.csv && "
+                  "\"$cli\" encrypt a.PDB --field Name --password-file sesame && cp a.PDB b.PDB"),
+            0)
+      << errors;
+  // It holds the lock and waits for a password that does not come.
+  EXPECT_EQ(shell("mkfifo secret; \"$cli\" decrypt a.PDB --password-fd 3 3<>secret & pid=$!; "
+                  "while [ ! -e .a.PDB.lock ]; do :; done; "
+                  "while kill -TERM $pid; do sleep 0.02; done; wait $pid; echo $?"),
+            0);
+  EXPECT_EQ(output, "143\n");
+  EXPECT_EQ(shell("cmp a.PDB b.PDB && ls -A .[!.]*"), 2) << output;
 }
 
 TEST_F(CliProgram, SqlLoadsAsItStands) {
@@ -173,10 +204,20 @@ TEST_F(CliProgram, BashCompletesCommandsOptionsWordsAndFiles) {
     complete tabelion-cli view a.PDB set list --live-update o
     complete tabelion-cli report a.PDB ''
     complete tabelion-cli inf --ver
+    complete "$cli" sort n.PDB --by Na
+    complete "$cli" sort n.PDB --by name,du
+    complete "$cli" list n.PDB --sort "'Due"
+    complete "$cli" set n.PDB 1 n
+    complete "$cli" view n.PDB use d
+    complete "$cli" report none.PDB ''
   )");
+  folder.write("n.json", R"({"fields": [{"name": "Name", "type": "text"},
+                             {"name": "Due on", "type": "date"}]})");
+  ASSERT_EQ(shell("\"$cli\" create n.PDB --schema n.json"), 0) << errors;
   ASSERT_EQ(shell("cli=\"$cli\" bash complete"), 0) << errors;
   EXPECT_EQ(output,
-            "export\nschema\njson\ncsv json sql\na.csv\nset\n--live-update\non off\n\n--version\n");
+            "export\nschema\njson\ncsv json sql\na.csv\nset\n--live-update\non off\n\n--version\n"
+            "Name\nname\\,Due\\ on\nDue on\nName=\nDefault\\ View\n\n");
   EXPECT_EQ(errors, "");
 }
 
