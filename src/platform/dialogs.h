@@ -6,11 +6,12 @@
 // a zoom is the implementation's business and invisible here. Texts are UTF-16.
 #pragma once
 
-#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
 #include <vector>
+
+#include "platform/painting.h"
 
 namespace tabelion {
 
@@ -20,41 +21,6 @@ using CommandId = int;
 // Commands that keys give in every dialog.
 inline constexpr CommandId kActionCommand = 1;  // the action key (Enter)
 inline constexpr CommandId kBackCommand = 2;    // the Back key, where no edit box wants it
-
-struct Point {
-  int x = 0;
-  int y = 0;
-};
-struct Size {
-  int width = 0;
-  int height = 0;
-};
-struct Rect {
-  int x = 0;
-  int y = 0;
-  int width = 0;
-  int height = 0;
-  bool operator==(const Rect&) const = default;
-};
-struct Color {
-  std::uint8_t red = 0;
-  std::uint8_t green = 0;
-  std::uint8_t blue = 0;
-  bool operator==(const Color&) const = default;
-};
-
-// Pictures that rows and icon controls show, by their resource numbers.
-enum class Picture : int {
-  kNone = 0,
-  kLogo = 101,
-  kChecked = 107,    // 13×13, a ticked box
-  kUnchecked = 108,  // 13×13, an empty box
-  kFieldText = 201,  // 20×20 icons beside form rows
-  kFieldNumber = 202,
-  kFieldPopup = 203,
-  kFieldDate = 204,
-  kFieldTime = 205,
-};
 
 enum class ControlKind {
   kLabel,
@@ -66,6 +32,7 @@ enum class ControlKind {
   kList,    // rows painted by the handler (ListControl)
   kIcon,    // a picture
   kSpin,    // a number between two bounds, stepped by keys
+  kCanvas,  // painted by the handler (onPaintCanvas)
 };
 
 struct ControlTemplate {
@@ -82,6 +49,7 @@ struct ControlTemplate {
   bool masked = false;       // edits: shows an asterisk per character
   bool back_erases = false;  // edits: Escape is the Back key here as well, and takes a character
   int max_length = 0;        // edits: in UTF-16 units; 0 = no bound
+  bool takes_focus = false;  // canvases: their keys come to onKey
   int minimum = 0;           // spins
   int maximum = 0;
   Picture picture = Picture::kNone;
@@ -109,24 +77,6 @@ struct DialogTemplate {
   MenuBar menu_bar{};
 };
 
-enum class TextWeight { kNormal, kSemiBold };
-
-// The colours of the desktop, or those that the user chose for the program.
-enum class Scheme { kLight, kDark, kLightContrast, kDarkContrast };
-
-// What a handler paints a row of a list with. Places are relative to the list's top left corner,
-// already shifted for sideways scrolling by the caller's rectangle; nothing is drawn outside it.
-class ListPainter {
- public:
-  virtual ~ListPainter() = default;
-  virtual void fill(const Rect& area, Color color) = 0;
-  // Left- and top-aligned, one line, clipped to the area (no ellipsis).
-  virtual void text(const Rect& area, const std::u16string& text, Color color,
-                    TextWeight weight) = 0;
-  virtual void picture(Point at, Picture picture) = 0;
-  virtual Scheme scheme() const = 0;
-};
-
 class Control {
  public:
   virtual ~Control() = default;
@@ -143,6 +93,7 @@ class Control {
   virtual void setEnabled(bool enabled) = 0;
   virtual void setMasked(bool masked) = 0;
   virtual void setFontPixels(int pixels) = 0;  // label font height; 0 = the dialog's
+  virtual void repaint() = 0;  // what the handler paints looks, and says, something else now
   virtual void focus() = 0;
   virtual bool hasFocus() const = 0;
   // Of an edit of one line, so that typing replaces it. Arriving there by keys selects as well.
@@ -166,7 +117,6 @@ class ListControl : public Control {
   virtual void selectRow(int row) = 0;  // -1: none; scrolls it into view
   virtual int selectedRow() const = 0;
   virtual void scrollSideways(int pixels) = 0;  // positive: towards the last column
-  virtual void repaint() = 0;
 };
 
 class Dialog;
@@ -213,8 +163,8 @@ class DialogHandler {
   // Soft keys, menu entries, kActionCommand, kBackCommand.
   virtual void onCommand(Dialog&, CommandId) {}
   virtual void onNotice(Dialog&, ControlId, Notice) {}
-  // A key in a list or in the dialog itself, before anything else uses it. True: consumed. Enter
-  // and Back that are not consumed become kActionCommand and kBackCommand.
+  // A key in a list, in a canvas or in the dialog itself, before anything else uses it. True:
+  // consumed. Enter and Back that are not consumed become kActionCommand and kBackCommand.
   virtual bool onKey(Dialog&, const KeyPress&) { return false; }
   // Whether an edit box takes this character; false refuses it as it is typed.
   virtual bool acceptsCharacter(Dialog&, ControlId, char32_t) { return true; }
@@ -226,6 +176,11 @@ class DialogHandler {
   virtual void onResize(Dialog&) {}                    // the screen has another size
   virtual void onPaintRow(Dialog&, ControlId, int /*row*/, ListPainter&, const Rect&) {}
   virtual std::u16string rowText(Dialog&, ControlId, int /*row*/) { return {}; }
+  // A canvas is seen, or was repainted; its place says its size. What it shows in words is what a
+  // screen reader says behind its name. A press of the pointer is at a place in the canvas.
+  virtual void onPaintCanvas(Dialog&, ControlId, CanvasPainter&) {}
+  virtual std::u16string canvasText(Dialog&, ControlId) { return {}; }
+  virtual void onCanvasPressed(Dialog&, ControlId, Point) {}
 };
 
 class Dialog {

@@ -65,6 +65,16 @@ class AutoClosing : public DialogHandler {
   std::u16string rowText(Dialog& dialog, ControlId list, int row) override {
     return screen_.rowText(dialog, list, row);
   }
+  void onPaintCanvas(Dialog& dialog, ControlId canvas, CanvasPainter& painter) override {
+    screen_.onPaintCanvas(dialog, canvas, painter);
+  }
+  std::u16string canvasText(Dialog& dialog, ControlId canvas) override {
+    return screen_.canvasText(dialog, canvas);
+  }
+  void onCanvasPressed(Dialog& dialog, ControlId canvas, Point at) override {
+    somebodyIsThere(dialog);
+    screen_.onCanvasPressed(dialog, canvas, at);
+  }
 
  private:
   // A box before the dialog goes first: what asked there has to come to its end, and only then can

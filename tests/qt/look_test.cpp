@@ -19,6 +19,7 @@ class LookTest : public QObject {
   void theScreenGrowsWithTheWindow();
   void everySchemeIsReadableAndTakenAtOnce();
   void everythingHasAnAccessibleName();
+  void canvasIsPaintedSpokenAndPressed();
   void waitingAndProgressAreShown();
 };
 
@@ -212,6 +213,45 @@ void LookTest::everythingHasAnAccessibleName() {
   });
   script.key(Qt::Key_Return).key(Qt::Key_Escape);
   script.run(form(), handler);
+}
+
+void LookTest::canvasIsPaintedSpokenAndPressed() {
+  struct CanvasHandler : RecordingHandler {
+    void onPaintCanvas(Dialog&, ControlId, CanvasPainter& painter) override {
+      painter.fill({0, 0, 10, 10}, {200, 0, 0});
+      painter.line({0, 15}, {19, 15}, {0, 0, 200}, 1);
+    }
+    std::u16string canvasText(Dialog&, ControlId) override { return pressed ? u"seven" : u"six"; }
+    void onCanvasPressed(Dialog& dialog, ControlId id, Point at) override {
+      pressed = at == Point{5, 7};
+      dialog.control(id).repaint();
+    }
+    bool pressed = false;
+  } handler;
+  handler.key = [](const KeyPress& press) { return press.key == Key::kLeft; };
+  handler.on_command = [](Dialog& dialog, CommandId) { dialog.end(1); };
+  DialogTemplate dialog = form();
+  dialog.controls = {makeControlTemplate(1, ControlKind::kCanvas, {0, 0, 40, 20})};
+  dialog.controls[0].accessible_name = u"Days";
+  dialog.controls[0].takes_focus = true;
+  QtDialogs dialogs({{240, 320}, 2});
+  Script script(dialogs);
+  script.then([&] {
+    QWidget* canvas = script.widget(1);
+    QVERIFY(script.screen()->control(1).hasFocus());
+    const QImage image = canvas->grab().toImage();
+    QCOMPARE(image.pixelColor(10, 10), QColor(200, 0, 0));
+    QCOMPARE(image.pixelColor(20, 31), QColor(0, 0, 200));
+    QCOMPARE(image.pixelColor(30, 20), QColor::fromRgb(theme::colours().paper));
+    const auto name = [&] {
+      return QAccessible::queryAccessibleInterface(canvas)->text(QAccessible::Name);
+    };
+    QCOMPARE(name(), "Days, six");
+    QTest::mouseClick(canvas, Qt::LeftButton, {}, {11, 14});
+    QCOMPARE(name(), "Days, seven");
+  });
+  script.key(Qt::Key_Left).key(Qt::Key_F1);
+  script.run(dialog, handler);
 }
 
 void LookTest::waitingAndProgressAreShown() {

@@ -30,6 +30,24 @@ class RowRecorder : public ListPainter {
   const Scheme scheme_;
 };
 
+class CanvasRecorder : public CanvasPainter {
+ public:
+  CanvasRecorder(PaintedCanvas& canvas, Scheme scheme) : canvas_(canvas), scheme_(scheme) {}
+  void fill(const Rect& area, Color color) override { canvas_.fills.push_back({area, color}); }
+  void line(Point from, Point to, Color color, int width) override {
+    canvas_.lines.push_back({from, to, color, width});
+  }
+  void text(const Rect& area, const std::u16string& text, Color color, TextWeight weight,
+            TextSide) override {
+    canvas_.texts.push_back({area, text, color, weight});
+  }
+  Scheme scheme() const override { return scheme_; }
+
+ private:
+  PaintedCanvas& canvas_;
+  const Scheme scheme_;
+};
+
 class FakeProgress : public Progress {
  public:
   void set(int, int) override {}
@@ -133,6 +151,17 @@ PaintedRow FakeControl::paintRow(int row) {
   return painted;
 }
 
+PaintedCanvas FakeControl::paintCanvas() {
+  PaintedCanvas painted;
+  CanvasRecorder recorder(painted, dialog_.phone.scheme);
+  dialog_.handler.onPaintCanvas(dialog_, face.id, recorder);
+  return painted;
+}
+
+std::u16string FakeControl::spoken() const {
+  return face.accessible_name + u", " + dialog_.handler.canvasText(dialog_, face.id);
+}
+
 std::vector<std::u16string> FakeControl::headings() const {
   std::vector<std::u16string> texts;
   for (const ListColumn& column : columns_) texts.push_back(column.heading);
@@ -140,6 +169,7 @@ std::vector<std::u16string> FakeControl::headings() const {
 }
 
 bool FakeControl::takesFocus() const {
+  if (face.kind == ControlKind::kCanvas && !face.takes_focus) return false;
   return face.visible && face.enabled && face.kind != ControlKind::kLabel &&
          face.kind != ControlKind::kIcon;
 }

@@ -41,6 +41,19 @@ struct PaintedRow {
   std::vector<std::u16string> words() const;  // the texts alone, in painting order
 };
 
+// What a handler painted on a canvas.
+struct PaintedCanvas {
+  struct Line {
+    Point from;
+    Point to;
+    Color color;
+    int width;
+  };
+  std::vector<PaintedRow::Fill> fills;
+  std::vector<Line> lines;
+  std::vector<PaintedRow::Text> texts;
+};
+
 class FakeDialog;
 
 class FakeControl : public ListControl {
@@ -78,6 +91,8 @@ class FakeControl : public ListControl {
   void repaint() override {}
 
   PaintedRow paintRow(int row);
+  PaintedCanvas paintCanvas();
+  std::u16string spoken() const;  // a canvas's name and words
   std::vector<std::u16string> headings() const;
   bool takesFocus() const;
 

@@ -75,6 +75,8 @@ std::unique_ptr<ScreenControl> makeControl(ControlHost& host, const ControlTempl
       return makeIcon(host, from, parent);
     case ControlKind::kSpin:
       return makeSpin(host, from, parent);
+    case ControlKind::kCanvas:
+      return makeCanvas(host, from, parent);
   }
   return makeLabel(host, from, parent);
 }

@@ -25,6 +25,8 @@ class ControlHost {
   virtual bool acceptsCharacter(ControlId control, char32_t character) = 0;
   virtual void paintRow(ControlId control, int row, ListPainter& painter, const Rect& area) = 0;
   virtual QString rowText(ControlId control, int row) = 0;
+  virtual void paintCanvas(ControlId control, CanvasPainter& painter) = 0;
+  virtual void pressCanvas(ControlId control, Point at) = 0;
   // A list of texts that opens below the control; `chosen` gets the place of the chosen one.
   virtual void openChoices(ScreenControl& control, const std::vector<QString>& texts, int marked,
                            std::function<void(int)> chosen) = 0;
@@ -98,6 +100,7 @@ class ControlOf : public Interface, public ScreenControl {
   void setVisible(bool visible) override { show(visible); }
   void setEnabled(bool enabled) override { enable(enabled); }
   void setFontPixels(int pixels) override { setFontHeight(pixels); }
+  void repaint() override {}
   void focus() override { host().giveFocus(*this); }
   void selectText() override { selectContent(); }
   bool hasFocus() const override { return host().hasFocus(*this); }
@@ -115,6 +118,7 @@ std::unique_ptr<ScreenControl> makeEdit(ControlHost&, const ControlTemplate&, QW
 std::unique_ptr<ScreenControl> makeMultiEdit(ControlHost&, const ControlTemplate&, QWidget& parent);
 std::unique_ptr<ScreenControl> makeChoice(ControlHost&, const ControlTemplate&, QWidget& parent);
 std::unique_ptr<ScreenControl> makeSpin(ControlHost&, const ControlTemplate&, QWidget& parent);
+std::unique_ptr<ScreenControl> makeCanvas(ControlHost&, const ControlTemplate&, QWidget& parent);
 std::unique_ptr<ScreenControl> makeList(ControlHost&, const ControlTemplate&, QWidget& parent);
 
 }  // namespace tabelion

@@ -167,6 +167,16 @@ QString DialogScreen::rowText(ControlId control, int row) {
   return toQt(handler_.rowText(*this, control, row));
 }
 
+void DialogScreen::paintCanvas(ControlId control, CanvasPainter& painter) {
+  handler_.onPaintCanvas(*this, control, painter);
+}
+
+void DialogScreen::pressCanvas(ControlId control, Point at) {
+  if (result_) return;
+  const Call call(*this);
+  handler_.onCanvasPressed(*this, control, at);
+}
+
 void DialogScreen::openChoices(ScreenControl& control, const std::vector<QString>& texts,
                                int marked, std::function<void(int)> chosen) {
   std::vector<MenuEntry> entries;

@@ -74,6 +74,8 @@ class DialogScreen final : public Layer, public Dialog, private ControlHost {
   bool acceptsCharacter(ControlId control, char32_t character) override;
   void paintRow(ControlId control, int row, ListPainter& painter, const Rect& area) override;
   QString rowText(ControlId control, int row) override;
+  void paintCanvas(ControlId control, CanvasPainter& painter) override;
+  void pressCanvas(ControlId control, Point at) override;
   void openChoices(ScreenControl& control, const std::vector<QString>& texts, int marked,
                    std::function<void(int)> chosen) override;
   void giveFocus(ScreenControl& control) override;

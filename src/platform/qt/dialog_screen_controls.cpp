@@ -85,13 +85,18 @@ void DialogScreen::nameControls() {
                                (from.kind == ControlKind::kCheckBox && !from.text.empty());
     std::u16string name = from.accessible_name;
     if (name.empty()) name = named_by_text ? control->seam().text() : label;
+    if (from.kind == ControlKind::kCanvas) {
+      const std::u16string shown = handler_.canvasText(*this, from.id);
+      name += (name.empty() || shown.empty() ? u"" : u", ") + shown;
+    }
     control->setAccessibleName(toQt(name));
     if (from.kind == ControlKind::kLabel) label = control->seam().text();
   }
 }
 
 void DialogScreen::stateChanged(ScreenControl& control) {
-  if (control.madeFrom().kind == ControlKind::kLabel) names_stale_ = true;
+  const ControlKind kind = control.madeFrom().kind;
+  if (kind == ControlKind::kLabel || kind == ControlKind::kCanvas) names_stale_ = true;
   // The focus never stays where no key can reach.
   if (focused_id_ == control.id() && !control.canHaveFocus() && started_) {
     focused_id_ = kNoControl;
