@@ -270,6 +270,10 @@ Result<ImportSummary> importCsv(std::string_view csv, const ImportForm& form,
   if (const auto reason = importer.plan(reader.cells())) {
     return makeError(ErrorKind::kInvalid, fmt::format("line {}: {}", reader.line(), *reason));
   }
+  const std::uint32_t records_before = database.records.count();
+  const std::uint32_t number_before = database.schema.next_auto_number;
+  const auto serial_before = database.schema.next_serial;
+  const bool dirty_before = isDirty(database);
   while ((row = reader.next()) == CsvReader::Row::kRead) {
     ++summary.rows;
     if (auto faults = importer.addRow(reader.cells()); !faults.empty()) {
@@ -282,7 +286,15 @@ Result<ImportSummary> importCsv(std::string_view csv, const ImportForm& form,
                static_cast<std::uint32_t>(csv.size()));
     }
   }
-  if (row == CsvReader::Row::kBroken) return broken();
+  if (row == CsvReader::Row::kBroken) {
+    while (database.records.count() > records_before) {
+      database.records.remove(database.records.count() - 1);
+    }
+    database.schema.next_auto_number = number_before;
+    database.schema.next_serial = serial_before;
+    database.dirty = dirty_before;
+    return broken();
+  }
   if (summary.records > 0) {
     setDirty(database);
     // The new records stand at the end; who opens the database next puts them in order.

@@ -168,6 +168,7 @@ TEST_F(Table, TextThatIsNoTableIsRefusedWhole) {
   EXPECT_EQ(import("Name,Name\n"), "line 1: the column \"Name\" stands there more than once");
   EXPECT_EQ(import("Name\na\n\"b\n"), "line 3: a quote is opened and never closed");
   EXPECT_EQ(import("Name\n\"b\"c\n"), "line 2: text follows a closing quote");
+  EXPECT_EQ(database.records.count(), 0u) << "nor do the rows before the fault stay";
 }
 
 TEST_F(Table, TextsOfOtherProgramsAreUnderstood) {

