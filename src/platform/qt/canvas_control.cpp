@@ -76,9 +76,8 @@ class CanvasWidget final : public QWidget {
   void focusInEvent(QFocusEvent*) override { update(); }
   void focusOutEvent(QFocusEvent*) override { update(); }
   void mousePressEvent(QMouseEvent* event) override {
-    const Scale& scale = host_.scale();
-    host_.pressCanvas(
-        id_, {scale.own(int(event->position().x())), scale.own(int(event->position().y()))});
+    const QPointF at = event->position() / host_.scale().zoom();
+    host_.pressCanvas(id_, {int(at.x()), int(at.y())});  // the pixel that the point lies in
   }
 
  private:
