@@ -103,7 +103,11 @@ ExitCode runDecrypt(const EncryptOptions& options, CliContext& context) {
                                             "Encryption password", opened->encoding, failure);
   if (!password) return failure;
   OpenedRecords deciphered;  // which are to stay in clear
-  const PasswordAttempt attempt = deciphered.open(database, *password, true);
+  PasswordAttempt attempt = deciphered.open(database, *password, true);
+  if (attempt.isComplete()) {
+    deciphered.closeUncertain(database, OpenedRecords::Before::kWritingInClear);
+    attempt.doubtful = HasEncipheredRecords(database);
+  }
   if (!attempt.isComplete()) return failWith(context, database, attempt);
   database.schema.encryption_mode = kEncryptNever;
   MarkDeciphered(database.schema);

@@ -241,7 +241,10 @@ int OpenedRecords::openOne(const Database& database, Bytes& record, const Passwo
   }
   WipeBytes(other.bytes);
   Opened opened{Record::copied(record), stampIdentity(record), number};
-  if (trust == Trust::kDoubts && !looksRight(database, opened, clear)) {
+  // By hand, the record is going to be written in clear.
+  const bool is_right =
+      isByHand(database) ? isCertain(database, opened, clear) : looksRight(database, opened, clear);
+  if (trust == Trust::kDoubts && !is_right) {
     WipeBytes(clear);
     return kDoubtfulPassword;
   }
