@@ -6,6 +6,7 @@
 #include <QDBusMetaType>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+#include <QDBusVariant>
 
 #include "platform/qt/session_bus.h"
 
@@ -49,7 +50,7 @@ DesktopLook::DesktopLook(Scheme guess, Told told)
   qDBusRegisterMetaType<SettingGroups>();
   QDBusConnection::sessionBus().connect(
       QString::fromLatin1(kService), QString::fromLatin1(kPath), QString::fromLatin1(kInterface),
-      QStringLiteral("SettingChanged"), this, SLOT(settingChanged(QString, QString, QDBusVariant)));
+      QStringLiteral("SettingChanged"), this, SLOT(settingChanged(QDBusMessage)));
   askAll();
 }
 
@@ -73,9 +74,11 @@ void DesktopLook::askAll() {
   });
 }
 
-void DesktopLook::settingChanged(const QString& group, const QString& key,
-                                 const QDBusVariant& value) {
-  take(group, key, value.variant());
+// Group, key and value.
+void DesktopLook::settingChanged(const QDBusMessage& signal) {
+  const QVariantList told = signal.arguments();
+  if (told.size() != 3) return;
+  take(told[0].toString(), told[1].toString(), told[2].value<QDBusVariant>().variant());
 }
 
 void DesktopLook::take(const QString& group, const QString& key, const QVariant& value) {

@@ -1,7 +1,7 @@
 // The look that the user chose for the whole desktop: light or dark, contrast, size of text.
 #pragma once
 
-#include <QDBusVariant>
+#include <QDBusMessage>
 #include <QObject>
 #include <QPalette>
 #include <QVariantMap>
@@ -30,7 +30,7 @@ class DesktopLook final : public QObject {
   DesktopLook(Scheme guess, Told told);
 
  private Q_SLOTS:
-  void settingChanged(const QString& group, const QString& key, const QDBusVariant& value);
+  void settingChanged(const QDBusMessage& signal);
 
  private:
   void askAll();
