@@ -36,8 +36,9 @@ fail() {
   exit 1
 }
 
-# Xvfb looks for a free display itself and says which.
-Xvfb -displayfd 3 -screen 0 800x600x24 -nolisten tcp 3>"$work/display" 2>"$work/xvfb.log" &
+# Xvfb looks for a free display itself and says which. It goes on as it is when its last client was
+# killed: while it starts over it would refuse the next one.
+Xvfb -displayfd 3 -screen 0 800x600x24 -nolisten tcp -noreset 3>"$work/display" 2>"$work/xvfb.log" &
 server=$!
 
 # until_true SECONDS COMMAND…: polls; false when it never came true.
