@@ -90,7 +90,7 @@ void slotMember(Members& m, const char* key, Number& slot) {
   m.member(
       key, [&] { return names.reference(slot); },
       [&](const auto& node) {
-        slot = static_cast<std::uint8_t>(names.slotOf(node, 255, kNoField));
+        setMember(slot, static_cast<std::uint8_t>(names.slotOf(node, 255, kNoField)));
       });
 }
 
@@ -102,7 +102,7 @@ void slotPlusOneMember(Members& m, const char* key, Number& stored) {
       key, [&] { return stored == 0 ? Json() : names.reference(stored - 1); },
       [&](const auto& node) {
         const int slot = names.slotOf(node, 254, kNoField);
-        stored = slot == kNoField ? std::uint8_t{0} : static_cast<std::uint8_t>(slot + 1);
+        setMember(stored, slot == kNoField ? std::uint8_t{0} : static_cast<std::uint8_t>(slot + 1));
       });
 }
 

@@ -50,7 +50,7 @@ void lookupMembers(Members& m, Lookup& lookup) {
       },
       [&](const auto& node) {
         const int slot = names.slotOf(node, kFieldSlots - 1, kNoField);
-        lookup.link_field = slot == kNoField ? -1 : slot;
+        setMember(lookup.link_field, slot == kNoField ? -1 : slot);
       });
   m.text("shown_field", lookup.shown_field, NeededMember::kYes);
 }

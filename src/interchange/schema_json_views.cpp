@@ -51,9 +51,7 @@ void filterMembers(Members& m, Filter& filter) {
         if (filter == standard) return std::nullopt;
         return filter.field < kFieldSlots ? names.reference(filter.field) : Json(filter.field);
       },
-      [&](const auto& node) {
-        filter.field = static_cast<std::uint16_t>(names.slotOf(node, 65535, filter.field));
-      });
+      [&](const auto& node) { setMember(filter.field, names.slotOf(node, 65535, filter.field)); });
   m.area("value1", filter.value1, standard.value1);
   m.area("value2", filter.value2, standard.value2);
   limitMember(m, "number1", filter.number1, standard.number1);
@@ -67,9 +65,7 @@ void sortKeyMembers(Members& m, Key& key) {
   const FieldNames& names = m.context().names;
   m.optionalMember(
       "field", [&] { return std::optional<Json>(names.reference(key.field)); },
-      [&](const auto& node) {
-        key.field = static_cast<std::uint8_t>(names.slotOf(node, 255, kNoField));
-      });
+      [&](const auto& node) { setMember(key.field, names.slotOf(node, 255, kNoField)); });
   m.word("order", key.order, 1, kOrders);
 }
 

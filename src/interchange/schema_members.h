@@ -28,6 +28,13 @@ constexpr NumberRange rangeOf() {
   return {std::numeric_limits<Number>::min(), std::numeric_limits<Number>::max()};
 }
 
+// What a reader does with a member of its own form. A writer walks the same list over what it must
+// not change, where this does nothing.
+template <class Value, class From>
+void setMember(Value& value, From from) {
+  if constexpr (!std::is_const_v<Value>) value = static_cast<Value>(from);
+}
+
 class MemberWriter {
  public:
   static constexpr bool kReads = false;
