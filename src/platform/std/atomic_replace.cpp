@@ -34,6 +34,18 @@ std::vector<iovec> mergePieces(std::span<const BytePiece> pieces) {
   return merged;
 }
 
+// Looks at every page. A piece may lie in a view of a file, pages of which nobody has looked at so
+// far; when the system meets such a one while it writes, it goes on page by page from there: that
+// takes twice as long, and so the new file lies in memory, six times slower to map.
+void touchPages(std::span<const iovec> pieces) {
+  constexpr std::size_t kPage = 4096;
+  for (const iovec& piece : pieces) {
+    const auto* const bytes = static_cast<const volatile std::uint8_t*>(piece.iov_base);
+    for (std::size_t at = 0; at < piece.iov_len; at += kPage) (void)bytes[at];
+    if (piece.iov_len > 0) (void)bytes[piece.iov_len - 1];
+  }
+}
+
 // Writes everything, however little the system takes at a time. False with errno set.
 bool writeFully(int fd, std::span<iovec> pieces) {
   while (!pieces.empty()) {
@@ -157,6 +169,7 @@ Status Replacement::createSibling(mode_t mode) {
 
 Status Replacement::append(std::span<const BytePiece> pieces) {
   std::vector<iovec> merged = mergePieces(pieces);
+  touchPages(merged);
   if (!writeFully(file_.get(), merged)) return failed(errno);
   return Done{};
 }
