@@ -257,8 +257,10 @@ ExportSummary exportTable(const Database& database, const TextEncoding& encoding
   ExportSummary summary;
   writer->begin();
   for (std::size_t i = 0; i < count; ++i) {
-    const std::size_t position = choice.positions != nullptr ? (*choice.positions)[i] : i;
-    const ByteView record = database.records[static_cast<std::uint32_t>(position)].bytes();
+    const auto position =
+        static_cast<std::uint32_t>(choice.positions != nullptr ? (*choice.positions)[i] : i);
+    database.records.fetchAhead(position, kMaxRecordSize);
+    const ByteView record = database.records[position].bytes();
     rows.load(record);
     writer->putRow(summary.records == 0, choice.with_ids ? recordId(record) : std::string());
     ++summary.records;
