@@ -16,6 +16,7 @@
 #include "app/program.h"
 #include "platform/qt/list_view.h"
 #include "platform/qt/screen_probe.h"
+#include "platform/std/sole_instance.h"
 #include "screens/kit/screen_numbers.h"
 
 namespace tabelion {
@@ -97,10 +98,11 @@ int measure(const char* documents) {
   options.documents_folder = documents;
   ProgramPlaces places = placesOf(options);
   places.settings.config_folder = own.path().toStdString();
-  QtDialogs dialogs({options.screen, 2});
+  QtDialogs dialogs(FrameOptions{.zoom = 2});
   Measurement measurement(dialogs);
   measurement.next();
-  const int exit_code = runProgram(options, places, dialogs);
+  SoleInstance instance;
+  const int exit_code = runProgram(options, places, dialogs, instance);
   measurement.print();
   return exit_code;
 }
