@@ -86,8 +86,10 @@ std::uint32_t OpenedRecords::know(const Database& database, const Password& pass
 double OpenedRecords::evidence(const Database& database, const Opened& opened,
                                ByteView clear) const {
   const KnownPassword& with = *passwords_[opened.password];
-  if (!with.failed() && with.fits >= kCertainlyEnough) return kOneByte * kCertainlyEnough;
-  return with.share() + kOneByte + std::max(Plausibility(database, clear), kOddestValues);
+  const double values = Plausibility(database, clear);
+  // One record of several may have a password of its own all the same, so noise still speaks.
+  if (!with.failed() && with.fits >= kCertainlyEnough) return 2 * kCertain + std::min(0.0, values);
+  return with.share() + kOneByte + std::max(values, kOddestValues);
 }
 
 // Enough to show it.
