@@ -8,7 +8,6 @@
 #include "screens/program/ask_password.h"
 #include "screens/program/preferences_screen.h"
 #include "screens/records/edit_record.h"
-#include "screens/records/form_layout.h"
 #include "screens/records/list_columns.h"
 #include "screens/records/quick_find.h"
 #include "screens/records/undo.h"
@@ -59,21 +58,6 @@ DialogTemplate recordListTemplate() {
 int ShowRecordList(Application& app, const std::string& path, std::optional<std::uint32_t> record) {
   RecordListScreen screen(app, path, record);
   return RunModalDialog(app, recordListTemplate(), screen);
-}
-
-CommandTable<RecordListScreen> RecordListScreen::Commands(Dialog&) {
-  using Self = RecordListScreen;
-  const StepEntry undo = UndoEntry(app_);
-  const StepEntry redo = RedoEntry(app_);
-  return {.resource = 146,
-          .left = {kNewRecordCommand, u"New Record", &Self::NewRecord},
-          .right = {.text = u"Menu",
-                    .rows = {{kPreferencesCommand, u"Preferences", &Self::ChangePreferences},
-                             {kSaveCommand, u"Save", &Self::Save},
-                             {kUndoCommand, undo.text, &Self::Undo, undo.enabled},
-                             {kRedoCommand, redo.text, &Self::Redo, redo.enabled},
-                             {kBackCommand, u"Close", &Self::Close}}},
-          .keys = {{kActionCommand, {}, &Self::OpenSelected}}};
 }
 
 void RecordListScreen::onInit(Dialog& dialog) {

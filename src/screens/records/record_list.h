@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "query/record_change.h"
 #include "screens/kit/commands.h"
 #include "screens/kit/type_to_find.h"
 #include "services/application.h"
@@ -48,6 +49,7 @@ class RecordListScreen : public CommandScreen<RecordListScreen> {
   void EditRecord(Dialog& dialog, std::uint32_t record);
   void NewRecord(Dialog& dialog);
   void ChangePreferences(Dialog& dialog);
+  void DeleteGroup(Dialog& dialog, RecordGroup group);
   void Save(Dialog& dialog);
   void Undo(Dialog& dialog);
   void Redo(Dialog& dialog);
