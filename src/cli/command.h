@@ -6,8 +6,8 @@
 #include <span>
 #include <string>
 
-#include "cli/exit_code.h"
-#include "cli/option_list.h"
+#include "cli/kit/exit_code.h"
+#include "cli/kit/option_list.h"
 
 namespace tabelion {
 

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <thread>
 
-#include "cli/interruption.h"
+#include "cli/kit/interruption.h"
 #include "cli/run.h"
 #include "interchange/terminal_text.h"
 #include "platform/std/core_dumps.h"

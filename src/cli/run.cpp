@@ -7,7 +7,7 @@
 #include <CLI/CLI.hpp>
 
 #include "cli/command.h"
-#include "cli/usage.h"
+#include "cli/kit/usage.h"
 
 namespace tabelion {
 namespace {

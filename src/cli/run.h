@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/context.h"
+#include "cli/kit/context.h"
 
 namespace tabelion {
 

@@ -2,7 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "cli/text_table.h"
+#include "cli/kit/text_table.h"
 #include "cli_run.h"
 
 namespace tabelion {

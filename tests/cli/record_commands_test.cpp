@@ -4,7 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "cli/field_assignment.h"
+#include "cli/commands/field_assignment.h"
 #include "cli_run.h"
 #include "engine/schema_places.h"
 
