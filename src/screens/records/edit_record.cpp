@@ -16,13 +16,6 @@
 namespace tabelion {
 namespace {
 
-constexpr CommandId kFormDone = kActionCommand;
-constexpr CommandId kFormCancel = kDoneCommand;  // the number that Done has elsewhere
-constexpr CommandId kGoFirst = 40201;
-constexpr CommandId kGoPrevious = 40202;
-constexpr CommandId kGoNext = 40203;
-constexpr CommandId kGoLast = 40204;
-
 DialogTemplate editRecordTemplate() {
   DialogTemplate dialog;
   dialog.resource = kEditRecordScreen;
@@ -75,45 +68,6 @@ void EditRecordScreen::LoadEditRecord(Dialog& dialog, std::uint32_t record) {
   Bytes packed;
   if (copy_ && !packRecord(*copy_, packed)) copy_.reset();
   form_.Show(dialog, packed, copy_.has_value() && MayChange());
-}
-
-CommandTable<EditRecordScreen> EditRecordScreen::Commands(Dialog& dialog) {
-  using Self = EditRecordScreen;
-  StepEntry undo = UndoEntry(app_);
-  StepEntry redo = RedoEntry(app_);
-  if (form_.Changed(dialog)) {  // what was typed and is not stored yet was done last
-    undo = {app_.level().new_record ? u"Undo New record" : u"Undo Edit of record", true};
-    redo.enabled = false;
-  }
-  const auto change_width = [](int step) {
-    return [step](Self& self, Dialog& on) { self.ChangeWidth(on, step); };
-  };
-  const auto move = [](Move to) { return [to](Self& self, Dialog& on) { self.MoveTo(on, to); }; };
-  CommandTable<Self> table{
-      .resource = 115,
-      .left = {kFormDone, u"Done", &Self::Done},
-      .right = {.text = u"Menu",
-                .rows = {{kWiderCommand, u"Increase Width", change_width(kWidthStep)},
-                         {kNarrowerCommand, u"Decrease Width", change_width(-kWidthStep)},
-                         {kNewRecordCommand, u"New Record", &Self::NewRecord},
-                         {kDeleteCommand, u"Delete Record", &Self::DeleteEditRecord,
-                          copy_.has_value()},
-                         {.text = u"Go To",
-                          .rows = {{kGoFirst, u"First", move(Move::kFirst)},
-                                   {kGoPrevious, u"Previous", move(Move::kPrevious)},
-                                   {kGoNext, u"Next", move(Move::kNext)},
-                                   {kGoLast, u"Last", move(Move::kLast)}}},
-                         {kUndoCommand, undo.text, &Self::Undo, undo.enabled},
-                         {kRedoCommand, redo.text, &Self::Redo, redo.enabled}}},
-      .keys = {{kBackCommand, {}, &Self::Back}}};
-  auto& entries = table.right.rows;
-  if (CurrentDatabase(app_).schema.encryption_mode == kEncryptRecordsByHand) {
-    const bool encrypted = copy_ && isRecordEncrypted(copy_->prefix);
-    entries.push_back({kEncryptCommand, encrypted ? u"Decrypt Record" : u"Encrypt Record",
-                       &Self::ToggleEncryption, copy_.has_value()});
-  }
-  entries.push_back({kFormCancel, u"Cancel", &Self::Cancel});
-  return table;
 }
 
 void EditRecordScreen::Done(Dialog& dialog) {
