@@ -11,6 +11,10 @@ static_assert(kMinus1904To2000 == 0u - 3029529600u);
 
 }  // namespace
 
+int monthLength(int month, int year) {
+  return month == 2 && isLeapYear(year) ? 29 : kMonthLengths[month - 1];
+}
+
 std::uint32_t daysSince1904(int month, int day, int year) {
   // Signed in 64 bits: a clamped or hostile date must wrap, not overflow.
   const std::int64_t years = static_cast<std::int64_t>(year) - kFirstYear;
@@ -44,8 +48,7 @@ CalendarDate dateOfDayCount(std::uint32_t days) {
   date.year = static_cast<int>(kFirstYear + years);
   std::int64_t rest = day_of_year;
   for (int month = 1; month <= 12; ++month) {
-    int length = kMonthLengths[month - 1];
-    if (month == 2 && isLeapYear(date.year)) length = 29;
+    const int length = monthLength(month, date.year);
     if (rest <= length) {
       date.month = month;
       break;

@@ -17,6 +17,9 @@ inline bool isLeapYear(int year) {
   return year % 4 == 0;
 }
 
+// The days that the month (1 to 12) has.
+int monthLength(int month, int year);
+
 // Days from 1904-01-01 to the date. The day is not checked against the month's length: a day past
 // its end carries into the next month. Years before 1904 are not supported.
 std::uint32_t daysSince1904(int month, int day, int year);

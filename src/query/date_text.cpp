@@ -68,11 +68,6 @@ int fullYear(std::int64_t year) {
   return static_cast<int>(std::clamp<std::int64_t>(year, INT32_MIN, INT32_MAX));
 }
 
-int monthLength(int month, int year) {
-  if (month == 2) return isLeapYear(year) ? 29 : 28;
-  return month == 4 || month == 6 || month == 9 || month == 11 ? 30 : 31;
-}
-
 // Compat: what is no month or day becomes 1 without a word (DateText.TypedDatesAreClamped).
 int clampedPart(std::string_view token, int most) {
   const std::int64_t value = leadingInteger(token);

@@ -18,6 +18,8 @@ inline constexpr int kCopyQuestionScreen = 170;
 inline constexpr int kChangedFileScreen = 171;
 inline constexpr int kSaveQuestionScreen = 172;
 inline constexpr int kFailedSaveScreen = 173;
+inline constexpr int kPickDateScreen = 180;
+inline constexpr int kPickTimeScreen = 181;
 
 inline constexpr CommandId kNewRecordCommand = 40002;
 inline constexpr CommandId kDeleteCommand = 40004;

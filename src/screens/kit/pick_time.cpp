@@ -1,0 +1,148 @@
+#include "screens/kit/pick_time.h"
+
+#include "screens/kit/commands.h"
+#include "screens/kit/moment_text.h"
+#include "screens/kit/row_layout.h"
+#include "screens/kit/screen_numbers.h"
+#include "services/message.h"
+#include "services/screen_text.h"
+
+namespace tabelion {
+namespace {
+
+constexpr ControlId kHourLabel = 5;
+constexpr ControlId kMinuteLabel = 6;
+constexpr ControlId kTimeLabel = 7;
+constexpr int kStepperWidth = 80;
+
+Bytes valueOf(const TimeValue& time) {
+  return {time.second, time.minute, time.hour, time.fourth};
+}
+
+class TimeScreen : public CommandScreen<TimeScreen> {
+ public:
+  TimeScreen(Application& app, std::u16string name, const TimeValue& time)
+      : app_(app), name_(std::move(name)), first_(time) {}
+
+  CommandTable<TimeScreen> Commands(Dialog&) {
+    return {.left = {kActionCommand, u"Done", &TimeScreen::Done},
+            .right = {kCancelCommand, u"Cancel", &TimeScreen::Cancel},
+            .keys = {{kBackCommand, {}, &TimeScreen::Cancel}}};
+  }
+  void onInit(Dialog& dialog) override {
+    ShowCommands(dialog);
+    ShowInBox(dialog, first_);
+    ShowTyped(dialog);
+    onResize(dialog);
+    dialog.control(kHourBox).focus();
+  }
+  void onResize(Dialog& dialog) override {
+    LayoutRow words{.cells = {AreaCell(kTimeWords, {0, 2 * dialog.textSize(u"X", 0).height})}};
+    words.cells[0].grow = 1;
+    PlaceRows(dialog,
+              {LabeledRow(kHourLabel, {BoxCell(kHourBox, kStepperWidth)}),
+               LabeledRow(kMinuteLabel, {BoxCell(kMinuteBox, kStepperWidth)}),
+               Spaced(LabeledRow(kTimeLabel, {BoxCell(kTimeBox)})), words},
+              {.margin = 8});
+  }
+  bool acceptsCharacter(Dialog&, ControlId, char32_t character) override {
+    return CanStore(app_, character);
+  }
+  void onNotice(Dialog& dialog, ControlId control, Notice notice) override;
+  bool OnAutoClose(Dialog& dialog) override;
+
+  std::optional<TimeValue> picked;
+
+ private:
+  Result<Bytes> Typed(Dialog& dialog) const {
+    return ValueOfBoxText(app_, FieldType::kTime, dialog.control(kTimeBox).text(), valueOf(first_));
+  }
+  void ShowInBox(Dialog& dialog, const TimeValue& time) {
+    dialog.control(kTimeBox).setText(BoxTextOf(app_, FieldType::kTime, valueOf(time)));
+  }
+  void ShowTyped(Dialog& dialog);
+  void Done(Dialog& dialog);
+  void Cancel(Dialog& dialog) { dialog.end(kDialogClosed); }
+
+  Application& app_;
+  const std::u16string name_;
+  const TimeValue first_;
+};
+
+void TimeScreen::onNotice(Dialog& dialog, ControlId control, Notice notice) {
+  if (notice != Notice::kEdited) return;
+  if (control == kHourBox || control == kMinuteBox) {
+    TimeValue time{.minute = static_cast<std::uint8_t>(dialog.control(kMinuteBox).selection()),
+                   .hour = static_cast<std::uint8_t>(dialog.control(kHourBox).selection()),
+                   .fourth = first_.fourth};
+    if (time.hour == first_.hour && time.minute == first_.minute) time.second = first_.second;
+    ShowInBox(dialog, time);
+  }
+  ShowTyped(dialog);
+}
+
+// Hour and minute follow what is typed as soon as that is a time.
+void TimeScreen::ShowTyped(Dialog& dialog) {
+  const Result<Bytes> typed = Typed(dialog);
+  if (!typed.ok()) {
+    dialog.control(kTimeWords).setText(u"This " + FromUtf8(typed.error().text) + u".");
+    return;
+  }
+  const TimeValue time = timeOfValue(*typed);
+  dialog.control(kTimeWords).setText(ScreenText(app_, timeText(time, app_.level().formats)));
+  if (time.isNone()) return;
+  dialog.control(kHourBox).select(time.hour);
+  dialog.control(kMinuteBox).select(time.minute);
+}
+
+void TimeScreen::Done(Dialog& dialog) {
+  const Result<Bytes> typed = Typed(dialog);
+  if (typed.ok()) {
+    picked = timeOfValue(*typed);
+    return dialog.end(kDialogDone);
+  }
+  ShowMessage(app_, u"\"" + name_ + u"\" " + FromUtf8(typed.error().text) + u".", u"Choose Time",
+              MessageIcon::kExclamation);
+  dialog.control(kTimeBox).focus();
+  dialog.control(kTimeBox).selectText();
+}
+
+// Where nobody is there to be asked, a text that is no time leaves the value as it was.
+bool TimeScreen::OnAutoClose(Dialog& dialog) {
+  if (Typed(dialog).ok() || !IsAlone(app_.closing)) {
+    Done(dialog);
+    return picked.has_value();
+  }
+  app_.not_stored.push_back(name_);
+  return true;
+}
+
+}  // namespace
+
+std::optional<TimeValue> PickTime(Application& app, const std::u16string& name,
+                                  const TimeValue& time) {
+  TimeValue first = time;
+  if (first.isNone()) {
+    const CalendarTime now = app.platform.clock.local();
+    first = {.minute = static_cast<std::uint8_t>(now.minute),
+             .hour = static_cast<std::uint8_t>(now.hour),
+             .fourth = time.fourth};
+  }
+  DialogTemplate dialog;
+  dialog.resource = kPickTimeScreen;
+  dialog.title = name;
+  dialog.controls = {
+      {.id = kHourLabel, .kind = ControlKind::kLabel, .text = u"Hour:"},
+      {.id = kHourBox, .kind = ControlKind::kSpin, .accessible_name = u"Hour", .maximum = 23},
+      {.id = kMinuteLabel, .kind = ControlKind::kLabel, .text = u"Minute:"},
+      {.id = kMinuteBox, .kind = ControlKind::kSpin, .accessible_name = u"Minute", .maximum = 59},
+      {.id = kTimeLabel, .kind = ControlKind::kLabel, .text = u"Time:"},
+      {.id = kTimeBox, .kind = ControlKind::kEdit, .accessible_name = u"Time"},
+      {.id = kTimeWords, .kind = ControlKind::kLabel},
+  };
+  TimeScreen screen(app, name, first);
+  RunModalDialog(app, dialog, screen);
+  return screen.picked;
+}
+
+}  // namespace tabelion

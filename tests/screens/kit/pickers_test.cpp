@@ -1,0 +1,149 @@
+#include <gtest/gtest.h>
+
+#include "screens/kit/month_grid.h"
+#include "screens/kit/pick_date.h"
+#include "screens/kit/pick_time.h"
+#include "screens/kit/screen_numbers.h"
+#include "support/phone_world.h"
+
+namespace tabelion {
+namespace {
+
+// The clock of the world stands at Thursday, 29 February 2024, 13:00.
+class Pickers : public testing::Test {
+ protected:
+  ScreenScript date() { return world.phone.at(kPickDateScreen); }
+  ScreenScript time() { return world.phone.at(kPickTimeScreen); }
+  ScreenScript& saysDate(ScreenScript&& screen, const std::u16string& words) {
+    return screen.look([words](FakeDialog& dialog) {
+      EXPECT_EQ(dialog.fake(kMonthCanvas).spoken(), u"Calendar, " + words);
+    });
+  }
+  // What the user picks, as a count of days; -1 for nothing.
+  std::int64_t pick(std::uint32_t days) {
+    Application app(world.platform);
+    app.preferences.week_starts_monday = week_starts_monday;
+    std::optional<std::uint32_t> picked;
+    world.phone.play([&] { picked = PickDate(app, u"Due", days); });
+    return picked ? std::int64_t{*picked} : -1;
+  }
+  std::optional<TimeValue> pick(const TimeValue& from) {
+    Application app(world.platform);
+    std::optional<TimeValue> picked;
+    world.phone.play([&] { picked = PickTime(app, u"At", from); });
+    return picked;
+  }
+
+  PhoneWorld world;
+  int week_starts_monday = 0;
+};
+
+TEST_F(Pickers, MonthIsWalkedByKeys) {
+  saysDate(date(), u"Thursday, 29 February 2024, today");
+  date().press(Key::kRight);
+  saysDate(date(), u"Friday, 1 March 2024");
+  date().press(Key::kUp).press(Key::kLeft);
+  saysDate(date(), u"Thursday, 22 February 2024");
+  date().press(Key::kDown).type(u"+");
+  saysDate(date(), u"Friday, 28 February 2025");  // the month is shorter there
+  date().type(u"--").press(Key::kEnd).press(Key::kPageDown).press(Key::kEnd);
+  saysDate(date(), u"Friday, 31 March 2023");
+  date().press(Key::kPageDown).press(Key::kHome);
+  saysDate(date(), u"Saturday, 1 April 2023");
+  date().choose({u"Menu", u"Next Year (+)"}).choose({u"Menu", u"Previous Month"});
+  date().look([](FakeDialog& dialog) {
+    EXPECT_EQ(dialog.fake(kDateBox).text(), u"3/1/2024");
+    EXPECT_TRUE(dialog.fake(kMonthCanvas).hasFocus());
+  });
+  date().press(Key::kEnter);
+  EXPECT_EQ(pick(0), daysSince1904(3, 1, 2024));
+
+  date().press(Key::kPageUp).press(Key::kHome).press(Key::kBack);
+  EXPECT_EQ(pick(daysSince1904(5, 9, 2031)), -1);
+
+  // Day 0 would be no date, and no text shows a year of five digits.
+  date().press(Key::kUp).press(Key::kPageUp).type(u"-").press(Key::kEnter);
+  EXPECT_EQ(pick(3), 1);
+  date().press(Key::kRight).press(Key::kPageDown).type(u"+").press(Key::kEnter);
+  EXPECT_EQ(pick(daysSince1904(12, 31, 9999)), daysSince1904(12, 31, 9999));
+}
+
+TEST_F(Pickers, DigitsTypeADateAsTheFormReadsIt) {
+  date().type(u"5/9/31");
+  saysDate(date(), u"Saturday, 9 May 1931");
+  date().press(Key::kBack, 2).type(u"2031");
+  saysDate(date(), u"Friday, 9 May 2031");
+  date().press(Key::kEnter);
+  EXPECT_EQ(pick(1), daysSince1904(5, 9, 2031));
+
+  date().type(u"13/1/2024");
+  saysDate(date(), u"This is not a date from 1904 to 9999 like 12/31/2025.");
+  date().press(Key::kEnter);
+  world.phone.says(u"\"Due\" is not a date from 1904 to 9999 like 12/31/2025.", u"Choose Date");
+  date().look([](FakeDialog& dialog) { EXPECT_TRUE(dialog.fake(kDateBox).hasFocus()); });
+  date().press(Key::kBack).type(u"no date");
+  saysDate(date(), u"No Date");
+  date().press(Key::kEnter);
+  EXPECT_EQ(pick(1), 0);
+}
+
+TEST_F(Pickers, PressesReachWhatIsPainted) {
+  week_starts_monday = 1;
+  date().look([](FakeDialog& dialog) {
+    FakeControl& canvas = dialog.fake(kMonthCanvas);
+    const auto at = [&](const std::u16string& words) {
+      for (const auto& text : canvas.paintCanvas().texts) {
+        if (text.text == words) return Point{text.area.x + 1, text.area.y + 1};
+      }
+      return Point{-1, -1};
+    };
+    EXPECT_EQ(at(u"Mo").x, at(u"5").x);  // Monday, 5 February
+    EXPECT_LT(at(u"Mo").x, at(u"Su").x);
+    EXPECT_EQ(at(u"4").x, at(u"Su").x);
+    const PaintedCanvas painted = canvas.paintCanvas();
+    EXPECT_EQ(painted.fills.back().area.y, at(u"29").y - 1);
+    dialog.handler.onCanvasPressed(dialog, kMonthCanvas, {at(u"Su").x, at(u"February 2024").y});
+    EXPECT_EQ(canvas.spoken(), u"Calendar, Friday, 28 February 2025");
+    dialog.handler.onCanvasPressed(dialog, kMonthCanvas, at(u"Su"));  // nothing there
+    dialog.handler.onCanvasPressed(dialog, kMonthCanvas, at(u"14"));
+    EXPECT_EQ(canvas.spoken(), u"Calendar, Friday, 14 February 2025");
+    dialog.handler.onCanvasPressed(dialog, kMonthCanvas, at(u"14"));  // takes it
+  });
+  EXPECT_EQ(pick(0), daysSince1904(2, 14, 2025));
+  EXPECT_EQ(WeekdayOf({3, 1, 2100}), 1);  // a Monday, though this calendar has a day before it
+}
+
+TEST_F(Pickers, TimeIsSteppedAndTyped) {
+  const auto step = [](FakeDialog& dialog, ControlId box, int value) {
+    dialog.fake(box).select(value);
+    dialog.handler.onNotice(dialog, box, Notice::kEdited);
+  };
+  time().look([&](FakeDialog& dialog) {
+    EXPECT_EQ(dialog.fake(kTimeBox).text(), u"1:05:09PM");
+    step(dialog, kHourBox, 14);
+    EXPECT_EQ(dialog.fake(kTimeWords).text(), u"2:05:00PM");
+    step(dialog, kHourBox, 13);
+    EXPECT_EQ(dialog.fake(kTimeBox).text(), u"1:05:09PM");
+    step(dialog, kMinuteBox, 59);
+  });
+  time().press(Key::kEnter);
+  EXPECT_EQ(pick(TimeValue{9, 5, 13, 7}), (TimeValue{0, 59, 13, 7}));
+
+  time().write(kTimeBox, u"25:00").press(Key::kEnter);
+  world.phone.says(u"\"At\" is not a time like 5:05:00PM.", u"Choose Time");
+  time().write(kTimeBox, u"7.15 pm").look([](FakeDialog& dialog) {
+    EXPECT_EQ(dialog.fake(kHourBox).selection(), 19);
+    EXPECT_EQ(dialog.fake(kMinuteBox).selection(), 15);
+  });
+  time().press(Key::kEnter);
+  EXPECT_EQ(pick(TimeValue{}), (TimeValue{0, 15, 19}));
+
+  time().look([](FakeDialog& dialog) {
+    EXPECT_EQ(dialog.fake(kTimeWords).text(), u"1:00:00PM");  // now
+  });
+  time().focus(kHourBox).press(Key::kBack);
+  EXPECT_EQ(pick(TimeValue{}), std::nullopt);
+}
+
+}  // namespace
+}  // namespace tabelion
