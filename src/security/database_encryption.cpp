@@ -5,15 +5,14 @@
 namespace tabelion {
 namespace {
 
-// Calls `work` with the position of every record whose flagged fields are enciphered, or in clear.
-// `reach` says how many bytes of a record are worth fetching ahead.
+// Calls `work` with the position of every record whose flagged fields are in clear. `reach` says
+// how many bytes of a record are worth fetching ahead.
 template <typename Work>
-void forRecordsThatAre(bool enciphered, const Database& database, const std::size_t& reach,
-                       const Work& work) {
+void forRecordsInClear(const Database& database, const std::size_t& reach, const Work& work) {
   const RecordStore& records = database.records;
   for (std::uint32_t i = 0; i < records.count(); ++i) {
     records.fetchAhead(i, reach);
-    if (isRecordEncrypted(records[i].bytes()) == enciphered) work(i);
+    if (!isRecordEncrypted(records[i].bytes())) work(i);
   }
 }
 
@@ -56,27 +55,6 @@ void MarkDeciphered(DatabaseRecord& schema) {
   schema.head[kStampFlagOffset] &= static_cast<std::uint8_t>(~kDatabaseEncrypted);
 }
 
-DecryptSummary DecryptRecords(Database& database, const ExpandedKey& key, bool forced) {
-  DecryptSummary summary;
-  const bool by_hand = database.schema.encryption_mode == kEncryptRecordsByHand;
-  if (by_hand && !forced) return summary;
-  const FlaggedFields flagged(database.schema);
-  RecordFront clear;
-  forRecordsThatAre(true, database, clear.old_size, [&](std::uint32_t position) {
-    const ByteView record = database.records[position].bytes();
-    if (DecryptRecordFront(flagged, record, key, clear) == kRecordDecrypted) {
-      if (by_hand) clear.bytes[1 + kStampFlagOffset] |= kClearByDatabase;
-      // Never too long: deciphering gives nothing that a record cannot hold.
-      (void)database.records.replaceFront(position, clear.old_size, clear.bytes);
-      ++summary.deciphered;
-    } else {
-      ++summary.failed;
-    }
-  });
-  WipeBytes(clear.bytes);
-  return summary;
-}
-
 EncryptSummary EncryptRecords(Database& database, Engine& engine, const ExpandedKey& key,
                               const RecordTest& wanted) {
   EncryptSummary summary;
@@ -95,7 +73,7 @@ EncryptSummary EncryptRecords(Database& database, Engine& engine, const Expanded
   const FlaggedFields flagged(database.schema);
   RecordFront enciphered;
   const StampSource stamp = [&] { return NewStamp(database, engine); };
-  forRecordsThatAre(false, database, enciphered.old_size, [&](std::uint32_t position) {
+  forRecordsInClear(database, enciphered.old_size, [&](std::uint32_t position) {
     const ByteView record = database.records[position].bytes();
     if (wanted && !wanted(record)) return;
     // Both fit, as was seen above.
@@ -112,7 +90,7 @@ EncryptSummary EncryptRecords(Database& database, Engine& engine, const Expanded
 
 std::vector<OverlongRecordValue> OverlongValues(const Database& database) {
   std::vector<OverlongRecordValue> found;
-  forRecordsThatAre(false, database, kMaxRecordSize, [&](std::uint32_t position) {
+  forRecordsInClear(database, kMaxRecordSize, [&](std::uint32_t position) {
     for (const OverlongValue& value :
          OverlongValues(database.schema, database.records[position].bytes())) {
       found.push_back({position, value});

@@ -1,5 +1,5 @@
-// Enciphering and deciphering the records of a whole database, and the block by which it knows the
-// password that was used last.
+// Enciphering the records of a whole database, and the block by which it knows the password that
+// was used last. Deciphering is OpenedRecords::open.
 #pragma once
 
 #include <cstdint>
@@ -32,14 +32,6 @@ bool PasswordMatchesCheck(const DatabaseRecord& schema, std::string_view passwor
 
 // Takes back what says that the database is enciphered: its mark and the password check.
 void MarkDeciphered(DatabaseRecord& schema);
-
-struct DecryptSummary {
-  std::uint32_t deciphered = 0;
-  std::uint32_t failed = 0;  // with this password; they stay as they are
-};
-// Deciphers every enciphered record that the key opens. In mode 2 nothing happens unless `forced`;
-// the records then keep a mark that they were deciphered with the whole database.
-DecryptSummary DecryptRecords(Database& database, const ExpandedKey& key, bool forced = false);
 
 // Enciphers every record that is in clear, or those of them that are `wanted`, and marks the
 // database dirty, and as enciphered where it is kept so as a whole. Either all of them or none: the
