@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -30,6 +31,12 @@ inline constexpr int kDialogDone = 1;
 inline constexpr int kDialogClosed = 2;
 inline constexpr int kDialogAutoClosed = 10;
 
+// The record that a search has found last, by its position in that arrangement of the records.
+struct FoundRecord {
+  std::uint32_t position = 0;
+  std::uint64_t arrangement = 0;
+};
+
 // A database and all that belongs to looking at it: nothing about a database is the program's.
 // Leaving a level is one function, LeaveLevel.
 struct Level {
@@ -39,6 +46,7 @@ struct Level {
   TextEncoding encoding = TextEncoding::utf8();
   std::uint32_t current_record = 0;  // data record number, or kNewRecord
   bool new_record = false;
+  std::optional<FoundRecord> last_found;
   History history;           // what was done to the database since it was opened
   std::string save_failure;  // why the last save failed: a sentence, UTF-8
 };

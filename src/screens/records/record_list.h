@@ -50,6 +50,9 @@ class RecordListScreen : public CommandScreen<RecordListScreen> {
   void NewRecord(Dialog& dialog);
   void ChangePreferences(Dialog& dialog);
   void DeleteGroup(Dialog& dialog, RecordGroup group);
+  void FindFirst(Dialog& dialog);
+  void FindNext(Dialog& dialog);
+  void ShowFound(Dialog& dialog, int slot);
   void Save(Dialog& dialog);
   void Undo(Dialog& dialog);
   void Redo(Dialog& dialog);

@@ -1,0 +1,47 @@
+#include "screens/arrange/find_records.h"
+
+#include "query/find.h"
+#include "screens/arrange/search_database.h"
+#include "services/message.h"
+#include "services/modal.h"
+#include "services/screen_text.h"
+
+namespace tabelion {
+namespace {
+
+int findFromRecord(Application& app, std::uint32_t start) {
+  const Database& database = CurrentDatabase(app);
+  FoundField found;
+  {
+    WaitCursor waiting(app);
+    found = findFrom(database, searchSettings(database.schema), start, 0,
+                     QuerySettingsOf(app, database));
+  }
+  if (found.position == kNoPosition) {
+    ShowMessage(app, FromUtf8(kNotFoundText), u"Find", MessageIcon::kInformation);
+    return -1;
+  }
+  app.level().current_record = found.position;
+  app.level().last_found = {found.position, database.records.arrangement()};
+  return found.slot;
+}
+
+}  // namespace
+
+int Find(Application& app) {
+  if (ShowSearchDatabase(app) != kDialogDone) return -1;
+  app.level().last_found.reset();
+  return findFromRecord(app, 0);
+}
+
+int FindAgain(Application& app) {
+  const Database& database = CurrentDatabase(app);
+  if (searchSettings(database.schema).text.empty()) return Find(app);
+  const auto& last = app.level().last_found;
+  if (!last) return findFromRecord(app, 0);
+  // When records came, went or moved since, the current one has followed the one that was found.
+  const bool stands = last->arrangement == database.records.arrangement();
+  return findFromRecord(app, (stands ? last->position : app.level().current_record) + 1);
+}
+
+}  // namespace tabelion

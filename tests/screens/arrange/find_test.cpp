@@ -1,0 +1,144 @@
+// Search Database, Find and Find Again, from the list.
+#include "screens/arrange/search_database.h"
+#include "screens/kit/screen_numbers.h"
+#include "screens/records/record_form.h"
+#include "screens/records/record_list.h"
+#include "support/phone_world.h"
+
+namespace tabelion {
+namespace {
+
+constexpr char16_t kNotFound[] = u"Not Found in Database!";
+
+class FindScreens : public testing::Test {
+ protected:
+  void SetUp() override {
+    database = world.make("Plants", {{"Name"}, {"Kind"}, {"Shop"}, {"Bought", FieldType::kDate}},
+                          {{"Ash", "tree", "Garden"},
+                           {"Fern", "shade", "garden"},
+                           {"Iris", "bulb", "Hill"},
+                           {"Oak", "tree", "Hill"},
+                           {"Rue", "herb", "GARDEN"}});
+    for (FieldDefinition& field : database->schema.fields) field.column_width = 100;
+    database->schema.sort[0] = {0, 1};
+  }
+  void play() {
+    const std::string path = world.store(*database);
+    Application app(world.platform);
+    app.preferences.auto_save_on_close = true;
+    list().choose({u"Menu", u"Close"});
+    world.phone.play([&] { ShowRecordList(app, path); });
+    database = world.read(path);
+  }
+  ScreenScript list() { return world.phone.at(kRecordListScreen); }
+  ScreenScript search() { return world.phone.at(kSearchScreen); }
+  ScreenScript find() { return list().choose({u"Menu", u"Tools", u"Find"}); }
+  ScreenScript again() { return list().choose({u"Menu", u"Tools", u"Find Again"}); }
+  static std::function<void(FakeDialog&)> stands(const std::string& name) {
+    return [name](FakeDialog& dialog) {
+      FakeControl& rows = dialog.fake(kRecordList);
+      EXPECT_EQ(narrow(rows.paintRow(rows.selectedRow()).words().at(0)), name);
+    };
+  }
+  static std::function<void(FakeDialog&)> scrolled(int pixels) {
+    return [pixels](FakeDialog& dialog) { EXPECT_EQ(dialog.fake(kRecordList).scrolled, pixels); };
+  }
+
+  PhoneWorld world;
+  std::unique_ptr<Database> database;
+};
+
+TEST_F(FindScreens, EachHitBecomesTheCurrentRecordUntilThereIsNoMore) {
+  list().press(Key::kDown, 3);
+  again();  // nothing was searched for yet
+  search()
+      .look([](FakeDialog& dialog) {
+        EXPECT_EQ(dialog.title, u"Search Database");
+        EXPECT_TRUE(dialog.fake(kSearchText).hasFocus());
+        const FakeControl& fields = dialog.fake(kSearchField);
+        ASSERT_EQ(fields.choices.size(), 101u);
+        EXPECT_EQ(fields.choices[0], u"All Fields");
+        EXPECT_EQ(fields.choices[3], u"Shop");
+        EXPECT_EQ(fields.choices[100], u"Field 100");
+        EXPECT_EQ(fields.selection(), 0);
+      })
+      .type(u"Garden")
+      .press(Key::kEnter);
+  list().look(stands("Ash")).look(scrolled(3 * 150 - 240));  // the column Shop is in sight
+  again();
+  list().look(stands("Fern")).press(Key::kUp).press(Key::kUp);
+  again();  // from the one that was found last, wherever the user went
+  list().look(stands("Rue"));
+  again();
+  world.phone.says(kNotFound, u"Find");
+  again();
+  world.phone.says(kNotFound, u"Find");
+  list().look(stands("Rue"));
+  find();
+  search()
+      .look([](FakeDialog& dialog) {
+        EXPECT_EQ(dialog.fake(kSearchText).text(), u"Garden");
+        EXPECT_TRUE(dialog.fake(kSearchText).text_selected);
+      })
+      .pick(kSearchCase, u"Case Sensitive")
+      .write(kSearchText, u"den")
+      .choose({u"OK"});
+  list().look(stands("Ash"));
+  find();
+  search().pick(kSearchMatch, u"Field begins with...").choose({u"OK"});
+  world.phone.says(kNotFound, u"Find");
+  again();  // that search has found nothing yet
+  world.phone.says(kNotFound, u"Find");
+  find();
+  search().pick(kSearchField, u"Kind").write(kSearchText, u"tr").choose({u"OK"});
+  list().look(stands("Ash"));
+  again();
+  list().look(stands("Oak")).look(scrolled(2 * 150 - 240));
+  play();
+  EXPECT_EQ(database->schema.search_field, 1);
+  EXPECT_EQ(areaText(database->schema.search_text), "tr");
+}
+
+TEST_F(FindScreens, CancelKeepsTheOldSearchAndUndoBringsItBack) {
+  setAreaText(database->schema.search_text, "hill");
+  find();
+  search().type(u"tree").press(Key::kBack).choose({u"Cancel"});
+  again();
+  list().look(stands("Iris"));
+  find();
+  search().write(kSearchText, u"tree").choose({u"OK"});
+  list().look(stands("Ash")).choose({u"Menu", u"Undo Change of search"});
+  list().look(stands("Iris"));
+  again();
+  list().look(stands("Iris"));
+  play();
+  EXPECT_EQ(areaText(database->schema.search_text), "hill");
+}
+
+TEST_F(FindScreens, RecordsThatMoveDoNotLeadTheSearchAstray) {
+  FilterBlock& filter = database->schema.filters[0];  // trees alone
+  filter.enabled = 1;
+  filter.field = 1;
+  setAreaText(filter.value1, "tree");
+  setAreaText(database->schema.search_text, "a");
+  again();
+  list().look(stands("Ash")).press(Key::kEnter);
+  world.phone.at(kEditRecordScreen).write(FormValue(0), u"Pear").choose({u"Done"});
+  list().look(stands("Pear"));
+  again();  // Pear stands behind Oak now
+  world.phone.says(kNotFound, u"Find");
+  play();
+}
+
+TEST_F(FindScreens, WhatTakesTooManyBytesIsNotCut) {
+  setAreaText(database->schema.code_page, "UTF-8");
+  find();
+  search().type(std::u16string(18, u'\u017E')).choose({u"OK"});
+  world.phone.says(u"The text is longer than fits here.", u"Search Database");
+  search().press(Key::kBack).write(kSearchText, u"Iris").choose({u"OK"});
+  list().look(stands("Iris"));
+  play();
+}
+
+}  // namespace
+}  // namespace tabelion
