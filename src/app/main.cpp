@@ -103,10 +103,10 @@ int main(int argc, char** argv) {
   QApplication::setWindowIcon(QIcon::fromTheme(QApplication::desktopFileName()));
   QApplication::setStyle(QStringLiteral("fusion"));
   QApplication::setQuitOnLastWindowClosed(false);
-  if (tour) return tabelion::runTour(parsed.options);
   const tabelion::Scheme guess =
       tabelion::schemeOf(QApplication::palette(), qEnvironmentVariable("GTK_THEME"));
   tabelion::theme::setScheme(parsed.options.scheme.value_or(guess));
+  if (tour) return tabelion::runTour(parsed.options);
   const tabelion::ProgramPlaces places = tabelion::placesOf(parsed.options);
   WindowKeeper window(parsed.options, places);
   tabelion::QtDialogs dialogs(window.options());

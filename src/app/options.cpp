@@ -90,7 +90,7 @@ ParsedOptions parseOptions(int argc, const char* const* argv) {
   app.add_option("--scheme", options.scheme,
                  "Colours of the window: light, dark, light-contrast or dark-contrast; those of\n"
                  "the desktop when not given")
-      ->type_name("NAME")
+      ->option_text("NAME")  // the library's own words would list the numbers as well
       ->transform(CLI::CheckedTransformer(
           std::map<std::string, Scheme>{{"light", Scheme::kLight},
                                         {"dark", Scheme::kDark},

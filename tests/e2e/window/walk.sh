@@ -150,7 +150,7 @@ shows "all" 1
 first=$databases/Books.PDB
 shows "menu" F2
 makes "opened" held "$first" -- 1
-shows "preferences" F2 1
+shows "preferences" F2 p Return
 shows "preferences given up" F2
 crash Down Return Down
 
@@ -160,13 +160,13 @@ shows "list" Return
 shows "record" Return
 keys Z q 7
 shows "list changed" F1
-crash F2 2
+crash F2 s Return
 start
 shows "list after the crash" Return
 shows "record again" Return
 keys Z q 8
 shows "list changed again" F1
-makes "saved" contains "$first" Zq8 -- F2 2
+makes "saved" contains "$first" Zq8 -- F2 s Return
 shows "said so" Return
 makes "closed" gone "$(lock_of "$first")" -- Escape
 
