@@ -88,6 +88,36 @@ bool seal(Application& app, const Password* password, Sealing& sealing) {
   return false;
 }
 
+bool move(Level& level, Database& database, HistoryMove to) {
+  const ChangeTarget target{database, level.current_record};
+  return to == HistoryMove::kUndo ? level.history.Undo(target) : level.history.Redo(target);
+}
+
+// The enciphered records, as they are, that a step puts in clear. The step is done and taken back.
+std::vector<Bytes> putInClearBy(Application& app, HistoryMove to) {
+  Level& level = app.level();
+  Database& database = CurrentDatabase(app);
+  std::vector<Bytes> found;
+  std::vector<Bytes> enciphered;
+  IdentityIndex by_identity;
+  for (const Record& record : database.records) {
+    if (!isRecordEncrypted(record.bytes())) continue;
+    by_identity.add(stampIdentity(record.bytes()), static_cast<std::uint32_t>(enciphered.size()));
+    enciphered.emplace_back(record.bytes().begin(), record.bytes().end());
+  }
+  by_identity.sort();
+  if (enciphered.empty() || !move(level, database, to)) return found;
+  for (const Record& record : database.records) {
+    if (isRecordEncrypted(record.bytes())) continue;
+    by_identity.forEach(stampIdentity(record.bytes()), [&](std::uint32_t number) {
+      found.push_back(enciphered[number]);
+      return false;
+    });
+  }
+  move(level, database, to == HistoryMove::kUndo ? HistoryMove::kRedo : HistoryMove::kUndo);
+  return found;
+}
+
 }  // namespace
 
 int DecryptWholeDatabase(Application& app, const EncryptionPasswordPrompt& prompt) {
@@ -199,6 +229,26 @@ bool PromptEncryptRecord(Application& app, Bytes& record, const EncryptionPasswo
     SetPasswordCheck(database.schema, password.text(), app.engine.random);
     return true;
   }
+}
+
+bool MoveInHistory(Application& app, HistoryMove to, const EncryptionPasswordPrompt& prompt) {
+  Database& database = CurrentDatabase(app);
+  std::vector<Bytes> hidden;
+  {
+    WaitCursor waiting(app);
+    if (database.schema.encryption_mode != kEncryptWholeDatabase) hidden = putInClearBy(app, to);
+  }
+  for (Bytes& record : hidden) {
+    const int result = PromptDecryptRecord(app, record, prompt);
+    WipeBytes(record);
+    if (result == kWrongPassword) {
+      ShowMessage(app, u"Error: Supplied Password does not properly Decrypt Record!", u"Error",
+                  MessageIcon::kError);
+    }
+    if (result != kRecordDecrypted) return false;
+  }
+  WaitCursor waiting(app);
+  return move(app.level(), database, to);
 }
 
 }  // namespace tabelion

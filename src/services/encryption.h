@@ -38,4 +38,11 @@ int PromptDecryptRecord(Application& app, Bytes& record, const EncryptionPasswor
 // that opened it, or most of those that were opened.
 bool PromptEncryptRecord(Application& app, Bytes& record, const EncryptionPasswordPrompt& prompt);
 
+// Undo and Redo in the current database. A step that would put in clear what is enciphered now
+// needs the password, as deciphering does: otherwise "Encrypt Record" would hide nothing from
+// whoever finds the program open. False, and nothing done, when there was no step or no right
+// password.
+enum class HistoryMove { kUndo, kRedo };
+bool MoveInHistory(Application& app, HistoryMove move, const EncryptionPasswordPrompt& prompt);
+
 }  // namespace tabelion

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "screens/program/ask_password.h"
 #include "services/screen_text.h"
 
 namespace tabelion {
@@ -12,11 +13,14 @@ StepEntry entryOf(const std::u16string& word, const std::string* step) {
   return {word + u" " + FromUtf8(*step), true};
 }
 
-void showResult(Application& app) {
+bool take(Application& app, HistoryMove move) {
+  if (!MoveInHistory(app, move, AskEncryptionPassword(app))) return false;
+  WaitCursor waiting(app);
   const std::uint32_t count = CurrentDatabase(app).records.count();
   Level& level = app.level();
   level.current_record = std::min(level.current_record, count == 0 ? 0 : count - 1);
   app.engine.steps.refresh(CurrentDatabase(app));
+  return true;
 }
 
 }  // namespace
@@ -30,17 +34,11 @@ StepEntry RedoEntry(Application& app) {
 }
 
 bool UndoStep(Application& app) {
-  WaitCursor waiting(app);
-  if (!app.level().history.Undo(CurrentTarget(app))) return false;
-  showResult(app);
-  return true;
+  return take(app, HistoryMove::kUndo);
 }
 
 bool RedoStep(Application& app) {
-  WaitCursor waiting(app);
-  if (!app.level().history.Redo(CurrentTarget(app))) return false;
-  showResult(app);
-  return true;
+  return take(app, HistoryMove::kRedo);
 }
 
 }  // namespace tabelion

@@ -162,25 +162,35 @@ TEST_F(Undo, ASaveMakesTheStatesBeforeItChangedOnes) {
   EXPECT_EQ(world.cell(path, 0, 1), "1");
 }
 
-TEST_F(Undo, AnEncipheredRecordIsItsOldSelfAgain) {
+TEST_F(Undo, AnEncipheredRecordIsItsOldSelfAgainForWhoKnowsThePassword) {
   database->schema.fields[1].encrypt_flag = 1;
   database->schema.encryption_mode = kEncryptRecordsByHand;
-  const auto password = [this] { world.phone.at(kPasswordScreen).type(u"sesame").choose({u"OK"}); };
+  const auto password = [this](const std::u16string& typed) {
+    world.phone.at(kPasswordScreen).type(typed).choose({u"OK"});
+  };
   const auto shows = [](const std::u16string& key) {
     return [key](FakeDialog& dialog) { EXPECT_EQ(dialog.fake(FormValue(1)).text(), key); };
   };
   open(0);
   form().choose({u"Menu", u"Encrypt Record"});
-  password();
+  password(u"sesame");
   form().look(shows(u"XX")).choose({u"Menu", u"Decrypt Record"});
-  password();
+  password(u"sesame");
   form()
       .look(shows(u"1"))
       .choose({u"Menu", u"Undo Decryption of record"})
       .look(shows(u"XX"))
-      .choose({u"Menu", u"Undo Encryption of record"})
-      .look(shows(u"1"))
-      .choose({u"Done"});
+      .choose({u"Menu", u"Undo Encryption of record"});
+  password(u"simsim");
+  world.phone.says(u"Error: Supplied Password does not properly Decrypt Record!", u"Error");
+  form().look(shows(u"XX")).press(Key::kRedo);
+  world.phone.at(kPasswordScreen).choose({u"Cancel"});
+  form()
+      .look(shows(u"XX"))
+      .look(offers({u"Undo Encryption of record", u"Redo Decryption of record"}))
+      .press(Key::kUndo);
+  password(u"sesame");
+  form().look(shows(u"1")).choose({u"Done"});
   play();
 }
 
