@@ -100,9 +100,15 @@ class Control {
   virtual void selectText() = 0;
 };
 
+// How a list is sorted by a column.
+enum class SortMark { kNone, kForward, kReverse };
+
 struct ListColumn {
   std::u16string heading;
   int width = 0;  // pixels
+  SortMark sort = SortMark::kNone;
+  int sort_level = 0;       // shown beside the mark, from 1 on; 0 when there is only one
+  std::u16string spoken{};  // what a screen reader says of the column; the heading when empty
 };
 
 // A report list: rows of one height, one selectable at a time, no stored items. The handler is

@@ -36,7 +36,8 @@ DialogTemplate listScreen() {
 
 void fill(RecordingHandler& handler, int rows) {
   handler.init = [rows](Dialog& dialog) {
-    dialog.list(kList).setColumns({{u"Name", 150}, {u"City", 150}});
+    dialog.list(kList).setColumns(
+        {{u"Name", 150, SortMark::kForward, 0, u"Name, sorted forward"}, {u"City", 150}});
     dialog.list(kList).setRowCount(rows);
     dialog.list(kList).selectRow(0);
   };
@@ -161,6 +162,7 @@ void ListTest::rowsSpeakToAScreenReader() {
     QCOMPARE(list->role(), QAccessible::List);
     QCOMPARE(list->text(QAccessible::Name), "Records of Contacts");
     QCOMPARE(list->childCount(), 50);
+    QCOMPARE(list->text(QAccessible::Description), "Name, sorted forward; City");
     QAccessibleInterface* row = list->child(1);
     QCOMPARE(row->role(), QAccessible::ListItem);
     QCOMPARE(row->text(QAccessible::Name), "Row 1");

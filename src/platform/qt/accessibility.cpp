@@ -64,6 +64,9 @@ class ListInterface final : public QAccessibleWidget {
       : QAccessibleWidget(&view, QAccessible::List), view_(view) {}
   ~ListInterface() override { forgetFrom(0); }
 
+  QString text(QAccessible::Text text) const override {
+    return text == QAccessible::Description ? view_.headingWords() : QAccessibleWidget::text(text);
+  }
   int childCount() const override { return view_.rowCount(); }
   QAccessibleInterface* child(int row) const override {
     if (row < 0 || row >= view_.rowCount()) return nullptr;

@@ -189,7 +189,8 @@ void ListView::paintHeadings(QPainter& painter) {
   int x = -sideways_;
   for (const ListColumn& column : columns_) {
     const QRect cell = scale_.rect(Rect{x, 0, column.width, headingHeight()});
-    const QRect space = cell.adjusted(scale_.px(3), 0, -scale_.px(2), 0);
+    const QRect space =
+        cell.adjusted(scale_.px(3), 0, -scale_.px(2) - paintSortMark(painter, column, cell), 0);
     painter.setPen(QColor::fromRgb(theme::colours().ink_soft));
     painter.drawText(
         space, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
@@ -198,6 +199,40 @@ void ListView::paintHeadings(QPainter& painter) {
                      QColor::fromRgb(theme::colours().line_soft));
     x += column.width;
   }
+}
+
+// At the right edge of the heading, where no long name covers it: the level, and a triangle whose
+// point is up where values rise. The room that it took.
+int ListView::paintSortMark(QPainter& painter, const ListColumn& column, const QRect& cell) const {
+  if (column.sort == SortMark::kNone) return 0;
+  const int side = std::min(scale_.px(7), cell.width() - scale_.px(2));
+  const QString level = column.sort_level == 0 ? QString() : QString::number(column.sort_level);
+  const int digit = painter.fontMetrics().horizontalAdvance(level);
+  const QRectF mark(cell.right() - side - scale_.px(3), cell.center().y() - side / 2, side,
+                    side * 0.75);
+  const bool up = column.sort == SortMark::kForward;
+  const double point = up ? mark.top() : mark.bottom();
+  const double base = up ? mark.bottom() : mark.top();
+  painter.save();
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(Qt::NoPen);
+  painter.setBrush(QColor::fromRgb(theme::colours().ink));
+  const QPointF triangle[] = {
+      {mark.left(), base}, {mark.right(), base}, {mark.center().x(), point}};
+  painter.drawPolygon(triangle, 3);
+  painter.restore();
+  painter.setPen(QColor::fromRgb(theme::colours().ink));
+  painter.drawText(QRectF(mark.left() - digit - scale_.px(1), cell.top(), digit, cell.height()),
+                   Qt::AlignVCenter | Qt::TextSingleLine, level);
+  return side + digit + scale_.px(4);
+}
+
+QString ListView::headingWords() const {
+  QStringList words;
+  for (const ListColumn& column : columns_) {
+    words << toQt(column.spoken.empty() ? column.heading : column.spoken);
+  }
+  return words.join(QStringLiteral("; "));
 }
 
 void ListView::resizeEvent(QResizeEvent* event) {

@@ -42,6 +42,7 @@ class ListView final : public QAbstractScrollArea {
   QRect rowRect(int row) const;  // window pixels in the viewport; empty when out of sight
   int rowAt(const QPoint& at) const;
   QString rowText(int row) const { return source_.text(row); }
+  QString headingWords() const;  // for a screen reader
 
  protected:
   void paintEvent(QPaintEvent*) override;
@@ -61,6 +62,7 @@ class ListView final : public QAbstractScrollArea {
   void announce();
   void paintFocus(QPainter& painter);
   void paintHeadings(QPainter& painter);
+  int paintSortMark(QPainter& painter, const ListColumn& column, const QRect& cell) const;
 
   const Scale& scale_;
   const Source source_;
