@@ -117,6 +117,16 @@ void sortRecords(Database& database, const FormatSettings& formats) {
   }
 }
 
+bool isInOrder(const Database& database, const FormatSettings& formats) {
+  const std::vector<SortLevel> levels = sortLevels(database, formats);
+  const RecordStore& records = database.records;
+  for (std::uint32_t next = 1; next < records.count() && !levels.empty(); ++next) {
+    const ByteView record = records[next - 1].bytes();
+    if (compareThroughLevels(levels, record, records[next].bytes()) > 0) return false;
+  }
+  return true;
+}
+
 std::uint32_t replaceInOrder(Database& database, std::uint32_t position,
                              const FormatSettings& formats) {
   if (!hasLevels(database.schema)) return position;

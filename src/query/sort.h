@@ -33,6 +33,9 @@ int compareRecords(const Database& database, std::uint32_t a, std::uint32_t b,
 // with fewer than two records.
 void sortRecords(Database& database, const FormatSettings& formats);
 
+// Whether every record compares equal to the next or before it, so that a sort is no need.
+bool isInOrder(const Database& database, const FormatSettings& formats);
+
 // Moves one record, whose value was just changed, to before the first record that it sorts
 // strictly before, or to the end; among equals it comes last. Returns where it stands now.
 std::uint32_t replaceInOrder(Database& database, std::uint32_t position,

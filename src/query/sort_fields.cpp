@@ -14,9 +14,6 @@ namespace {
 int positionOf(const SortKey& key) {
   return isSlot(key.field) ? key.field + 1 : 0;
 }
-int slotAt(int position) {
-  return position - 1;
-}
 
 }  // namespace
 
@@ -63,12 +60,19 @@ SortSelection sortSelection(const Database& database, int view) {
   return selection;
 }
 
+int sortLevelOf(const DatabaseRecord& schema, int slot) {
+  for (std::size_t i = 0; i < schema.sort.size() && isSlot(schema.sort[i].field); ++i) {
+    if (schema.sort[i].field == slot) return static_cast<int>(i) + 1;
+  }
+  return 0;
+}
+
 std::string storeSortSelection(Database& database, const SortSelection& selection, int view) {
   std::array<SortKey, kSortLevels> levels;
   for (std::size_t i = 0; i < levels.size(); ++i) {
     levels[i].order = selection.forward[i] ? kSortForward : 0;
     if (selection.field[i] <= 0) continue;
-    const int slot = slotAt(selection.field[i]);
+    const int slot = slotOfSortPosition(selection.field[i]);
     if (std::string refusal = sortRefusal(database, slot); !refusal.empty()) return refusal;
     levels[i].field = static_cast<std::uint8_t>(slot);
   }

@@ -31,6 +31,13 @@ struct SortSelection {
 // `view` -1: the database's own levels.
 SortSelection sortSelection(const Database& database, int view = -1);
 
+// The slot that a list position of a field means; -1 for "No Field".
+inline constexpr int slotOfSortPosition(int position) {
+  return position - 1;
+}
+// Which level of the database's sort a field is, from 1 on; 0 where it has no part in the order.
+int sortLevelOf(const DatabaseRecord& schema, int slot);
+
 // What OK does. The refusal of the first level that cannot be sorted, with nothing changed, or an
 // empty text. Without `view` the levels go into the database, and into its current view when that
 // has live update; with it into that view alone. Marks the database dirty; sorts nothing.

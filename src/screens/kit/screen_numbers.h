@@ -21,12 +21,15 @@ inline constexpr int kSaveQuestionScreen = 172;
 inline constexpr int kFailedSaveScreen = 173;
 inline constexpr int kPickDateScreen = 180;
 inline constexpr int kPickTimeScreen = 181;
+inline constexpr int kSortScreen = 190;
+inline constexpr int kFilterScreen = 191;
 
 inline constexpr CommandId kNewRecordCommand = 40002;
 inline constexpr CommandId kDeleteCommand = 40004;
 inline constexpr CommandId kSaveCommand = 40016;
 inline constexpr CommandId kFindCommand = 40017;
 inline constexpr CommandId kFindAgainCommand = 40018;
+inline constexpr CommandId kSortCommand = 40019;
 inline constexpr CommandId kWiderCommand = 40023;
 inline constexpr CommandId kNarrowerCommand = 40024;
 inline constexpr CommandId kDoneCommand = 40028;

@@ -44,6 +44,11 @@ void TypeToFind::clear(Dialog& dialog) {
   show(dialog);
 }
 
+void TypeToFind::setTitle(Dialog& dialog, std::u16string title) {
+  title_ = std::move(title);
+  show(dialog);
+}
+
 void TypeToFind::show(Dialog& dialog) {
   dialog.setTitle(typed_.empty() ? title_ : u"Find: " + typed_);
 }

@@ -32,6 +32,8 @@ class TypeToFind {
   Taken onKey(Dialog& dialog, const KeyPress& key, const Search& search);
   void onTimer(Dialog& dialog, int timer);
   void clear(Dialog& dialog);
+  // The screen's title from now on.
+  void setTitle(Dialog& dialog, std::u16string title);
 
  private:
   void show(Dialog& dialog);

@@ -1,6 +1,7 @@
 #include "screens/records/list_columns.h"
 
 #include "query/field_text.h"
+#include "query/sort_fields.h"
 #include "screens/kit/row_colors.h"
 #include "services/screen_text.h"
 
@@ -10,6 +11,18 @@ namespace {
 Color backgroundOf(const RowColors& colors, int row, bool selected) {
   if (selected) return colors.selected;
   return row % 2 == 0 ? colors.even : colors.odd;
+}
+
+// A column that the records are sorted by says so, and which of several levels it is.
+void markSort(const DatabaseRecord& schema, int slot, ListColumn& column) {
+  const int level = sortLevelOf(schema, slot);
+  if (level == 0) return;
+  const bool forward = schema.sort[static_cast<std::size_t>(level - 1)].order == kSortForward;
+  column.sort = forward ? SortMark::kForward : SortMark::kReverse;
+  column.spoken = column.heading + (forward ? u", sorted forward" : u", sorted in reverse");
+  if (!isSlot(schema.sort[1].field)) return;
+  column.sort_level = level;
+  column.spoken += u", level " + FromUtf8(std::to_string(level));
 }
 
 }  // namespace
@@ -24,6 +37,7 @@ std::vector<ListColumn> MakeListColumns(const Application& app, const DatabaseRe
   for (const int slot : slots) {
     const FieldDefinition& field = schema.fields[static_cast<std::size_t>(slot)];
     columns.push_back({ScreenText(app, fieldName(field)), ColumnPixels(field)});
+    markSort(schema, slot, columns.back());
   }
   return columns;
 }

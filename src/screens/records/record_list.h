@@ -48,6 +48,7 @@ class RecordListScreen : public CommandScreen<RecordListScreen> {
   void OpenSelected(Dialog& dialog);
   void EditRecord(Dialog& dialog, std::uint32_t record);
   void NewRecord(Dialog& dialog);
+  void Sort(Dialog& dialog);
   void ChangePreferences(Dialog& dialog);
   void DeleteGroup(Dialog& dialog, RecordGroup group);
   void FindFirst(Dialog& dialog);

@@ -1,7 +1,8 @@
-// What the record list does to find its way through the records.
+// What the record list does to put the records in order and to find its way through them.
 #include <algorithm>
 
 #include "screens/arrange/find_records.h"
+#include "screens/arrange/sort_screen.h"
 #include "screens/records/record_list.h"
 
 namespace tabelion {
@@ -33,6 +34,12 @@ void RecordListScreen::ShowFound(Dialog& dialog, int slot) {
     }
     left = right;
   }
+}
+
+void RecordListScreen::Sort(Dialog& dialog) {
+  if (!IsDatabaseOpen(app_)) return;
+  ShowSort(app_);
+  FillRecordList(dialog);
 }
 
 }  // namespace tabelion
