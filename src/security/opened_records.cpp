@@ -284,6 +284,14 @@ bool OpenedRecords::openedAll(const Password& password) const {
   return std::ranges::equal(key.bytes(), passwords_[opened_.front().password]->key.bytes());
 }
 
+bool OpenedRecords::knows(const Password& password) const {
+  ExpandedKey key;
+  MakeKey(password.text(), key);
+  return std::ranges::any_of(opened_, [&](const Opened& opened) {
+    return std::ranges::equal(key.bytes(), passwords_[opened.password]->key.bytes());
+  });
+}
+
 const Password* OpenedRecords::passwordFor(ByteView record) const {
   const auto known = std::ranges::find(opened_, stampIdentity(record), &Opened::identity);
   return known == opened_.end() ? mainPassword() : &passwords_[known->password]->password;

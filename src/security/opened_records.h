@@ -67,6 +67,7 @@ class OpenedRecords {
               Trust trust = Trust::kDoubts);
 
   bool isEmpty() const { return opened_.empty(); }
+  bool knows(const Password& password) const;  // whether it, or one with the same key, opened any
   // The password that opened all of them; none when there were several.
   const Password* onlyPassword() const;
   bool openedAll(const Password& password) const;  // or one with the same key

@@ -48,7 +48,18 @@ void sayKept(Application& app, std::uint32_t count) {
 }
 
 // A typo in a password that nobody typed before would lock its owner out.
-bool confirmsNewPassword(Application& app, const EncryptionPasswordPrompt& prompt,
+bool isTypedAgain(Application& app, const EncryptionPasswordPrompt& prompt, const Password& typed,
+                  const std::u16string& means) {
+  ShowMessage(app, means + u" Please enter it once more.", u"Update", MessageIcon::kInformation);
+  Password again;
+  if (!prompt(again)) return false;
+  if (again.text() == typed.text()) return true;
+  ShowMessage(app, u"The two passwords differ. Nothing has been encrypted.", u"Error",
+              MessageIcon::kError);
+  return false;
+}
+
+bool confirmsForDatabase(Application& app, const EncryptionPasswordPrompt& prompt,
                          const Password& typed) {
   const OpenedRecords& opened = app.level().session.opened;
   std::u16string means = u"From now on only this password opens the encrypted records.";
@@ -57,13 +68,24 @@ bool confirmsNewPassword(Application& app, const EncryptionPasswordPrompt& promp
   } else if (!opened.isEmpty()) {
     means = u"Several passwords opened the database. " + means;
   }
-  ShowMessage(app, means + u" Please enter it once more.", u"Update", MessageIcon::kInformation);
-  Password again;
-  if (!prompt(again)) return false;
-  if (again.text() == typed.text()) return true;
-  ShowMessage(app, u"The two passwords differ. Nothing has been encrypted.", u"Error",
-              MessageIcon::kError);
-  return false;
+  return isTypedAgain(app, prompt, typed, means);
+}
+
+// Where the database knows a last password, it is asked about another one first.
+bool confirmsForRecord(Application& app, const EncryptionPasswordPrompt& prompt,
+                       const Password& typed) {
+  const Session& session = app.level().session;
+  const DatabaseRecord& schema = session.database->schema;
+  const bool matches = PasswordMatchesCheck(schema, typed.text());
+  if ((matches && schema.password_check_present != 0) || session.opened.knows(typed)) return true;
+  if (!matches &&
+      Ask(app,
+          u"Password entered does not seem to match last password given to a record in this "
+          u"database.  Continue anyway?",
+          u"QUESTION") != Answer::kYes) {
+    return false;
+  }
+  return isTypedAgain(app, prompt, typed, u"From now on only this password opens the record.");
 }
 
 // Whether the user gives up encryption, of what is to be written or of what is in the file.
@@ -161,7 +183,7 @@ bool EncryptWholeDatabase(Application& app, const EncryptionPasswordPrompt& prom
     Password typed;
     if (prompt(typed)) {
       const bool known = session.opened.openedAll(typed);
-      if (!known && !confirmsNewPassword(app, prompt, typed)) {
+      if (!known && !confirmsForDatabase(app, prompt, typed)) {
         if (!IsAlone(app.closing)) continue;
       } else if (seal(app, &typed, sealing)) {
         if (sealing.kept > 0) sayKept(app, sealing.kept);
@@ -210,11 +232,7 @@ bool PromptEncryptRecord(Application& app, Bytes& record, const EncryptionPasswo
       const Password* known = opened.passwordFor(record);
       if (!IsAlone(app.closing) || known == nullptr) return false;
       password = *known;
-    } else if (!PasswordMatchesCheck(database.schema, password.text()) &&
-               Ask(app,
-                   u"Password entered does not seem to match last password given to a record in "
-                   u"this database.  Continue anyway?",
-                   u"QUESTION") != Answer::kYes) {
+    } else if (!confirmsForRecord(app, prompt, password)) {
       continue;
     }
     Bytes enciphered;

@@ -35,7 +35,8 @@ int PromptDecryptRecord(Application& app, Bytes& record, const EncryptionPasswor
 
 // True when the record was enciphered; false, and the record as it was, when no field is flagged,
 // the user cancelled, or it would become too long. When nobody is there, the password is the one
-// that opened it, or most of those that were opened.
+// that opened it, or most of those that were opened. One that the database does not know yet has to
+// be typed twice.
 bool PromptEncryptRecord(Application& app, Bytes& record, const EncryptionPasswordPrompt& prompt);
 
 // Undo and Redo in the current database. A step that would put in clear what is enciphered now

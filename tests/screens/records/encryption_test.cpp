@@ -19,6 +19,9 @@ const std::u16string kOtherPassword =
     u"This is not the password that opened the database. From now on only this password opens the "
     u"encrypted records. Please enter it once more.";
 
+const std::u16string kOnlyThisOpensIt =
+    u"From now on only this password opens the record. Please enter it once more.";
+
 enum Slot { kName, kPin };
 
 class Encryption : public testing::Test {
@@ -242,6 +245,12 @@ TEST_F(Encryption, SavingEnciphersRecordByRecord) {
   setMode(kEncryptRecordsOnSave);
   list().press(Key::kEnter);
   form().write(FormValue(kPin), u"3333").choose({u"Done"});
+  password(u"sesaem");
+  world.phone.says(kOnlyThisOpensIt, u"Update");
+  password(u"sesame");
+  world.phone.says(u"The two passwords differ. Nothing has been encrypted.", u"Error");
+  password(u"sesame");
+  world.phone.says(kOnlyThisOpensIt, u"Update");
   password(u"sesame");
   list().look(lists(u"XXXXX")).press(Key::kEnter);
   password(u"guess");
@@ -269,6 +278,8 @@ TEST_F(Encryption, OneRecordIsEncipheredAndDecipheredByHand) {
   setMode(kEncryptRecordsByHand);
   list().press(Key::kEnter);
   form().write(FormValue(kName), u"Anne").choose({u"Menu", u"Encrypt Record"});
+  password(u"sesame");
+  world.phone.says(kOnlyThisOpensIt, u"Update");
   password(u"sesame");
   form().look(shows(u"XXXXX")).choose({u"Menu", u"Decrypt Record"});
   password(u"guess");

@@ -174,6 +174,9 @@ TEST_F(Undo, AnEncipheredRecordIsItsOldSelfAgainForWhoKnowsThePassword) {
   open(0);
   form().choose({u"Menu", u"Encrypt Record"});
   password(u"sesame");
+  world.phone.says(u"From now on only this password opens the record. Please enter it once more.",
+                   u"Update");
+  password(u"sesame");
   form().look(shows(u"XX")).choose({u"Menu", u"Decrypt Record"});
   password(u"sesame");
   form()
