@@ -109,21 +109,26 @@ int parseDigits(std::string_view text) {
   return number;
 }
 
+template <class... Parts>
+Error refused(fmt::format_string<Parts...> sentence, Parts&&... parts) {
+  return makeError(ErrorKind::kInvalid, fmt::format(sentence, std::forward<Parts>(parts)...));
+}
+
 void putLe32(Bytes& value, std::uint32_t number) {
   value.resize(value.size() + 4);
   storeLe32(&value[value.size() - 4], number);
 }
 
-std::optional<std::string> putDate(const CalendarDate& date, std::string_view text, Bytes& value) {
-  if (date.year < kFirstYear) return fmt::format("\"{}\" lies before {}", text, kFirstYear);
+Status putDate(const CalendarDate& date, std::string_view text, Bytes& value) {
+  if (date.year < kFirstYear) return refused("\"{}\" lies before {}", text, kFirstYear);
   const bool in_range = date.month >= 1 && date.month <= 12 && date.day >= 1;
   const std::uint32_t days = in_range ? daysSince1904(date.month, date.day, date.year) : 0;
   if (!in_range || dateOfDayCount(days) != date) {
-    return fmt::format("\"{}\" is not a day of the calendar", text);
+    return refused("\"{}\" is not a day of the calendar", text);
   }
-  if (days == 0) return fmt::format("\"{}\" is what a date without a value is kept as", text);
+  if (days == 0) return refused("\"{}\" is what a date without a value is kept as", text);
   putLe32(value, days);
-  return std::nullopt;
+  return Done{};
 }
 
 // Three numbers in the order of the format, the year whole.
@@ -137,8 +142,7 @@ std::optional<CalendarDate> dateInForm(std::string_view text, const FormatSettin
   return longest == 4 ? exactDateOfText(text, formats) : std::nullopt;
 }
 
-std::optional<std::string> readDate(std::string_view text, const FormatSettings* formats,
-                                    Bytes& value) {
+Status readDate(std::string_view text, const FormatSettings* formats, Bytes& value) {
   if (formats != nullptr) {
     if (const auto date = dateInForm(text, *formats)) return putDate(*date, text, value);
   }
@@ -153,79 +157,80 @@ std::optional<std::string> readDate(std::string_view text, const FormatSettings*
       example.clear();
       appendDate(example, CalendarDate{3, 31, 2024}, formats->edit_date);
     }
-    return fmt::format("\"{}\" is not a date like {}", text, example);
+    return refused("\"{}\" is not a date like {}", text, example);
   }
   return putDate(date, text, value);
 }
 
-std::optional<std::string> readTime(std::string_view text, Bytes& value) {
+Status readTime(std::string_view text, Bytes& value) {
   const bool has_seconds = text.size() == 8 && text[5] == ':';
   const bool shaped = (text.size() == 5 || has_seconds) && text[2] == ':';
   const int hour = shaped ? parseDigits(text.substr(0, 2)) : -1;
   const int minute = shaped ? parseDigits(text.substr(3, 2)) : -1;
   const int second = has_seconds ? parseDigits(text.substr(6, 2)) : 0;
   if (hour < 0 || hour > 23 || minute < 0 || minute > 59 || second < 0 || second > 59) {
-    return fmt::format("\"{}\" is not a time like 17:05 or 17:05:09", text);
+    return refused("\"{}\" is not a time like 17:05 or 17:05:09", text);
   }
   for (const int part : {second, minute, hour, 0}) {
     value.push_back(static_cast<std::uint8_t>(part));
   }
-  return std::nullopt;
+  return Done{};
 }
 
-std::optional<std::string> readPopup(const PopupNames& popups, std::string_view text,
-                                     Bytes& value) {
+Status readPopup(const PopupNames& popups, std::string_view text, Bytes& value) {
   const ItemKey* key = popups.keyOf(text);
   if (key == nullptr) key = popups.keyOf(text = withoutBlanks(text));
   if (key != nullptr) {
     value.insert(value.end(), key->begin(), key->begin() + kPopupKeySize);
-    return std::nullopt;
+    return Done{};
   }
   if (text.empty()) {
     value.resize(value.size() + kPopupKeySize);
-    return std::nullopt;
+    return Done{};
   }
   const auto bytes = text[0] == '?' ? fromHex(text.substr(1)) : std::nullopt;
   if (!bytes || bytes->size() > kPopupKeySize) {
-    return fmt::format("\"{}\" is not an item of the list", text);
+    return refused("\"{}\" is not an item of the list", text);
   }
   value.insert(value.end(), bytes->begin(), bytes->end());
-  return std::nullopt;
+  return Done{};
 }
 
-std::optional<std::string> readNumberText(std::string_view text, bool calculated, Bytes& value) {
+Status readNumberText(std::string_view text, bool calculated, Bytes& value) {
   if (!isDecimalNumber(text) && !(calculated && text == "Error!")) {
-    return fmt::format("\"{}\" is not a number", text);
+    return refused("\"{}\" is not a number", text);
   }
   if (text.size() >= kNumberTextSize) {
-    return fmt::format("\"{}\" is longer than the {} characters of a number", text,
-                       kNumberTextSize - 1);
+    return refused("\"{}\" is longer than the {} characters of a number", text,
+                   kNumberTextSize - 1);
   }
   value.insert(value.end(), text.begin(), text.end());
   value.push_back(0);
-  return std::nullopt;
+  return Done{};
 }
 
 // The text and its NUL; `most` is the longest text that the field takes.
-std::optional<std::string> readText(const TextEncoding& encoding, std::string_view text,
-                                    std::size_t most, Bytes& value) {
+Status readText(const TextEncoding& encoding, std::string_view text, std::size_t most,
+                Bytes& value) {
   const std::size_t begin = value.size();
-  if (const auto fault = encoding.appendFromUtf8(value, text))
-    return describeFault(*fault, encoding);
+  if (const auto fault = encoding.appendFromUtf8(value, text)) {
+    return refused("{}", describeFault(*fault, encoding));
+  }
   const std::size_t size = value.size() - begin;
-  if (size > most) return fmt::format("the text takes {} bytes; the field holds {}", size, most);
-  if (size > 0 && std::memchr(value.data() + begin, 0, size)) return "the text holds a NUL";
+  if (size > most) return refused("the text takes {} bytes; the field holds {}", size, most);
+  if (size > 0 && std::memchr(value.data() + begin, 0, size))
+    return refused("the text holds a NUL");
   value.push_back(0);
-  return std::nullopt;
+  return Done{};
 }
 
-std::optional<std::string> readExternal(std::string_view text, std::size_t size, Bytes& value) {
+Status readExternal(std::string_view text, std::size_t size, Bytes& value) {
   const auto bytes = fromHex(text);
   if (!bytes || bytes->size() > size) {
-    return fmt::format("must be hexadecimal digits of at most {} bytes", size);
+    return refused("must be hexadecimal digits of at most {} bytes", size);
   }
   value.insert(value.end(), bytes->begin(), bytes->end());
-  return std::nullopt;
+  return Done{};
 }
 
 // A text is what stands there, blanks and all.
@@ -277,28 +282,28 @@ std::optional<std::uint32_t> parseAutoNumber(std::string_view text, FieldType ty
   return static_cast<std::uint32_t>(*number);
 }
 
-std::optional<std::string> readLinkCells(const TextEncoding& encoding, std::string_view text,
-                                         std::string_view key, Bytes& value) {
-  if (text.empty() && key.empty()) return std::nullopt;
+Status readLinkCells(const TextEncoding& encoding, std::string_view text, std::string_view key,
+                     Bytes& value) {
+  if (text.empty() && key.empty()) return Done{};
   const auto number =
       key.empty() ? std::optional<std::uint32_t>(0) : wholeNumber<std::uint32_t>(key);
-  if (!number) return fmt::format("\"{}\" is not the number of a record", key);
+  if (!number) return refused("\"{}\" is not the number of a record", key);
   putLe32(value, *number);
   value.resize(value.size() + kLinkHeadSize - 4);
   return readText(encoding, text, kLinkSize - kLinkHeadSize - 1, value);
 }
 
-std::optional<std::string> readCell(const CellReader& reader, std::string_view text, Bytes& value) {
+Status readCell(const CellReader& reader, std::string_view text, Bytes& value) {
   const FieldType type = reader.column.type;
   if (!keepsBlanks(traitsOf(type).form)) text = withoutBlanks(text);
-  if (text.empty()) return std::nullopt;
+  if (text.empty()) return Done{};
   switch (traitsOf(type).form) {
     case ValueForm::kInteger:
     case ValueForm::kKey: {
       const auto number = parseAutoNumber(text, type);
-      if (!number) return fmt::format("\"{}\" is not a whole number of 32 bits", text);
+      if (!number) return refused("\"{}\" is not a whole number of 32 bits", text);
       putLe32(value, *number);
-      return std::nullopt;
+      return Done{};
     }
     case ValueForm::kNumberText:
     case ValueForm::kResult:
@@ -307,9 +312,9 @@ std::optional<std::string> readCell(const CellReader& reader, std::string_view t
       return readPopup(reader.popups, text, value);
     case ValueForm::kFlag: {
       const auto is_checked = checkOfText(text);
-      if (!is_checked) return fmt::format("\"{}\" is not 0 or 1, yes or no", text);
+      if (!is_checked) return refused("\"{}\" is not 0 or 1, yes or no", text);
       value.push_back(*is_checked ? 1 : 0);
-      return std::nullopt;
+      return Done{};
     }
     case ValueForm::kDays:
       return readDate(text, reader.dates, value);

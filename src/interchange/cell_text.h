@@ -20,6 +20,7 @@
 
 #include "engine/packed_record.h"
 #include "interchange/table_columns.h"
+#include "platform/result.h"
 #include "query/format_settings.h"
 
 namespace tabelion {
@@ -41,7 +42,8 @@ CellText cellText(const TableColumn& column, const PopupNames& popups, ByteView 
                   CellScratch& scratch);
 
 // Text as a value, appended to `value`, which may have fewer bytes than its type (fitValue); an
-// empty text gives none. The error's text says what is wrong, without the place. Blanks around
+// empty text gives none. The error says what is wrong, without the place, and what was appended
+// then is to be thrown away. Blanks around
 // anything but a text do not count. Dates may be in the form of `dates` as well, with a whole year:
 // 5.9.24 is of no century. Check boxes may be in words.
 struct CellReader {
@@ -51,10 +53,10 @@ struct CellReader {
   const TextEncoding& encoding;
   const FormatSettings* dates = nullptr;
 };
-std::optional<std::string> readCell(const CellReader& reader, std::string_view text, Bytes& value);
+Status readCell(const CellReader& reader, std::string_view text, Bytes& value);
 // The two columns of a link field make one value.
-std::optional<std::string> readLinkCells(const TextEncoding& encoding, std::string_view text,
-                                         std::string_view key, Bytes& value);
+Status readLinkCells(const TextEncoding& encoding, std::string_view text, std::string_view key,
+                     Bytes& value);
 // A record number of an auto-number or relationship key column; none when it is not one.
 std::optional<std::uint32_t> parseAutoNumber(std::string_view text, FieldType type);
 

@@ -37,6 +37,10 @@ bool isPassedOver(const std::vector<std::string_view>& header, std::size_t cell)
          (cell == 0 && header[cell] == kRecordIdColumn);
 }
 
+Error refused(std::string reason) {
+  return makeError(ErrorKind::kInvalid, std::move(reason));
+}
+
 class Importer {
  public:
   Importer(const ImportForm& form, const TextEncoding& encoding, Engine& engine, Database& database)
@@ -50,15 +54,14 @@ class Importer {
   // How many cells of a header row name columns of the database.
   std::size_t matches(const std::vector<std::string_view>& header) const;
   // Matches the header row with the database's columns.
-  std::optional<std::string> plan(const std::vector<std::string_view>& header);
+  Status plan(const std::vector<std::string_view>& header);
   // Appends the row as a record, or says all that keeps it from being one.
   std::vector<CellFault> addRow(const std::vector<std::string_view>& cells);
 
  private:
-  std::optional<std::string> putSlot(const SlotPlan& slot,
-                                     const std::vector<std::string_view>& cells);
+  Status putSlot(const SlotPlan& slot, const std::vector<std::string_view>& cells);
   void beginRecord();
-  std::optional<std::string> insertRecord();
+  Status insertRecord();
   const TableColumn* columnNamed(std::string_view name) const;
   std::string unknownColumn(std::string_view name) const;
   const FieldDefinition& fieldOf(const SlotPlan& slot) const {
@@ -103,17 +106,17 @@ std::string Importer::unknownColumn(std::string_view name) const {
                      near.empty() ? "" : "; there is ", alternatives(near));
 }
 
-std::optional<std::string> Importer::plan(const std::vector<std::string_view>& header) {
+Status Importer::plan(const std::vector<std::string_view>& header) {
   cell_count_ = header.size();
   std::map<const TableColumn*, std::size_t> cells;
   for (std::size_t i = 0; i < header.size(); ++i) {
     const TableColumn* column = columnNamed(header[i]);
     if (column == nullptr) {
       if (isPassedOver(header, i)) continue;
-      return unknownColumn(header[i]);
+      return refused(unknownColumn(header[i]));
     }
     if (!cells.emplace(column, i).second) {
-      return fmt::format("the column \"{}\" stands there more than once", column->name);
+      return refused(fmt::format("the column \"{}\" stands there more than once", column->name));
     }
   }
   const auto cellOf = [&](const TableColumn& column) {
@@ -133,7 +136,7 @@ std::optional<std::string> Importer::plan(const std::vector<std::string_view>& h
       slot.popups = PopupNames(database_.fields[static_cast<std::size_t>(column.slot)], encoding_);
     }
   }
-  return std::nullopt;
+  return Done{};
 }
 
 void Importer::beginRecord() {
@@ -148,9 +151,8 @@ void Importer::beginRecord() {
   }
 }
 
-std::optional<std::string> Importer::putSlot(const SlotPlan& slot,
-                                             const std::vector<std::string_view>& cells) {
-  if (slot.column.type == FieldType::kUnused) return std::nullopt;
+Status Importer::putSlot(const SlotPlan& slot, const std::vector<std::string_view>& cells) {
+  if (slot.column.type == FieldType::kUnused) return Done{};
   const auto cellAt = [&](std::size_t cell) {
     return cell == kNoCell ? std::string_view() : cells[cell];
   };
@@ -160,7 +162,7 @@ std::optional<std::string> Importer::putSlot(const SlotPlan& slot,
     std::uint32_t number = next_auto_number_;
     if (!text.empty()) {
       const auto given = parseAutoNumber(text, slot.column.type);
-      if (!given) return fmt::format("\"{}\" is not a whole number of 32 bits", text);
+      if (!given) return refused(fmt::format("\"{}\" is not a whole number of 32 bits", text));
       number = *given;
     }
     // The counter stays ahead of every number given out.
@@ -169,7 +171,7 @@ std::optional<std::string> Importer::putSlot(const SlotPlan& slot,
     }
     record_.resize(record_.size() + 4);
     storeLe32(&record_[record_.size() - 4], number);
-    return std::nullopt;
+    return Done{};
   }
   if (slot.column.type == FieldType::kLinkField) {
     return readLinkCells(encoding_, text, cellAt(slot.key_cell), record_);
@@ -188,41 +190,43 @@ std::vector<CellFault> Importer::addRow(const std::vector<std::string_view>& cel
   for (const SlotPlan& slot : slots_) {
     const std::size_t length_place = record_.size();
     record_.resize(length_place + 2);
-    auto reason = putSlot(slot, cells);
-    if (!reason) fitValue(fieldOf(slot), record_, length_place + 2);
+    Status put = putSlot(slot, cells);
+    if (put.ok()) fitValue(fieldOf(slot), record_, length_place + 2);
     const std::size_t length = record_.size() - length_place - 2;
-    if (!reason && length >= kEndOfRecord) reason = "the value is too long";
-    if (reason) {
-      faults.push_back({slot.column.name, std::move(*reason)});
+    if (put.ok() && length >= kEndOfRecord) put = refused("the value is too long");
+    if (!put.ok()) {
+      faults.push_back({slot.column.name, put.error().text});
     } else {
       storeLe16(&record_[length_place], static_cast<std::uint32_t>(length));
     }
   }
   if (faults.empty()) {
-    if (auto reason = insertRecord()) faults.push_back({"", std::move(*reason)});
+    if (const Status added = insertRecord(); !added.ok()) {
+      faults.push_back({"", added.error().text});
+    }
   }
   return faults;
 }
 
-std::optional<std::string> Importer::insertRecord() {
+Status Importer::insertRecord() {
   ByteWriter(record_).putLe16(kEndOfRecord);
   if (record_.size() > kMaxRecordSize) {
     UnpackedRecord unpacked = unpackRecord(record_);
     (void)packFitted(database_.schema, unpacked, record_);
   }
   if (database_.records.isFull()) {
-    return fmt::format("the database is full: it holds {} records, the most it can",
-                       database_.records.count());
+    return refused(fmt::format("the database is full: it holds {} records, the most it can",
+                               database_.records.count()));
   }
   const std::uint32_t position =
       database_.records.insert(database_.records.count(), record_, UniqueId{});
   if (position == kNoPosition) {
-    return fmt::format("the record takes {} bytes; {} is the limit", record_.size(),
-                       kMaxRecordSize);
+    return refused(
+        fmt::format("the record takes {} bytes; {} is the limit", record_.size(), kMaxRecordSize));
   }
   database_.schema.next_auto_number = next_auto_number_;
   if (database_.schema.stamping_option) ++database_.schema.next_serial;
-  return std::nullopt;
+  return Done{};
 }
 
 char delimiterOf(std::string_view csv, const Importer& importer) {
@@ -267,8 +271,8 @@ Result<ImportSummary> importCsv(std::string_view csv, const ImportForm& form,
   if (row == CsvReader::Row::kBroken) return broken();
   const bool has_reason = reader.cells().back() == kReasonColumn;
   summary.header = keptCells(reader, has_reason);
-  if (const auto reason = importer.plan(reader.cells())) {
-    return makeError(ErrorKind::kInvalid, fmt::format("line {}: {}", reader.line(), *reason));
+  if (const Status planned = importer.plan(reader.cells()); !planned.ok()) {
+    return refused(fmt::format("line {}: {}", reader.line(), planned.error().text));
   }
   const std::uint32_t records_before = database.records.count();
   const std::uint32_t number_before = database.schema.next_auto_number;

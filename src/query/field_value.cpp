@@ -30,10 +30,7 @@ struct Input {
   InputCare care;
 };
 
-// What a text is refused for; none when its value was put.
-using Refusal = std::optional<Error>;
-
-Refusal refused(std::string reason) {
+Error refused(std::string reason) {
   return makeError(ErrorKind::kInvalid, std::move(reason));
 }
 
@@ -49,21 +46,21 @@ void putLittle(Bytes& into, std::uint32_t number) {
   into.insert(into.end(), bytes.begin(), bytes.end());
 }
 
-Refusal checkText(std::string_view text, std::size_t most) {
+Status checkText(std::string_view text, std::size_t most) {
   if (text.size() > most) return refused("is longer than " + std::to_string(most) + " bytes");
   if (text.find('\0') != std::string_view::npos) return refused("contains a zero byte");
-  return std::nullopt;
+  return Done{};
 }
 
-Refusal putText(Bytes& into, std::string_view text, std::size_t most) {
-  if (auto refusal = checkText(text, most)) return refusal;
+Status putText(Bytes& into, std::string_view text, std::size_t most) {
+  if (Status checked = checkText(text, most); !checked.ok()) return checked;
   putTerminated(into, text);
-  return std::nullopt;
+  return Done{};
 }
 
-Refusal putInteger(Bytes& into, std::string_view text, std::int64_t least, std::int64_t most) {
+Status putInteger(Bytes& into, std::string_view text, std::int64_t least, std::int64_t most) {
   text = withoutBlanks(text);
-  if (text.empty()) return std::nullopt;
+  if (text.empty()) return Done{};
   std::string_view digits = text;
   if (digits.starts_with('+') && !digits.starts_with("+-")) digits.remove_prefix(1);
   std::int64_t number = 0;
@@ -74,7 +71,7 @@ Refusal putInteger(Bytes& into, std::string_view text, std::int64_t least, std::
     return refused("is not between " + std::to_string(least) + " and " + std::to_string(most));
   }
   putLittle(into, static_cast<std::uint32_t>(number));
-  return std::nullopt;
+  return Done{};
 }
 
 // Whether all of the text is one number with a decimal point.
@@ -89,9 +86,9 @@ bool isNumber(std::string_view text) {
 
 enum class DecimalMark { kPoint, kAsTyped };
 
-Refusal putNumber(Bytes& into, const Input& input, DecimalMark mark) {
+Status putNumber(Bytes& into, const Input& input, DecimalMark mark) {
   const std::string_view typed = withoutBlanks(input.text);
-  if (typed.empty()) return std::nullopt;
+  if (typed.empty()) return Done{};
   if (typed.size() > kLongestNumberText) {
     return refused("is not a number of at most " + std::to_string(kLongestNumberText) +
                    " characters");
@@ -100,7 +97,7 @@ Refusal putNumber(Bytes& into, const Input& input, DecimalMark mark) {
   if (input.settings.choices.decimal_comma) std::replace(text.begin(), text.end(), ',', '.');
   if (!isNumber(text)) return refused("is not a number");
   putTerminated(into, mark == DecimalMark::kAsTyped ? typed : text);
-  return std::nullopt;
+  return Done{};
 }
 
 // A key that no item has.
@@ -110,12 +107,12 @@ Bytes freeKey(const FieldRecord& items) {
   return key;
 }
 
-Refusal putPopup(Bytes& into, const Input& input) {
+Status putPopup(Bytes& into, const Input& input) {
   for (const PopupItem& item : input.items.items) {
     if (!input.text.empty() && item.text == input.text) {
       const ByteView key = item.valueKey();
       into.insert(into.end(), key.begin(), key.end());
-      return std::nullopt;
+      return Done{};
     }
   }
   if (!input.text.empty() && input.text != kNoValueText) {
@@ -123,15 +120,15 @@ Refusal putPopup(Bytes& into, const Input& input) {
   }
   const Bytes key = freeKey(input.items);
   into.insert(into.end(), key.begin(), key.end());
-  return std::nullopt;
+  return Done{};
 }
 
-Refusal putCheckBox(Bytes& into, std::string_view text) {
+Status putCheckBox(Bytes& into, std::string_view text) {
   text = withoutBlanks(text);
   const auto is_checked = text.empty() ? std::optional(false) : checkOfText(text);
   if (!is_checked) return refused("is neither 1 nor 0, yes nor no");
   into.push_back(*is_checked ? 1 : 0);
-  return std::nullopt;
+  return Done{};
 }
 
 std::optional<std::uint32_t> daysOfText(const Input& input) {
@@ -142,18 +139,18 @@ std::optional<std::uint32_t> daysOfText(const Input& input) {
   return daysSince1904(date->month, date->day, date->year);
 }
 
-Refusal refusedDate(const Input& input) {
+Error refusedDate(const Input& input) {
   return refused("is not a date from 1904 to 9999 like " + exampleDate(input.settings));
 }
 
-Refusal putDate(Bytes& into, const Input& input) {
+Status putDate(Bytes& into, const Input& input) {
   const auto days = daysOfText(input);
   if (!days) return refusedDate(input);
   putLittle(into, *days);
-  return std::nullopt;
+  return Done{};
 }
 
-Refusal putTime(Bytes& into, const Input& input) {
+Status putTime(Bytes& into, const Input& input) {
   const std::string_view text = withoutBlanks(input.text);
   const TimeValue before = timeOfValue(input.previous);
   const auto put = [&](int second, int minute, int hour) {
@@ -162,7 +159,7 @@ Refusal putTime(Bytes& into, const Input& input) {
   };
   if (text.empty()) {
     put(0, 0, kNoTimeHour);
-    return std::nullopt;
+    return Done{};
   }
   const bool exact = isExactTime(text, input.settings);
   const TypedTime time =
@@ -174,13 +171,13 @@ Refusal putTime(Bytes& into, const Input& input) {
       !input.previous.empty() && before.hour == time.hour && before.minute == time.minute;
   const int kept = same ? before.second : 0;
   put(time.second < 0 ? kept : time.second, time.minute, time.hour);
-  return std::nullopt;
+  return Done{};
 }
 
 // "h:mm:ss" as results of kind time are shown.
-Refusal putDuration(Bytes& into, const Input& input) {
+Status putDuration(Bytes& into, const Input& input) {
   std::string_view text = withoutBlanks(input.text);
-  if (text.empty()) return std::nullopt;
+  if (text.empty()) return Done{};
   const bool negative = text.starts_with('-');
   if (negative) text.remove_prefix(1);
   const TypedTokens typed = splitTyped(text, ':');
@@ -192,10 +189,10 @@ Refusal putDuration(Bytes& into, const Input& input) {
   const std::int64_t count =
       (leadingInteger(hours) * 60 + leadingInteger(minutes)) * 60 + leadingInteger(seconds);
   putTerminated(into, std::to_string(negative ? -count : count));
-  return std::nullopt;
+  return Done{};
 }
 
-Refusal putResult(Bytes& into, const Input& input) {
+Status putResult(Bytes& into, const Input& input) {
   switch (resultMeaning(input.field)) {
     case ResultMeaning::kNumber:
     case ResultMeaning::kWholeNumber:
@@ -203,11 +200,11 @@ Refusal putResult(Bytes& into, const Input& input) {
     case ResultMeaning::kDuration:
       return putDuration(into, input);
     case ResultMeaning::kDate: {
-      if (withoutBlanks(input.text).empty()) return std::nullopt;
+      if (withoutBlanks(input.text).empty()) return Done{};
       const auto days = daysOfText(input);
       if (!days) return refusedDate(input);
       putTerminated(into, std::to_string(*days));
-      return std::nullopt;
+      return Done{};
     }
     case ResultMeaning::kUnknown:
       break;
@@ -215,12 +212,14 @@ Refusal putResult(Bytes& into, const Input& input) {
   return refused("belongs to a calculated field without a kind of result");
 }
 
-Refusal putLinkText(Bytes& into, const Input& input) {
-  if (auto refusal = checkText(input.text, kLinkSize - kLinkHeadSize - 1)) return refusal;
-  if (input.text.empty() && input.previous.empty()) return std::nullopt;
+Status putLinkText(Bytes& into, const Input& input) {
+  if (Status checked = checkText(input.text, kLinkSize - kLinkHeadSize - 1); !checked.ok()) {
+    return checked;
+  }
+  if (input.text.empty() && input.previous.empty()) return Done{};
   const Bytes value = linkValue(linkKey(input.previous), input.text, input.previous);
   into.insert(into.end(), value.begin(), value.end());
-  return std::nullopt;
+  return Done{};
 }
 
 // Whether the text is what a form shows for the value of before.
@@ -237,7 +236,7 @@ bool isUnchanged(const Input& input) {
   return has_text && shown == input.text;
 }
 
-Refusal putNewValue(Bytes& into, const Input& input) {
+Status putNewValue(Bytes& into, const Input& input) {
   const std::size_t area = fieldValueSize(input.field);
   switch (traitsOf(input.field.type).form) {
     case ValueForm::kText:
@@ -299,7 +298,7 @@ Status appendValueOfText(Bytes& into, const FieldDefinition& field, const FieldR
     into.insert(into.end(), previous.begin(), previous.end());
     return Done{};
   }
-  if (auto refusal = putNewValue(into, input)) return std::move(*refusal);
+  if (Status put = putNewValue(into, input); !put.ok()) return put;
   fitValue(field, into, begin);
   return Done{};
 }

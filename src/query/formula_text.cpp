@@ -61,7 +61,7 @@ class Printer {
 
   Result<std::string> print() {
     for (const StoredFormula::Token& token : formula_.tokens) {
-      if (auto error = put(token)) return *error;
+      if (const Status done = put(token); !done.ok()) return done.error();
     }
     if (stack_.empty()) return std::string();
     if (stack_.size() > 1) return noText("the formula leaves more than one result");
@@ -69,7 +69,7 @@ class Printer {
   }
 
  private:
-  std::optional<Error> put(const StoredFormula::Token& token) {
+  Status put(const StoredFormula::Token& token) {
     if (isConstant(token) || token.type == kFieldToken) {
       auto value = isConstant(token) ? constantText(formula_, token) : fieldText(token, schema_);
       if (!value) {
@@ -77,7 +77,7 @@ class Printer {
                                         : "the formula refers to a field that there is not");
       }
       stack_.push_back(std::move(*value));
-      return std::nullopt;
+      return Done{};
     }
     const FormulaWord* word = formulaWordOfCode(token.type, token.value);
     if (!word) return noText("the formula holds a code that stands for nothing");
@@ -85,7 +85,7 @@ class Printer {
       return noText("the formula takes a value that is not there");
     }
     apply(*word);
-    return std::nullopt;
+    return Done{};
   }
 
   Expression pop() {

@@ -88,9 +88,8 @@ Result<Bytes> cellValue(const Database& database, const TextEncoding& encoding,
   const PopupNames names(database.fields[static_cast<std::size_t>(slot)], encoding);
   Bytes value;
   const TableColumn column{assignment.name, slot, field.type, false};
-  if (const auto reason = readCell({column, field, names, encoding}, assignment.value, value)) {
-    return about(assignment, *reason);
-  }
+  const Status read = readCell({column, field, names, encoding}, assignment.value, value);
+  if (!read.ok()) return about(assignment, read.error().text);
   fitValue(field, value);
   return value;
 }

@@ -18,7 +18,7 @@ class FilterParser {
       : database_(database), encoding_(encoding), names_(database, encoding) {}
 
   // One text with one condition or more.
-  std::optional<Error> read(std::string_view text, bool is_last);
+  Status read(std::string_view text, bool is_last);
 
   FilterCriteria criteria() const {
     FilterCriteria criteria;
@@ -171,7 +171,7 @@ void FilterParser::readCondition(WordReader& words, bool is_first, bool is_last)
   criteria_.push_back(criterion);
 }
 
-std::optional<Error> FilterParser::read(std::string_view text, bool is_last) {
+Status FilterParser::read(std::string_view text, bool is_last) {
   WordReader words(text);
   words.skipBlanks();
   if (words.isDone()) words.expected("a condition");
@@ -184,7 +184,8 @@ std::optional<Error> FilterParser::read(std::string_view text, bool is_last) {
   if (is_last && open_groups_ > 0) {
     words.fail(text.size(), "\")\" is expected: a group has no end");
   }
-  return words.error();
+  if (words.error()) return *words.error();
+  return Done{};
 }
 
 }  // namespace
@@ -193,7 +194,8 @@ Result<FilterCriteria> filterOfWords(const Database& database, const TextEncodin
                                      const std::vector<std::string>& conditions) {
   FilterParser parser(database, encoding);
   for (const std::string& text : conditions) {
-    if (auto error = parser.read(text, &text == &conditions.back())) return *error;
+    const Status read = parser.read(text, &text == &conditions.back());
+    if (!read.ok()) return read.error();
   }
   return parser.criteria();
 }
