@@ -60,6 +60,8 @@ class ScreenControl {
   virtual void applyScale();
   // Of a box whose text is replaced by typing, when the focus arrives there by keys.
   virtual void selectContent() {}
+  // Of the same box, when the screen itself gives it the focus: typing goes on behind the text.
+  virtual void moveCaretToEnd() {}
   virtual void eraseBeforeCaret() {}
 
  protected:

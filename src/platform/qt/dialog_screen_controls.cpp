@@ -117,6 +117,7 @@ void DialogScreen::giveFocus(ScreenControl& control) {
   if (isTop() && !frame_.menus().isOpen()) {
     control.widget().setFocus(Qt::OtherFocusReason);
   }
+  control.moveCaretToEnd();
   noteFocus(control);
 }
 

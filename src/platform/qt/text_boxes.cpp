@@ -127,6 +127,7 @@ class EditControl final : public ControlOf<Control> {
     return true;
   }
   void selectContent() override { line_->selectAll(); }
+  void moveCaretToEnd() override { line_->end(false); }
   void eraseBeforeCaret() override { line_->backspace(); }
 
  private:
