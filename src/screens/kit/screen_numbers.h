@@ -14,6 +14,7 @@ inline constexpr int kPasswordScreen = 110;
 inline constexpr int kNoteScreen = 111;
 inline constexpr int kSearchScreen = 118;
 inline constexpr int kDatabaseInfoScreen = 127;
+inline constexpr int kRecordDetailsScreen = 130;
 inline constexpr int kPreferencesScreen = 133;
 inline constexpr int kCopyQuestionScreen = 170;
 inline constexpr int kChangedFileScreen = 171;

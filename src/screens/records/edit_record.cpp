@@ -5,6 +5,7 @@
 
 #include "screens/kit/screen_numbers.h"
 #include "screens/program/ask_password.h"
+#include "screens/records/record_details.h"
 #include "screens/records/undo.h"
 #include "security/database_encryption.h"
 #include "services/access.h"
@@ -15,6 +16,8 @@
 
 namespace tabelion {
 namespace {
+
+constexpr char kWidthStepName[] = "Change of width";  // however many in a row are one step
 
 DialogTemplate editRecordTemplate() {
   DialogTemplate dialog;
@@ -67,6 +70,7 @@ void EditRecordScreen::LoadEditRecord(Dialog& dialog, std::uint32_t record) {
   }
   Bytes packed;
   if (copy_ && !packRecord(*copy_, packed)) copy_.reset();
+  if (app_.level().new_record) form_.Clear(dialog);  // begins at its first field
   form_.Show(dialog, packed, copy_.has_value() && MayChange());
 }
 
@@ -268,9 +272,23 @@ void EditRecordScreen::ChangeWidth(Dialog& dialog, int step) {
   const int now = database.schema.label_width_adjustment;
   const int wanted = std::clamp(now + step, kNarrowestValues, kWidestValues);
   if (wanted == now) return;
-  database.schema.label_width_adjustment = static_cast<std::int16_t>(wanted);
-  setDirty(database);
+  const auto change = [&] {
+    database.schema.label_width_adjustment = static_cast<std::int16_t>(wanted);
+    setDirty(database);
+  };
+  History& history = app_.level().history;
+  const std::string* last = history.UndoName(database);
+  if (last != nullptr && *last == kWidthStepName) {
+    history.Amend(CurrentTarget(app_), change);
+  } else {
+    history.Perform(CurrentTarget(app_), kWidthStepName, change);
+  }
   form_.Place(dialog);
+}
+
+// What is known of the record as it is stored.
+void EditRecordScreen::ShowDetails(Dialog&) {
+  ShowRecordDetails(app_, CurrentDatabase(app_).records[app_.level().current_record].bytes());
 }
 
 }  // namespace tabelion

@@ -41,6 +41,7 @@ class EditRecordScreen : public CommandScreen<EditRecordScreen> {
   void Back(Dialog& dialog);
   void Cancel(Dialog& dialog) { dialog.end(kDialogClosed); }
   void ChangeWidth(Dialog& dialog, int step);
+  void ShowDetails(Dialog& dialog);
   void DecipherForEditing(Bytes& record);
   void EncipherStored();
   void ToggleEncryption(Dialog& dialog);

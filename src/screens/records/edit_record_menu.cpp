@@ -10,6 +10,8 @@ namespace {
 
 constexpr CommandId kFormDone = kActionCommand;
 constexpr CommandId kFormCancel = kDoneCommand;  // the number that Done has elsewhere
+constexpr CommandId kRecordDetails = 40010;
+constexpr CommandId kChangeSign = 40205;
 constexpr CommandId kGoFirst = 40201;
 constexpr CommandId kGoPrevious = 40202;
 constexpr CommandId kGoNext = 40203;
@@ -42,6 +44,12 @@ CommandTable<EditRecordScreen> EditRecordScreen::Commands(Dialog& dialog) {
     const bool encrypted = copy_ && isRecordEncrypted(copy_->prefix);
     menu.push_back({kEncryptCommand, encrypted ? u"Decrypt Record" : u"Encrypt Record",
                     &Self::ToggleEncryption, copy_.has_value()});
+  }
+  menu.push_back({kRecordDetails, u"Record Details", &Self::ShowDetails,
+                  copy_.has_value() && !app_.level().new_record});
+  if (form_.CanChangeSign(dialog)) {
+    menu.push_back(
+        {kChangeSign, u"Change Sign", [](Self& self, Dialog& on) { self.form_.ChangeSign(on); }});
   }
   menu.push_back({.text = u"Go To",
                   .rows = {{kGoFirst, u"First", move(Move::kFirst)},

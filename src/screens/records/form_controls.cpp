@@ -115,7 +115,8 @@ std::u16string ButtonText(const std::u16string& text) {
   return text.substr(0, length) + u"…";
 }
 
-bool IsNumberText(const std::u16string& text, bool decimal_comma) {
+bool IsNumberText(std::u16string_view text, std::u16string_view before, bool decimal_comma) {
+  if (before.starts_with(u'-') && text.starts_with(u'-')) text.remove_prefix(1);
   int points = 0;
   for (const char16_t c : text) {
     if (c == u'.' || (decimal_comma && c == u',')) {
@@ -125,6 +126,14 @@ bool IsNumberText(const std::u16string& text, bool decimal_comma) {
     }
   }
   return points <= 1;
+}
+
+bool IsPartOf(std::u16string_view text, std::u16string_view whole) {
+  std::size_t at = 0;
+  for (std::size_t i = 0; i < whole.size() && at < text.size(); ++i) {
+    if (whole[i] == text[at]) ++at;
+  }
+  return at == text.size();
 }
 
 }  // namespace tabelion

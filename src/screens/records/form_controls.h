@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "engine/database_record.h"
 #include "platform/dialogs.h"
@@ -21,7 +22,10 @@ int MaxTypedLength(const FieldDefinition& field);
 // On a button: the first words of its text.
 std::u16string ButtonText(const std::u16string& text);
 
-// Whether a number box may hold this: digits and at most one decimal point.
-bool IsNumberText(const std::u16string& text, bool decimal_comma);
+// Whether a number box that held `before` may hold this: digits and at most one decimal point,
+// behind a minus when there was one before.
+bool IsNumberText(std::u16string_view text, std::u16string_view before, bool decimal_comma);
+// Whether characters were taken away from `whole` and nothing else was done to it.
+bool IsPartOf(std::u16string_view text, std::u16string_view whole);
 
 }  // namespace tabelion

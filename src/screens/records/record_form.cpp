@@ -47,6 +47,8 @@ FormLayout RecordForm::LayOut(Dialog& dialog) const {
 }
 
 void RecordForm::Show(Dialog& dialog, ByteView record, bool editable) {
+  const Field* left_at = FocusedField(dialog);
+  const std::optional<int> slot = left_at ? std::optional(left_at->row.slot) : std::nullopt;
   Clear(dialog);
   record_.assign(record.begin(), record.end());
   const FormLayout layout = LayOut(dialog);
@@ -57,12 +59,31 @@ void RecordForm::Show(Dialog& dialog, ByteView record, bool editable) {
     if (field.kind == ControlKind::kChoice) FillChoice(dialog, field, record);
   }
   dialog.setContentHeight(layout.height);
-  const auto first = std::find_if(fields_.begin(), fields_.end(), [](const Field& field) {
-    return field.kind != ControlKind::kLabel && !field.read_only;
+  FocusField(dialog, slot);
+}
+
+// The field of this slot, else the first that takes input, else the first that can be looked at.
+void RecordForm::FocusField(Dialog& dialog, std::optional<int> slot) {
+  const auto first = [this](auto wanted) {
+    return std::find_if(fields_.begin(), fields_.end(), [&](const Field& field) {
+      const bool has_text = field.kind == ControlKind::kEdit || field.kind == ControlKind::kButton;
+      if (field.kind == ControlKind::kLabel || (field.read_only && !has_text)) return false;
+      return wanted(field);
+    });
+  };
+  auto field = first([&](const Field& each) { return each.row.slot == slot; });
+  if (field == fields_.end()) field = first([](const Field& each) { return !each.read_only; });
+  if (field == fields_.end()) field = first([](const Field&) { return true; });
+  if (field == fields_.end()) return;
+  dialog.control(FormValue(field->row.slot)).focus();
+  OnFocus(dialog, FormValue(field->row.slot), true);  // a screen that opens tells of no focus
+}
+
+const RecordForm::Field* RecordForm::FocusedField(Dialog& dialog) const {
+  const auto found = std::find_if(fields_.begin(), fields_.end(), [&](const Field& field) {
+    return dialog.control(FormValue(field.row.slot)).hasFocus();
   });
-  if (first == fields_.end()) return;
-  dialog.control(FormValue(first->row.slot)).focus();
-  OnFocus(dialog, FormValue(first->row.slot), true);  // a screen that opens tells of no focus
+  return found == fields_.end() ? nullptr : &*found;
 }
 
 RecordForm::Field RecordForm::MakeField(const FormRow& row, ByteView record, bool editable) const {
@@ -255,21 +276,37 @@ void RecordForm::NoteNotStored(Dialog& dialog, const Field& field) const {
   app_.not_stored.push_back(std::move(note));
 }
 
-// A number box takes digits and one decimal point; taking characters away is always possible, so
-// that a number that came from elsewhere can be cleared.
+// A number box takes digits and one decimal point. A sign that it has stays, and taking characters
+// away is always possible, so that a number that came from elsewhere can be changed and cleared.
+// Compat: a minus that is typed is refused (EditRecord.NumberBoxesGetTheirSignFromTheMenu).
 void RecordForm::OnEdited(Dialog& dialog, ControlId value_control) {
   Field* field = FieldOf(value_control);
   if (field == nullptr || field->row.type != FieldType::kFloat || field->kind != ControlKind::kEdit)
     return;
   Control& control = dialog.control(value_control);
   const std::u16string now = control.text();
-  if (now.size() < field->text.size() ||
-      IsNumberText(now, app_.level().formats.choices.decimal_comma)) {
+  if (IsPartOf(now, field->text) ||
+      IsNumberText(now, field->text, app_.level().formats.choices.decimal_comma)) {
     field->text = now;
     return;
   }
   control.setText(field->text);
   ShowMessage(app_, u"Wrong Float Value Entered.", u"ACCESS DENIED", MessageIcon::kExclamation);
+}
+
+bool RecordForm::CanChangeSign(Dialog& dialog) const {
+  const Field* field = FocusedField(dialog);
+  return field != nullptr && field->row.type == FieldType::kFloat &&
+         field->kind == ControlKind::kEdit && !field->read_only;
+}
+
+void RecordForm::ChangeSign(Dialog& dialog) {
+  if (!CanChangeSign(dialog)) return;
+  const ControlId id = FormValue(FocusedField(dialog)->row.slot);
+  std::u16string text = dialog.control(id).text();
+  text.starts_with(u'-') ? text.erase(0, 1) : text.insert(0, 1, u'-');
+  dialog.control(id).setText(text);
+  FieldOf(id)->text = text;
 }
 
 void RecordForm::OnFocus(Dialog& dialog, ControlId value_control, bool gained) {

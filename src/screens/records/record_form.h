@@ -35,7 +35,8 @@ class RecordForm {
  public:
   explicit RecordForm(Application& app) : app_(app) {}
 
-  // Makes the controls anew for a packed record. A form that is not editable shows its values and
+  // Makes the controls anew for a packed record, and stays at the field that has the focus; the
+  // first one that takes input when none has. A form that is not editable shows its values and
   // takes none.
   void Show(Dialog& dialog, ByteView record, bool editable);
   // Puts the controls where they belong after the width or the screen changed.
@@ -49,6 +50,10 @@ class RecordForm {
   // what was understood has been answered No. Or only such values are left as they were, and what
   // was typed is noted among what was not stored.
   bool Collect(Dialog& dialog, UnpackedRecord& record, Unaccepted unaccepted);
+
+  // A number box takes no sign that is typed; this is how it gets one, while it has the focus.
+  bool CanChangeSign(Dialog& dialog) const;
+  void ChangeSign(Dialog& dialog);
 
   // Refuses what a number box must not hold.
   void OnEdited(Dialog& dialog, ControlId control);
@@ -83,6 +88,8 @@ class RecordForm {
   void SayRefused(const Field& field, const Error& error) const;
   bool IsUnderstood(const Field& field, const Bytes& value) const;
   void NoteNotStored(Dialog& dialog, const Field& field) const;
+  void FocusField(Dialog& dialog, std::optional<int> slot);
+  const Field* FocusedField(Dialog& dialog) const;
   Field* FieldOf(ControlId value_control);
   const FieldDefinition& Definition(int slot) const;
   const FieldRecord& Items(int slot) const;

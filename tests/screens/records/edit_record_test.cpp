@@ -1,7 +1,10 @@
 #include "screens/records/edit_record.h"
 
+#include <gmock/gmock.h>
+
 #include "screens/kit/screen_numbers.h"
 #include "screens/records/note_text.h"
+#include "screens/records/record_details.h"
 #include "screens/records/record_list.h"
 #include "security/access_rights.h"
 #include "support/phone_world.h"
@@ -250,6 +253,74 @@ TEST_F(EditRecord, RefusesWhatAFieldCannotHold) {
   EXPECT_EQ(text(0, kHour), "No Time");
 }
 
+TEST_F(EditRecord, NumberBoxesGetTheirSignFromTheMenu) {
+  const std::vector<std::u16string> change_sign{u"Menu", u"Change Sign"};
+  const auto price = [](const std::u16string& text) {
+    return [text](FakeDialog& d) { EXPECT_EQ(d.fake(FormValue(kPrice)).text(), text); };
+  };
+  const auto refused = [this] {
+    world.phone.says(u"Wrong Float Value Entered.", u"ACCESS DENIED");
+  };
+  open(0);
+  form()
+      .look([](FakeDialog& d) {
+        EXPECT_THAT(d.menuTexts({u"Menu"}), testing::Not(testing::Contains(u"Change Sign")));
+      })
+      .focus(FormValue(kKind))
+      .press(Key::kUp)  // the whole price is selected: typing replaces it
+      .type(u"-");
+  refused();
+  form().look(price(u"12.50")).choose(change_sign).look(price(u"-12.50")).type(u"1");
+  form().look(price(u"-12.501")).type(u"-");
+  refused();
+  form().choose({u"Done"});
+  open(1);
+  form().focus(FormValue(kPrice)).choose(change_sign).type(u"3").look(price(u"-3"));
+  form().choose(change_sign).choose(change_sign).choose({u"Done"});
+  close();
+  play();
+  EXPECT_EQ(text(0, kPrice), "-12.501");
+  EXPECT_EQ(text(1, kPrice), "-3");
+}
+
+TEST_F(EditRecord, DetailsTellWhenTheRecordWasMadeAndChanged) {
+  setAreaText(database->schema.author, "Ada");
+  UnpackedRecord bare = unpackRecord(database->records[1].bytes());
+  bare.prefix = {0};  // no stamp
+  Bytes packed;
+  ASSERT_TRUE(packRecord(bare, packed));
+  ASSERT_TRUE(database->records.replace(1, packed));
+  const auto details = [this](const std::u16string& created, const std::u16string& modified) {
+    world.phone.at(kRecordDetailsScreen)
+        .look([=](FakeDialog& d) {
+          EXPECT_EQ(d.fake(DetailValue(kDetailCreatedBy)).text(), u"Ada");
+          EXPECT_EQ(d.fake(DetailValue(kDetailCreated)).text(), created);
+          EXPECT_EQ(d.fake(DetailValue(kDetailModified)).text(), modified);
+        })
+        .press(Key::kBack);
+  };
+  const std::u16string kMade = u"2/29/2024  1:00:00PM";
+  const std::u16string kChanged = u"4/29/2024  1:00:00PM";
+  const std::vector<std::u16string> entry{u"Menu", u"Record Details"};
+  open(0);
+  form().choose(entry);
+  details(kMade, u"Not recorded");
+  form().look([this](FakeDialog&) {
+    CurrentDatabase(*open_app).schema.modification_stamp_option = 1;
+    world.clock.local_now.month = 4;
+  });
+  form().write(FormValue(kName), u"Axe").press(Key::kPageUp).choose(entry);
+  details(kMade, kChanged);
+  form().press(Key::kPageDown).choose(entry);
+  details(u"Not recorded", u"Not recorded");
+  form().choose({u"Menu", u"New Record"}).look([](FakeDialog& d) {
+    EXPECT_THAT(d.menuTexts({u"Menu"}), testing::Contains(u"-Record Details"));
+  });
+  form().choose({u"Menu", u"Cancel"});
+  close();
+  play();
+}
+
 TEST_F(EditRecord, NewRecordsGetNumberStampAndDefaults) {
   setFieldDefaultOption(database->schema.fields[kDay], 2);
   setFieldDefaultOption(database->schema.fields[kHour], 2);
@@ -303,9 +374,13 @@ TEST_F(EditRecord, MovesThroughTheRecordsAndStaysAtTheEnds) {
       .press(Key::kPageDown)
       .look(name(u"Kite"))
       .write(FormValue(kName), u"Moved")
+      .focus(FormValue(kRemark))
       .press(Key::kPageUp)
       .look(name(u"Saw"))
-      .choose({u"Done"});
+      .look([](FakeDialog& d) { EXPECT_TRUE(d.fake(FormValue(kRemark)).hasFocus()); })
+      .choose({u"Menu", u"New Record"})
+      .look([](FakeDialog& d) { EXPECT_TRUE(d.fake(FormValue(kName)).hasFocus()); })
+      .choose({u"Menu", u"Cancel"});
   close();
   play();
   EXPECT_EQ(text(1, kName), "Moved");
@@ -342,10 +417,23 @@ TEST_F(EditRecord, WidthChangesKeepWhatIsTyped) {
         EXPECT_EQ(dialog.fake(FormValue(kName)).text(), u"Saw!");
       })
       .choose({u"Menu", u"Decrease Width"})
+      .choose({u"Menu", u"Decrease Width"})
+      .choose({u"Menu", u"Decrease Width"})
       .choose({u"Menu", u"Cancel"});
+  const auto adjustment = [this](int expected) {
+    return [=, this](FakeDialog&) {
+      EXPECT_EQ(CurrentDatabase(*open_app).schema.label_width_adjustment, expected);
+    };
+  };
+  list()
+      .look(adjustment(72))
+      .choose({u"Menu", u"Undo Change of width"})
+      .look(adjustment(76))
+      .press(Key::kRedo)
+      .look(adjustment(72));
   close();
   play();
-  EXPECT_EQ(after->schema.label_width_adjustment, 76);
+  EXPECT_EQ(after->schema.label_width_adjustment, 72);
   EXPECT_EQ(text(0, kName), "Saw");
 }
 
@@ -354,6 +442,11 @@ TEST_F(EditRecord, RecordsThatMayOnlyBeLookedAtTakeNoInput) {
                                    << (2 * static_cast<int>(Operation::kChange));
   open(0);
   form()
+      .look([](FakeDialog& d) {
+        EXPECT_TRUE(d.fake(FormValue(kName)).hasFocus());  // so that keys walk through the record
+        EXPECT_TRUE(d.fake(FormValue(kPrice)).face.read_only);
+        EXPECT_FALSE(d.fake(FormValue(kPaid)).face.enabled);
+      })
       .type(u"x")
       .look([](FakeDialog& d) { EXPECT_EQ(d.fake(FormValue(kName)).text(), u"Saw"); })
       .activate(FormValue(kRemark));
