@@ -138,6 +138,16 @@ DatabaseList ListDatabases(Application& app, const std::u16string& category) {
   return list;
 }
 
+std::optional<std::string> FindDatabaseFile(Application& app, const std::string& path) {
+  Files& files = app.platform.files;
+  if (files.info(path).ok()) return path;
+  for (const DatabaseFolder& folder : databaseFolders(app)) {
+    std::string there = PathIn(files, folder.path, FileNameOf(path));
+    if (files.info(there).ok()) return there;
+  }
+  return std::nullopt;
+}
+
 std::optional<std::string> MakeNewDatabaseName(Application& app) {
   const auto folder = GetDatabaseFolder(app);
   if (!folder) return std::nullopt;

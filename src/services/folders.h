@@ -42,6 +42,10 @@ struct DatabaseSummary {
 };
 bool ReadDatabaseSummary(Application& app, const std::string& path, DatabaseSummary& summary);
 
+// Where a database file is that stood at `path` when it was listed: there, or under the same name
+// in the main folder, or in the card's. None when no folder holds it any more.
+std::optional<std::string> FindDatabaseFile(Application& app, const std::string& path);
+
 // The path for a new database: "Untitled" and the first free number, in the main folder.
 std::optional<std::string> MakeNewDatabaseName(Application& app);
 

@@ -18,6 +18,8 @@ class Screen : public DialogHandler {
   // not possible and the dialog must stay, so that nothing is lost; at the end of the session it
   // ends all the same, so as much of it is saved as can be.
   virtual bool OnAutoClose(Dialog&) { return true; }
+  // Another program sent something that asks for nothing this program does.
+  virtual void OnForeignMessage(Dialog&) {}
 };
 
 // Runs the dialog above the one that is on top now, whose own auto-close timer stands still

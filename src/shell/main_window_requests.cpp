@@ -52,7 +52,13 @@ void MainWindow::Leave(Dialog& dialog) {
 
 // A command line that names no notification opens nothing, also when it names a database.
 void MainWindow::HandleCommandLine(Dialog& dialog, const std::string& command_line) {
-  if (command_line.find(kNotificationWord) == std::string::npos || !start_.alarm) return;
+  if (command_line.empty()) return;
+  if (command_line.find(kNotificationWord) == std::string::npos) {
+    if (app_.open_dialogs.empty()) return;
+    const OpenDialog& top = app_.open_dialogs.back();
+    return top.screen->OnForeignMessage(*top.dialog);
+  }
+  if (!start_.alarm) return;
   const auto wanted = start_.alarm(command_line);
   if (!wanted) return;
   if (!app_.open_dialogs.empty()) {

@@ -217,6 +217,23 @@ TEST_F(Chooser, PlainCommandLineOpensNothing) {
   });
 }
 
+// A list that is open says so when something arrives that it can make nothing of.
+TEST_F(Chooser, AMessageFromElsewhereIsOnlyNoted) {
+  world.add("Apples", {{"Sort"}}, {{"Cox"}});
+  chooser().press(Key::kEnter);
+  world.phone.at(kRecordListScreen)
+      .look(hears(RequestKind::kCommandLine, {}))  // a second start comes to the front, no more
+      .look(hears(RequestKind::kCommandLine, "hello"));
+  world.phone.says(u"We are in OnCopyDate function", u"WM_COPYDATA active");
+  world.phone.at(kRecordListScreen).press(Key::kEnter);
+  world.phone.at(kEditRecordScreen)
+      .look(hears(RequestKind::kCommandLine, "hello"))
+      .choose({u"Menu", u"Cancel"});
+  world.phone.at(kRecordListScreen).press(Key::kBack);
+  chooser().choose({u"Menu", u"Exit"});
+  run();
+}
+
 TEST_F(Chooser, AlarmLeadsToItsRecordUnlessAScreenIsOpen) {
   const std::string path = world.add("Apples", {{"Sort"}}, {{"Cox"}, {"Idared"}, {"Jonagold"}});
   const std::string alarm = "AppRunToHandleNotification 17";

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "query/list_columns.h"
+#include "screens/kit/phone_width.h"
 
 namespace tabelion {
 namespace {
@@ -27,7 +28,6 @@ constexpr int kSeparatorStep = 22;
 constexpr int kNoteWidth = 80;
 
 // On screens that no phone had.
-constexpr int kWidestPhone = 400;
 constexpr int kWidestForm = 640;  // that the share of the values is taken of
 constexpr int kWideMargin = 8;
 constexpr int kWideLabelLeft = 20;

@@ -4,6 +4,7 @@
 
 #include "query/list_columns.h"
 #include "screens/files/closing_questions.h"
+#include "screens/kit/phone_width.h"
 #include "screens/kit/screen_numbers.h"
 #include "screens/program/ask_password.h"
 #include "screens/program/preferences_screen.h"
@@ -11,7 +12,9 @@
 #include "screens/records/list_columns.h"
 #include "screens/records/quick_find.h"
 #include "screens/records/undo.h"
+#include "screens/records/wide_columns.h"
 #include "services/access.h"
+#include "services/folders.h"
 #include "services/message.h"
 #include "services/open_database.h"
 #include "services/screen_text.h"
@@ -22,6 +25,7 @@ namespace {
 constexpr int kOpenMessage = 1;
 constexpr int kListTop = 26;
 constexpr int kScrollStep = 30;
+constexpr int kScrollBarRoom = 16;
 constexpr int kViewFontPoints = 9;
 
 // The name of the current view; "Default View" while none is chosen.
@@ -87,9 +91,12 @@ void RecordListScreen::onMessage(Dialog& dialog, int message) {
   if (message == kOpenMessage) OpenFile(dialog);
 }
 
+// A file that is nowhere any more leaves the screen empty.
 void RecordListScreen::OpenFile(Dialog& dialog) {
   LoadWeekStart(app_.platform, app_.preferences);
-  const int opened = OpenDatabaseFile(app_, path_, [&](const std::string& expected) {
+  const std::optional<std::string> path = FindDatabaseFile(app_, path_);
+  if (!path) return;
+  const int opened = OpenDatabaseFile(app_, *path, [&](const std::string& expected) {
     return AskPassword(app_, {.expected = expected, .compare = true}) == kPasswordConfirmed;
   });
   if (opened != kOpened) {
@@ -114,12 +121,27 @@ void RecordListScreen::FillRecordList(Dialog& dialog) {
   list.setVisible(false);
   dialog.control(kNameLabel).setText(ScreenText(app_, areaText(database.header.name)));
   slots_ = listedSlots(database.schema);
-  list.setColumns(MakeListColumns(app_, database.schema, slots_));
+  ShowColumns(dialog);
   list.setRowCount(static_cast<int>(database.record_index.size()));
   SelectListRow(dialog, RowOfCurrentRecord());
   dialog.control(kViewLabel).setText(viewName(app_, database.schema));
   list.setVisible(true);
   list.focus();
+}
+
+void RecordListScreen::ShowColumns(Dialog& dialog) {
+  std::vector<ListColumn> columns = MakeListColumns(app_, CurrentDatabase(app_).schema, slots_);
+  if (const int width = dialog.screenSize().width; width > kWidestPhone) {
+    GiveColumnsRoom(
+        app_, slots_, width - kScrollBarRoom,
+        [&](const std::u16string& text) { return dialog.textSize(text, 0).width; }, columns);
+  }
+  dialog.list(kRecordList).setColumns(columns);
+}
+
+void RecordListScreen::onResize(Dialog& dialog) {
+  Layout(dialog);
+  if (IsDatabaseOpen(app_)) ShowColumns(dialog);
 }
 
 int RecordListScreen::RowOfCurrentRecord() const {
@@ -207,6 +229,11 @@ bool RecordListScreen::OnAutoClose(Dialog& dialog) {
   if (CloseFor(leaving ? kDialogClosed : kDialogAutoClosed)) return true;
   FillRecordList(dialog);
   return false;
+}
+
+void RecordListScreen::OnForeignMessage(Dialog&) {
+  ShowMessage(app_, u"We are in OnCopyDate function", u"WM_COPYDATA active",
+              MessageIcon::kInformation);
 }
 
 // Auto-close means that nobody is there to be asked: what was changed is saved.

@@ -31,11 +31,12 @@ class RecordListScreen : public CommandScreen<RecordListScreen> {
   bool onKey(Dialog& dialog, const KeyPress& key) override;
   void onTimer(Dialog& dialog, int timer) override { find_.onTimer(dialog, timer); }
   void onActivate(Dialog& dialog) override { dialog.list(kRecordList).focus(); }
-  void onResize(Dialog& dialog) override { Layout(dialog); }
+  void onResize(Dialog& dialog) override;
   void onPaintRow(Dialog& dialog, ControlId list, int row, ListPainter& painter,
                   const Rect& area) override;
   std::u16string rowText(Dialog& dialog, ControlId list, int row) override;
   bool OnAutoClose(Dialog& dialog) override;
+  void OnForeignMessage(Dialog& dialog) override;
 
   // Rebuilds the list from the current view. Run after every command that changes records, order
   // or view.
@@ -44,6 +45,7 @@ class RecordListScreen : public CommandScreen<RecordListScreen> {
  private:
   void Layout(Dialog& dialog);
   void OpenFile(Dialog& dialog);
+  void ShowColumns(Dialog& dialog);
   void SelectListRow(Dialog& dialog, int row);
   void OpenSelected(Dialog& dialog);
   void EditRecord(Dialog& dialog, std::uint32_t record);

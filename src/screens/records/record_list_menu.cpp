@@ -23,12 +23,14 @@ CommandTable<RecordListScreen> RecordListScreen::Commands(Dialog&) {
   const auto delete_group = [](RecordGroup group) {
     return [group](Self& self, Dialog& on) { self.DeleteGroup(on, group); };
   };
+  const bool open = IsDatabaseOpen(app_);
   const StepEntry undo = UndoEntry(app_);
   const StepEntry redo = RedoEntry(app_);
   return {.resource = 146,
           .left = {kNewRecordCommand, u"New Record", &Self::NewRecord},
           .right = {.text = u"Menu",
                     .rows = {{.text = u"Delete",
+                              .enabled = open,
                               .rows = {{kDeleteWithinFilter, u"Within Filter",
                                         delete_group(RecordGroup::kWithinFilter)},
                                        {kDeleteOutsideFilter, u"Outside Filter",
@@ -40,7 +42,7 @@ CommandTable<RecordListScreen> RecordListScreen::Commands(Dialog&) {
                                        {kFindAgainCommand, u"Find Again", &Self::FindNext},
                                        {kSortCommand, u"Sort", &Self::Sort}}},
                              {kPreferencesCommand, u"Preferences", &Self::ChangePreferences},
-                             {kSaveCommand, u"Save", &Self::Save},
+                             {kSaveCommand, u"Save", &Self::Save, open},
                              {kUndoCommand, undo.text, &Self::Undo, undo.enabled},
                              {kRedoCommand, redo.text, &Self::Redo, redo.enabled},
                              {kBackCommand, u"Close", &Self::Close}}},

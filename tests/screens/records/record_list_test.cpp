@@ -1,8 +1,11 @@
 #include "screens/records/record_list.h"
 
+#include <gmock/gmock.h>
+
 #include "screens/kit/screen_numbers.h"
 #include "screens/records/edit_record.h"
 #include "screens/records/list_columns.h"
+#include "security/database_encryption.h"
 #include "services/open_database.h"
 #include "support/phone_world.h"
 
@@ -94,6 +97,33 @@ TEST(RecordList, FitsTheScreen) {
         .choose({u"Menu", u"Close"});
     world.phone.play([&] { ShowRecordList(app, path); });
   }
+}
+
+TEST(RecordList, WideScreensShowTextsThatPhonesCut) {
+  const std::string town(12, 'o');      // 84 pixels and a little air
+  const std::string history(100, 'h');  // more than any column gets
+  const TestRows rows = {{"1", town, history}};
+  const auto widths = [&](int screen) {
+    std::vector<int> columns;
+    PhoneWorld world({screen, 320});
+    const auto database =
+        world.make("Towns", {{"No"}, {"Town"}, {"History", FieldType::kText, 120}}, rows);
+    for (std::size_t i = 0; i < 3; ++i) database->schema.fields[i].column_width = 50;
+    const std::string path = world.store(*database);
+    Application app(world.platform);
+    world.phone.at(kRecordListScreen)
+        .look([&](FakeDialog& dialog) {
+          for (const ListColumn& column : dialog.fake(kRecordList).columns()) {
+            columns.push_back(column.width);
+          }
+        })
+        .choose({u"Menu", u"Close"});
+    world.phone.play([&] { ShowRecordList(app, path); });
+    return columns;
+  };
+  EXPECT_EQ(widths(320), (std::vector<int>{75, 75, 75}));
+  EXPECT_EQ(widths(480), (std::vector<int>{75, 92, 297})) << "all that is left";
+  EXPECT_EQ(widths(800), (std::vector<int>{75, 92, 320}));
 }
 
 TEST(RecordList, QuickFindSelectsTheFirstThatBeginsSo) {
@@ -214,10 +244,46 @@ TEST(RecordList, SavesAndComesBackToTheSameRecord) {
   EXPECT_EQ(world.setting("WeekStart"), "0");
 }
 
+TEST(RecordList, AFileThatIsNowhereLeavesTheScreenEmpty) {
+  PhoneWorld world;
+  world.files.card = "/card";
+  const std::string path = world.add("Books", kBookFields, kBooks);
+  const auto file = world.files.bytes(path);
+  Application app(world.platform);
+  ASSERT_TRUE(world.files.remove(path).ok());
+  world.phone.at(kRecordListScreen)
+      .look([](FakeDialog& dialog) {
+        EXPECT_EQ(dialog.fake(kRecordList).rowCount(), 0);
+        EXPECT_EQ(dialog.fake(kNameLabel).text(), u"");
+        EXPECT_THAT(dialog.menuTexts({u"Menu"}),
+                    testing::IsSupersetOf({u"-Delete", u"-Save", u"-Undo", u"Close"}));
+      })
+      .choose({u"New Record"})
+      .type(u"e")
+      .press(Key::kEnter)
+      .press(Key::kBack);
+  world.phone.at(kRecordListScreen)
+      .look([](FakeDialog& dialog) { EXPECT_EQ(dialog.fake(kRecordList).rowCount(), 3); })
+      .press(Key::kBack);
+  world.phone.play([&] {
+    ShowRecordList(app, path);
+    world.files.put("/card/Tabelion/Books.PDB", file);  // the same file, moved to the card
+    ShowRecordList(app, path);
+  });
+}
+
+// Nothing is asked for and nothing deciphered.
 TEST(RecordList, RefusesADatabaseWhoseFormCannotBe) {
   PhoneWorld world;
   const auto database = world.make("Bad", {{"Title"}}, {{"a"}});
   database->schema.label_width_adjustment = 86;
+  database->schema.fields[0].encrypt_flag = 1;
+  database->schema.encryption_mode = kEncryptWholeDatabase;
+  UnpackedRecord record = unpackRecord(database->records[0].bytes());
+  record.prefix[1 + kStampFlagOffset] |= kRecordEncrypted;
+  Bytes packed;
+  ASSERT_TRUE(packRecord(record, packed));
+  ASSERT_TRUE(database->records.replace(0, packed));
   const std::string path = world.store(*database);
   Application app(world.platform);
   world.phone.says(u"This database appears to be corrupt.", u"Open Database");
