@@ -28,7 +28,7 @@ struct Safe {
     for (const int slot : kSlots) database.schema.fields[std::size_t(slot)].encrypt_flag = 1;
     MakeKey(kPassword, key);
   }
-  void encipher() { EncryptRecords(database, engine, key); }
+  void encipher() { encryptRecords(database, engine, key); }
   // As a session opens them, which keeps what they were.
   bool decipher() {
     passwords.forget();
@@ -48,7 +48,7 @@ void encipher(benchmark::State& state, const std::string& path) {
   const auto safe = std::make_unique<Safe>(path);
   if (!safe->opened) return state.SkipWithError("cannot be opened");
   for (auto _ : state) {
-    benchmark::DoNotOptimize(EncryptRecords(safe->database, safe->engine, safe->key).enciphered);
+    benchmark::DoNotOptimize(encryptRecords(safe->database, safe->engine, safe->key).enciphered);
     state.PauseTiming();
     safe->decipher();
     state.ResumeTiming();

@@ -41,7 +41,7 @@ void tryRecord(ByteView input) {
   };
   Bytes clear;
   (void)DecryptRecord(schema, record, key, clear);
-  (void)OverlongValues(schema, record);
+  (void)overlongValues(schema, record);
 
   // Twice, since the clear form that comes back may say more than the one that was given; from then
   // on it stays.

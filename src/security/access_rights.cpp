@@ -2,18 +2,18 @@
 
 namespace tabelion {
 
-int SecurityCode(const DatabaseRecord& schema, Operation operation) {
+int securityCode(const DatabaseRecord& schema, Operation operation) {
   return static_cast<int>(schema.security_word >> (2 * static_cast<int>(operation)) & 3u);
 }
 
-void SetSecurityCode(DatabaseRecord& schema, Operation operation, int code) {
+void setSecurityCode(DatabaseRecord& schema, Operation operation, int code) {
   const int shift = 2 * static_cast<int>(operation);
   schema.security_word =
       (schema.security_word & ~(3u << shift)) | (static_cast<std::uint32_t>(code) & 3u) << shift;
 }
 
 int CheckSecurity(const DatabaseRecord& schema, Operation operation) {
-  switch (SecurityCode(schema, operation)) {
+  switch (securityCode(schema, operation)) {
     case kCodeRefused:
       return kAccessRefused;
     case kCodeRestricted:
@@ -24,7 +24,7 @@ int CheckSecurity(const DatabaseRecord& schema, Operation operation) {
 }
 
 int OpenCode(const DatabaseRecord& schema) {
-  switch (SecurityCode(schema, Operation::kOpen)) {
+  switch (securityCode(schema, Operation::kOpen)) {
     case kCodeFree:
       return kOpenFreely;
     case kCodePassword:

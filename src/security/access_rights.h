@@ -25,8 +25,8 @@ inline constexpr int kCodeFree = 0;
 inline constexpr int kCodePassword = 1;
 inline constexpr int kCodeRefused = 2;
 inline constexpr int kCodeRestricted = 3;  // changing records: they can be looked at only
-int SecurityCode(const DatabaseRecord& schema, Operation operation);
-void SetSecurityCode(DatabaseRecord& schema, Operation operation, int code);
+int securityCode(const DatabaseRecord& schema, Operation operation);
+void setSecurityCode(DatabaseRecord& schema, Operation operation, int code);
 
 // Whether an operation may go on. Callers that take any non-zero result go on when restricted.
 inline constexpr int kAccessRefused = 0;

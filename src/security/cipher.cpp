@@ -140,7 +140,7 @@ Byte runFeedback(std::span<Byte> bytes, const ExpandedKey& key) {
 
 }  // namespace
 
-void WipeBytes(std::span<std::uint8_t> bytes) {
+void wipeBytes(std::span<std::uint8_t> bytes) {
   // Through a pointer that might be another function, so that no compiler leaves the call out.
   static void* (*const volatile fill)(void*, int, std::size_t) = std::memset;
   if (!bytes.empty()) fill(bytes.data(), 0, bytes.size());
@@ -173,12 +173,12 @@ void MakeKey(std::string_view password, ExpandedKey& key) {
       *out++ = roundKeyByte(second, 2 * round, i, 18 * round + i + 10);
     }
   }
-  WipeBytes(text);
-  WipeBytes(first);
-  WipeBytes(second);
+  wipeBytes(text);
+  wipeBytes(first);
+  wipeBytes(second);
 }
 
-void EncipherBlock(CipherBlock& block, const ExpandedKey& key) {
+void encipherBlock(CipherBlock& block, const ExpandedKey& key) {
   storeWord(block, enciphered(loadWord(block), key.bytes().data()));
 }
 

@@ -21,7 +21,7 @@ inline constexpr int kCipherRounds = 10;
 using CipherBlock = std::array<std::uint8_t, kCipherBlockSize>;
 
 // Overwrites bytes that were secret; the compiler may not leave it out.
-void WipeBytes(std::span<std::uint8_t> bytes);
+void wipeBytes(std::span<std::uint8_t> bytes);
 
 // A key ready for use, as the published reference schedule lays it out: the round count, the second
 // half of the key, then two round keys for each round and one more (room for 13 rounds).
@@ -51,7 +51,7 @@ class ExpandedKey {
 void MakeKey(std::string_view password, ExpandedKey& key);
 
 // One block operation.
-void EncipherBlock(CipherBlock& block, const ExpandedKey& key);
+void encipherBlock(CipherBlock& block, const ExpandedKey& key);
 
 // In place. Every buffer starts afresh: the feedback register is the first 8 bytes of the expanded
 // key. No bytes, no change. Both give the sum modulo 256 of the bytes in clear, by which a right

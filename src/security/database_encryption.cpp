@@ -50,12 +50,12 @@ bool PasswordMatchesCheck(const DatabaseRecord& schema, std::string_view passwor
   return DecipherBuffer(check, key) == schema.password_check_sum;
 }
 
-void MarkDeciphered(DatabaseRecord& schema) {
+void markDeciphered(DatabaseRecord& schema) {
   schema.password_check_present = 0;
   schema.head[kStampFlagOffset] &= static_cast<std::uint8_t>(~kDatabaseEncrypted);
 }
 
-EncryptSummary EncryptRecords(Database& database, Engine& engine, const ExpandedKey& key,
+EncryptSummary encryptRecords(Database& database, Engine& engine, const ExpandedKey& key,
                               const RecordTest& wanted) {
   EncryptSummary summary;
   const std::size_t growth = mostGrowth(database.schema);
@@ -72,12 +72,12 @@ EncryptSummary EncryptRecords(Database& database, Engine& engine, const Expanded
   }
   const FlaggedFields flagged(database.schema);
   RecordFront enciphered;
-  const StampSource stamp = [&] { return NewStamp(database, engine); };
+  const StampSource stamp = [&] { return newStamp(database, engine); };
   forRecordsInClear(database, enciphered.old_size, [&](std::uint32_t position) {
     const ByteView record = database.records[position].bytes();
     if (wanted && !wanted(record)) return;
     // Both fit, as was seen above.
-    (void)EncryptRecordFront(flagged, record, key, stamp, enciphered);
+    (void)encryptRecordFront(flagged, record, key, stamp, enciphered);
     (void)database.records.replaceFront(position, enciphered.old_size, enciphered.bytes);
     ++summary.enciphered;
   });
@@ -88,18 +88,18 @@ EncryptSummary EncryptRecords(Database& database, Engine& engine, const Expanded
   return summary;
 }
 
-std::vector<OverlongRecordValue> OverlongValues(const Database& database) {
+std::vector<OverlongRecordValue> overlongValues(const Database& database) {
   std::vector<OverlongRecordValue> found;
   forRecordsInClear(database, kMaxRecordSize, [&](std::uint32_t position) {
     for (const OverlongValue& value :
-         OverlongValues(database.schema, database.records[position].bytes())) {
+         overlongValues(database.schema, database.records[position].bytes())) {
       found.push_back({position, value});
     }
   });
   return found;
 }
 
-HeadBlock NewStamp(Database& database, Engine& engine) {
+HeadBlock newStamp(Database& database, Engine& engine) {
   return makeStamp(engine.clock.local(), database.schema.next_serial++, engine.random);
 }
 

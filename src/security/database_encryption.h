@@ -31,7 +31,7 @@ void SetPasswordCheck(DatabaseRecord& schema, std::string_view password,
 bool PasswordMatchesCheck(const DatabaseRecord& schema, std::string_view password);
 
 // Takes back what says that the database is enciphered: its mark and the password check.
-void MarkDeciphered(DatabaseRecord& schema);
+void markDeciphered(DatabaseRecord& schema);
 
 // Enciphers every record that is in clear, or those of them that are `wanted`, and marks the
 // database dirty, and as enciphered where it is kept so as a whole. Either all of them or none: the
@@ -42,7 +42,7 @@ struct EncryptSummary {
   std::uint32_t too_long = kNoPosition;
 };
 using RecordTest = std::function<bool(ByteView record)>;
-EncryptSummary EncryptRecords(Database& database, Engine& engine, const ExpandedKey& key,
+EncryptSummary encryptRecords(Database& database, Engine& engine, const ExpandedKey& key,
                               const RecordTest& wanted = {});
 
 // The records in clear that hold an overlong value, in record order.
@@ -50,9 +50,9 @@ struct OverlongRecordValue {
   std::uint32_t position = 0;
   OverlongValue value;
 };
-std::vector<OverlongRecordValue> OverlongValues(const Database& database);
+std::vector<OverlongRecordValue> overlongValues(const Database& database);
 
 // A stamp for a record of this database; takes the next serial number.
-HeadBlock NewStamp(Database& database, Engine& engine);
+HeadBlock newStamp(Database& database, Engine& engine);
 
 }  // namespace tabelion

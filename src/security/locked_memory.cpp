@@ -23,7 +23,7 @@ LockedMemory::LockedMemory(std::size_t size) {
 
 LockedMemory::~LockedMemory() {
   if (bytes_ == nullptr) return;
-  WipeBytes({bytes_, size_});
+  wipeBytes({bytes_, size_});
   munmap(bytes_, size_);
 }
 

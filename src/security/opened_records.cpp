@@ -86,7 +86,7 @@ std::uint32_t OpenedRecords::know(const Database& database, const Password& pass
 double OpenedRecords::evidence(const Database& database, const Opened& opened,
                                ByteView clear) const {
   const KnownPassword& with = *passwords_[opened.password];
-  const double values = Plausibility(database, clear);
+  const double values = plausibility(database, clear);
   // One record of several may have a password of its own all the same, so noise still speaks.
   if (!with.failed() && with.fits >= kCertainlyEnough) return 2 * kCertain + std::min(0.0, values);
   return with.share() + kOneByte + std::max(values, kOddestValues);
@@ -120,7 +120,7 @@ PasswordAttempt OpenedRecords::open(Database& database, const Password& password
     database.records.fetchAhead(i, clear.old_size);
     Record& record = database.records[i];
     if (!isRecordEncrypted(record.bytes())) continue;
-    if (DecryptRecordFront(flagged, record.bytes(), with.key, clear) != kRecordDecrypted) {
+    if (decryptRecordFront(flagged, record.bytes(), with.key, clear) != kRecordDecrypted) {
       ++attempt.closed;
       continue;
     }
@@ -131,7 +131,7 @@ PasswordAttempt OpenedRecords::open(Database& database, const Password& password
     record.swap(in_clear);
     opened_.push_back({std::move(in_clear), stampIdentity(record.bytes()), number});
   }
-  WipeBytes(clear.bytes);
+  wipeBytes(clear.bytes);
   with.tried += attempt.opened + attempt.closed;
   with.fits += attempt.opened;
   tryAgain(database, number);
@@ -161,7 +161,7 @@ void OpenedRecords::tryAgain(Database& database, std::uint32_t number) {
         (!passwords_[other]->failed() && passwords_[other]->fits >= kCertainlyEnough))
       continue;
     ++with.tried;
-    if (DecryptRecordFront(flagged, opened_[i].sealed.bytes(), with.key, clear) !=
+    if (decryptRecordFront(flagged, opened_[i].sealed.bytes(), with.key, clear) !=
         kRecordDecrypted) {
       continue;
     }
@@ -176,13 +176,13 @@ void OpenedRecords::tryAgain(Database& database, std::uint32_t number) {
     const KnownPassword& other = *passwords_[opened.password];
     const ByteView sealed = opened.sealed.bytes();
     const bool fits_both =
-        DecryptRecordFront(flagged, sealed, with.key, clear) == kRecordDecrypted &&
-        DecryptRecordFront(flagged, sealed, other.key, as_opened) == kRecordDecrypted;
+        decryptRecordFront(flagged, sealed, with.key, clear) == kRecordDecrypted &&
+        decryptRecordFront(flagged, sealed, other.key, as_opened) == kRecordDecrypted;
     if (!fits_both) continue;
     Bytes mine = wholeRecord(clear, sealed, database);
     Bytes theirs = wholeRecord(as_opened, sealed, database);
-    if (Plausibility(database, mine) + with.share() >
-        Plausibility(database, theirs) + other.share()) {
+    if (plausibility(database, mine) + with.share() >
+        plausibility(database, theirs) + other.share()) {
       positions.forEach(opened.identity, [&](std::uint32_t position) {
         // One that was changed is whoever's who changed it.
         if (!sameBytes(database.records[position].bytes(), theirs)) return false;
@@ -191,11 +191,11 @@ void OpenedRecords::tryAgain(Database& database, std::uint32_t number) {
         return true;
       });
     }
-    WipeBytes(mine);
-    WipeBytes(theirs);
+    wipeBytes(mine);
+    wipeBytes(theirs);
   }
-  WipeBytes(clear.bytes);
-  WipeBytes(as_opened.bytes);
+  wipeBytes(clear.bytes);
+  wipeBytes(as_opened.bytes);
 }
 
 void OpenedRecords::closeUncertain(Database& database, Before before) {
@@ -211,10 +211,10 @@ void OpenedRecords::closeUncertain(Database& database, Before before) {
                                                          : isCertain(database, opened, clear);
       const ByteView sealed = opened.sealed.bytes();
       if (stays_open ||
-          !ResealRecordFront(flagged, clear, sealed, passwords_[opened.password]->key, front)) {
+          !resealRecordFront(flagged, clear, sealed, passwords_[opened.password]->key, front)) {
         return false;
       }
-      if (IsWhole(front, clear, sealed)) {
+      if (isWhole(front, clear, sealed)) {
         record.swap(opened.sealed);
         return true;
       }
@@ -237,17 +237,17 @@ int OpenedRecords::openOne(const Database& database, Bytes& record, const Passwo
     if (with.tried > kOthersToTry) break;
     if (!isRecordEncrypted(stored.bytes()) || sameBytes(stored.bytes(), record)) continue;
     ++with.tried;
-    if (DecryptRecordFront(flagged, stored.bytes(), with.key, other) == kRecordDecrypted) {
+    if (decryptRecordFront(flagged, stored.bytes(), with.key, other) == kRecordDecrypted) {
       ++with.fits;
     }
   }
-  WipeBytes(other.bytes);
+  wipeBytes(other.bytes);
   Opened opened{Record::copied(record), stampIdentity(record), number};
   // By hand, the record is going to be written in clear.
   const bool is_right =
       isByHand(database) ? isCertain(database, opened, clear) : looksRight(database, opened, clear);
   if (trust == Trust::kDoubts && !is_right) {
-    WipeBytes(clear);
+    wipeBytes(clear);
     return kDoubtfulPassword;
   }
   std::erase_if(opened_,
@@ -303,7 +303,7 @@ void OpenedRecords::forget() {
   passwords_.clear();
 }
 
-void Unseal(Database& database, Sealing& sealing) {
+void unseal(Database& database, Sealing& sealing) {
   for (auto& [position, record] : sealing.clear) database.records[position].swap(record);
   sealing.clear.clear();
 }

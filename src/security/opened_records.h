@@ -131,6 +131,6 @@ class OpenedRecords {
 };
 
 // Puts the records that were enciphered back into clear.
-void Unseal(Database& database, Sealing& sealing);
+void unseal(Database& database, Sealing& sealing);
 
 }  // namespace tabelion

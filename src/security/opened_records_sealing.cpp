@@ -42,9 +42,9 @@ bool OpenedRecords::looksLike(const Database& database, const Opened& opened, By
       kRecordDecrypted) {
     return false;
   }
-  const bool as_likely = Plausibility(database, under_other) + other.share() >=
-                         Plausibility(database, clear) + passwords_[opened.password]->share();
-  WipeBytes(under_other);
+  const bool as_likely = plausibility(database, under_other) + other.share() >=
+                         plausibility(database, clear) + passwords_[opened.password]->share();
+  wipeBytes(under_other);
   return as_likely;
 }
 
@@ -77,21 +77,21 @@ Sealing OpenedRecords::seal(Database& database, Engine& engine, const RecordTest
       const Opened& candidate = opened_[number];
       const ByteView clear = database.records[i].bytes();
       const ByteView before = candidate.sealed.bytes();
-      const bool fits = ResealRecordFront(flagged, clear, before,
+      const bool fits = resealRecordFront(flagged, clear, before,
                                           passwords_[candidate.password]->key, sealed.front);
-      unchanged = fits && IsWhole(sealed.front, clear, before);
+      unchanged = fits && isWhole(sealed.front, clear, before);
       if (known == nullptr || unchanged) known = &candidate;
       used[number] = unchanged;
       return unchanged;
     });
     if (wanted && !wanted(database.records[i].bytes(), known != nullptr)) continue;
-    if (!IsStamped(database.records[i].bytes())) {
+    if (!isStamped(database.records[i].bytes())) {
       // Now, so that it has the same one at every save.
       const ByteView record = database.records[i].bytes();
       Bytes stamped(record.begin(), record.end());
-      StampRecord(stamped, NewStamp(database, engine));
+      stampRecord(stamped, newStamp(database, engine));
       if (!database.records.replace(i, stamped)) {
-        Unseal(database, sealing);
+        unseal(database, sealing);
         sealing.too_long = i;
         return sealing;
       }
@@ -99,7 +99,7 @@ Sealing OpenedRecords::seal(Database& database, Engine& engine, const RecordTest
     sealed.as_before = nullptr;
     form(flagged, database.records[i].bytes(), known, unchanged, sealed, sealing);
     if (sealed.too_long) {
-      Unseal(database, sealing);
+      unseal(database, sealing);
       sealing = {.clear = {}, .too_long = i};
       return sealing;
     }
@@ -109,7 +109,7 @@ Sealing OpenedRecords::seal(Database& database, Engine& engine, const RecordTest
     sealing.clear.push_back({i, std::move(to_write)});
     sealing.changed |= sealed.as_before == nullptr;
   }
-  WipeBytes(sealed.front.bytes);
+  wipeBytes(sealed.front.bytes);
   return sealing;
 }
 
@@ -123,10 +123,10 @@ Sealing OpenedRecords::sealAsOpened(Database& database, Engine& engine,
                 if (unchanged) {
                   into.as_before = &known->sealed;
                 } else if (known != nullptr) {
-                  into.too_long = !ResealRecordFront(flagged, record, known->sealed.bytes(),
+                  into.too_long = !resealRecordFront(flagged, record, known->sealed.bytes(),
                                                      passwords_[known->password]->key, into.front);
                 } else {
-                  into.too_long = !EncryptRecordFront(flagged, record, main_key, {}, into.front);
+                  into.too_long = !encryptRecordFront(flagged, record, main_key, {}, into.front);
                 }
               });
 }
@@ -138,7 +138,7 @@ Sealing OpenedRecords::sealWith(Database& database, Engine& engine, const Passwo
   RecordFront other;
   for (const Opened& opened : opened_) {
     ++with.tried;
-    if (DecryptRecordFront(all_flagged, opened.sealed.bytes(), with.key, other) ==
+    if (decryptRecordFront(all_flagged, opened.sealed.bytes(), with.key, other) ==
         kRecordDecrypted) {
       ++with.fits;
     }
@@ -147,7 +147,7 @@ Sealing OpenedRecords::sealWith(Database& database, Engine& engine, const Passwo
               [&](const FlaggedFields& flagged, ByteView record, const Opened* known,
                   bool unchanged, SealedForm& into, Sealing& sealing) {
                 if (known == nullptr) {
-                  into.too_long = !EncryptRecordFront(flagged, record, with.key, {}, into.front);
+                  into.too_long = !encryptRecordFront(flagged, record, with.key, {}, into.front);
                   return;
                 }
                 const KnownPassword& opener = *passwords_[known->password];
@@ -156,10 +156,10 @@ Sealing OpenedRecords::sealWith(Database& database, Engine& engine, const Passwo
                 if (unchanged && (!certain || same || looksLike(database, *known, record, with))) {
                   into.as_before = &known->sealed;
                 } else if (same || !certain) {
-                  into.too_long = !ResealRecordFront(flagged, record, known->sealed.bytes(),
+                  into.too_long = !resealRecordFront(flagged, record, known->sealed.bytes(),
                                                      opener.key, into.front);
                 } else {
-                  into.too_long = !EncryptRecordFront(flagged, record, with.key, {}, into.front);
+                  into.too_long = !encryptRecordFront(flagged, record, with.key, {}, into.front);
                 }
                 if (!certain) ++sealing.kept;
               });
@@ -172,12 +172,12 @@ bool OpenedRecords::sealOne(const Database& database, ByteView record, const Pas
   const bool resealed = std::ranges::any_of(opened_, [&](const Opened& opened) {
     const ExpandedKey& key = passwords_[opened.password]->key;
     return opened.identity == stampIdentity(record) && opensLike(key, password) &&
-           ResealRecordFront(flagged, record, opened.sealed.bytes(), key, front);
+           resealRecordFront(flagged, record, opened.sealed.bytes(), key, front);
   });
   if (!resealed) {
     ExpandedKey key;
     MakeKey(password.text(), key);
-    if (!EncryptRecordFront(flagged, record, key, new_stamp, front)) return false;
+    if (!encryptRecordFront(flagged, record, key, new_stamp, front)) return false;
   }
   into = std::move(front.bytes);
   const ByteView rest = record.subspan(front.old_size);

@@ -33,7 +33,7 @@ class Password {
     std::copy_n(text.begin(), size_, memory_.data());
   }
   void clear() {
-    if (size_ > 0) WipeBytes({memory_.data(), size_});
+    if (size_ > 0) wipeBytes({memory_.data(), size_});
     size_ = 0;
   }
   std::string_view text() const { return {reinterpret_cast<const char*>(memory_.data()), size_}; }
@@ -44,8 +44,8 @@ class Password {
 };
 
 // For texts that a password passed through.
-inline void WipeText(std::string& text) {
-  WipeBytes({reinterpret_cast<std::uint8_t*>(text.data()), text.size()});
+inline void wipeText(std::string& text) {
+  wipeBytes({reinterpret_cast<std::uint8_t*>(text.data()), text.size()});
   text.clear();
 }
 

@@ -177,7 +177,7 @@ double ofValue(FieldType type, const FieldRecord& field, ByteView value) {
 
 }  // namespace
 
-double Plausibility(const Database& database, ByteView record) {
+double plausibility(const Database& database, ByteView record) {
   double bits = 0;
   SlotWalker walker(record);
   for (std::size_t slot = 0; slot < kFieldSlots; ++slot) {

@@ -12,6 +12,6 @@ namespace tabelion {
 // For the flagged values of a record in clear: how many bits speak for values (above 0) or for
 // noise (below). 0 when nothing can be said, for instance when all of them are empty. The
 // logarithm, to base 2, of how much more often values look like this than noise does.
-double Plausibility(const Database& database, ByteView record);
+double plausibility(const Database& database, ByteView record);
 
 }  // namespace tabelion

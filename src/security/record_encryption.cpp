@@ -164,25 +164,25 @@ void appendRest(RecordFront& front, ByteView record) {
 
 }  // namespace
 
-bool IsStamped(ByteView record) {
+bool isStamped(ByteView record) {
   return record.size() > sizeof(HeadBlock) && record[0] == kStampedPrefix;
 }
 
-void StampRecord(Bytes& record, const HeadBlock& stamp) {
+void stampRecord(Bytes& record, const HeadBlock& stamp) {
   const std::size_t old_prefix = std::min(prefixLength(record), record.size());
   record.erase(record.begin(), record.begin() + static_cast<std::ptrdiff_t>(old_prefix));
   record.insert(record.begin(), stamp.begin(), stamp.end());
   record.insert(record.begin(), kStampedPrefix);
 }
 
-bool IsWhole(const RecordFront& front, ByteView record, ByteView whole) {
+bool isWhole(const RecordFront& front, ByteView record, ByteView whole) {
   const ByteView rest = record.subspan(front.old_size);
   return front.bytes.size() + rest.size() == whole.size() &&
          std::equal(front.bytes.begin(), front.bytes.end(), whole.begin()) &&
          std::equal(rest.begin(), rest.end(), whole.begin() + std::ptrdiff_t(front.bytes.size()));
 }
 
-bool HasFlaggedFields(const DatabaseRecord& schema) {
+bool hasFlaggedFields(const DatabaseRecord& schema) {
   return FlaggedFields(schema).slots() > 0;
 }
 
@@ -192,13 +192,13 @@ FlaggedFields::FlaggedFields(const DatabaseRecord& schema) : schema_(schema) {
   }
 }
 
-bool EncryptRecordFront(const FlaggedFields& flagged, ByteView record, const ExpandedKey& key,
+bool encryptRecordFront(const FlaggedFields& flagged, ByteView record, const ExpandedKey& key,
                         const StampSource& new_stamp, RecordFront& into) {
   std::uint8_t sum = 0;
   copyWithFlaggedValues(flagged, record, into, [&](Bytes& to, int slot, ByteView value) {
     putEnciphered(to, traitsOf(flagged.typeOf(slot)).cipher, value, key, sum);
   });
-  if (!IsStamped(record)) StampRecord(into.bytes, new_stamp());
+  if (!isStamped(record)) stampRecord(into.bytes, new_stamp());
   if (isTooLong(into, record)) return false;
   std::uint8_t& flags = into.bytes[1 + kStampFlagOffset];
   flags &= static_cast<std::uint8_t>(~kClearByDatabase);
@@ -207,16 +207,16 @@ bool EncryptRecordFront(const FlaggedFields& flagged, ByteView record, const Exp
   return true;
 }
 
-int DecryptRecordFront(const FlaggedFields& flagged, ByteView record, const ExpandedKey& key,
+int decryptRecordFront(const FlaggedFields& flagged, ByteView record, const ExpandedKey& key,
                        RecordFront& into) {
   into.bytes.clear();
-  if (!IsStamped(record)) return kHeaderUnreadable;
+  if (!isStamped(record)) return kHeaderUnreadable;
   std::uint8_t sum = 0;
   copyWithFlaggedValues(flagged, record, into, [&](Bytes& to, int slot, ByteView value) {
     putDeciphered(to, flagged.typeOf(slot), value, key, sum);
   });
   if (sum != record[1 + kStampChecksumOffset] || isTooLong(into, record)) {
-    WipeBytes(into.bytes);
+    wipeBytes(into.bytes);
     into.bytes.clear();
     return kWrongPassword;
   }
@@ -224,9 +224,9 @@ int DecryptRecordFront(const FlaggedFields& flagged, ByteView record, const Expa
   return kRecordDecrypted;
 }
 
-bool ResealRecordFront(const FlaggedFields& flagged, ByteView record, ByteView sealed,
+bool resealRecordFront(const FlaggedFields& flagged, ByteView record, ByteView sealed,
                        const ExpandedKey& key, RecordFront& into) {
-  if (!IsStamped(record) || !IsStamped(sealed)) return false;
+  if (!isStamped(record) || !isStamped(sealed)) return false;
   std::uint8_t sum = 0;
   SlotWalker old_values(sealed);
   std::optional<ByteView> old_value;
@@ -245,7 +245,7 @@ bool ResealRecordFront(const FlaggedFields& flagged, ByteView record, ByteView s
       putEnciphered(to, traitsOf(type).cipher, value, key, sum);
     }
   });
-  WipeBytes(before);
+  wipeBytes(before);
   if (isTooLong(into, record)) return false;
   std::uint8_t& flags = into.bytes[1 + kStampFlagOffset];
   const std::uint8_t old_flags = sealed[1 + kStampFlagOffset];
@@ -259,7 +259,7 @@ bool ResealRecordFront(const FlaggedFields& flagged, ByteView record, ByteView s
 bool EncryptRecordFields(const DatabaseRecord& schema, ByteView record, const ExpandedKey& key,
                          const StampSource& new_stamp, Bytes& into) {
   RecordFront front;
-  const bool fits = EncryptRecordFront(FlaggedFields(schema), record, key, new_stamp, front);
+  const bool fits = encryptRecordFront(FlaggedFields(schema), record, key, new_stamp, front);
   if (fits) appendRest(front, record);
   into.swap(front.bytes);
   return fits;
@@ -268,13 +268,13 @@ bool EncryptRecordFields(const DatabaseRecord& schema, ByteView record, const Ex
 int DecryptRecord(const DatabaseRecord& schema, ByteView record, const ExpandedKey& key,
                   Bytes& into) {
   RecordFront front;
-  const int result = DecryptRecordFront(FlaggedFields(schema), record, key, front);
+  const int result = decryptRecordFront(FlaggedFields(schema), record, key, front);
   if (result == kRecordDecrypted) appendRest(front, record);
   into.swap(front.bytes);
   return result;
 }
 
-std::vector<OverlongValue> OverlongValues(const DatabaseRecord& schema, ByteView record) {
+std::vector<OverlongValue> overlongValues(const DatabaseRecord& schema, ByteView record) {
   std::vector<OverlongValue> found;
   SlotWalker walker(record);
   for (int slot = 0;; ++slot) {

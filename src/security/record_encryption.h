@@ -32,7 +32,7 @@
 
 namespace tabelion {
 
-bool HasFlaggedFields(const DatabaseRecord& schema);
+bool hasFlaggedFields(const DatabaseRecord& schema);
 
 // A new stamp for a record that has none.
 using StampSource = std::function<HeadBlock()>;
@@ -71,21 +71,21 @@ struct RecordFront {
   std::size_t old_size = 0;
 };
 // Makes a stamp the record's prefix; what stood there before has no room beside it.
-void StampRecord(Bytes& record, const HeadBlock& stamp);
-bool IsStamped(ByteView record);
+void stampRecord(Bytes& record, const HeadBlock& stamp);
+bool isStamped(ByteView record);
 // Whether the record with this front is, as a whole, these bytes.
-bool IsWhole(const RecordFront& front, ByteView record, ByteView whole);
-[[nodiscard]] bool EncryptRecordFront(const FlaggedFields& flagged, ByteView record,
+bool isWhole(const RecordFront& front, ByteView record, ByteView whole);
+[[nodiscard]] bool encryptRecordFront(const FlaggedFields& flagged, ByteView record,
                                       const ExpandedKey& key, const StampSource& new_stamp,
                                       RecordFront& into);
-[[nodiscard]] int DecryptRecordFront(const FlaggedFields& flagged, ByteView record,
+[[nodiscard]] int decryptRecordFront(const FlaggedFields& flagged, ByteView record,
                                      const ExpandedKey& key, RecordFront& into);
 
 // Enciphers a record that `key` deciphered from `sealed`, also when the key only passed for the
 // right one: values that are still what the key made of them get the bytes that they had, so a
 // record that nobody changed becomes `sealed` again. Others are enciphered. False when it would be
 // too long.
-[[nodiscard]] bool ResealRecordFront(const FlaggedFields& flagged, ByteView record, ByteView sealed,
+[[nodiscard]] bool resealRecordFront(const FlaggedFields& flagged, ByteView record, ByteView sealed,
                                      const ExpandedKey& key, RecordFront& into);
 
 // A value that its enciphered form holds with a length that says too little: a text longer than 255
@@ -95,6 +95,6 @@ struct OverlongValue {
   int slot = 0;
   std::size_t length = 0;  // of the text, in bytes
 };
-std::vector<OverlongValue> OverlongValues(const DatabaseRecord& schema, ByteView record);
+std::vector<OverlongValue> overlongValues(const DatabaseRecord& schema, ByteView record);
 
 }  // namespace tabelion

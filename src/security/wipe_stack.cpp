@@ -8,9 +8,9 @@
 namespace tabelion {
 
 // As deep as dialogs, their handlers and the toolkit below them go.
-[[gnu::noinline]] void WipeStack() {
+[[gnu::noinline]] void wipeStack() {
   std::array<std::uint8_t, 512 * 1024> below;
-  WipeBytes(below);
+  wipeBytes(below);
 }
 
 }  // namespace tabelion

@@ -4,6 +4,6 @@ namespace tabelion {
 
 // Overwrites what functions that have returned left on the stack: short texts, keys, parts of
 // records. To be called from where secrets are done with, no deeper than they were worked on.
-void WipeStack();
+void wipeStack();
 
 }  // namespace tabelion

@@ -6,7 +6,7 @@ namespace tabelion {
 
 int CheckSecurity(Application& app, Operation operation, bool show_message) {
   const DatabaseRecord& schema = CurrentDatabase(app).schema;
-  if (SecurityCode(schema, operation) == kCodePassword) {
+  if (securityCode(schema, operation) == kCodePassword) {
     ShowMessage(app, u"This is a pending item.", u"CheckPassword", MessageIcon::kInformation);
   }
   const int result = CheckSecurity(schema, operation);

@@ -172,7 +172,7 @@ bool EncryptWholeDatabase(Application& app, const EncryptionPasswordPrompt& prom
   const bool remembered = session.remembers_password && app.preferences.auto_encrypt;
   const bool asks = prompt && !remembered && !IsAlone(app.closing);
   const bool is_new = isDirty(*session.database) || session.opened.isEmpty();
-  if (asks && is_new && !acceptsOverlongValues(app, OverlongValues(*session.database))) {
+  if (asks && is_new && !acceptsOverlongValues(app, overlongValues(*session.database))) {
     return false;
   }
   if (!asks) {
@@ -220,9 +220,9 @@ int PromptDecryptRecord(Application& app, Bytes& record, const EncryptionPasswor
 bool PromptEncryptRecord(Application& app, Bytes& record, const EncryptionPasswordPrompt& prompt) {
   Database& database = CurrentDatabase(app);
   const OpenedRecords& opened = app.level().session.opened;
-  if (!HasFlaggedFields(database.schema)) return false;
+  if (!hasFlaggedFields(database.schema)) return false;
   std::vector<OverlongRecordValue> overlong;
-  for (const OverlongValue& value : OverlongValues(database.schema, record)) {
+  for (const OverlongValue& value : overlongValues(database.schema, record)) {
     overlong.push_back({app.level().current_record, value});
   }
   if (!acceptsOverlongValues(app, overlong)) return false;
@@ -237,13 +237,13 @@ bool PromptEncryptRecord(Application& app, Bytes& record, const EncryptionPasswo
     }
     Bytes enciphered;
     if (!opened.sealOne(
-            database, record, password, [&] { return NewStamp(database, app.engine); },
+            database, record, password, [&] { return newStamp(database, app.engine); },
             enciphered)) {
       sayTooLong(app, app.level().current_record);
       return false;
     }
     record.swap(enciphered);
-    WipeBytes(enciphered);
+    wipeBytes(enciphered);
     SetPasswordCheck(database.schema, password.text(), app.engine.random);
     return true;
   }
@@ -258,7 +258,7 @@ bool MoveInHistory(Application& app, HistoryMove to, const EncryptionPasswordPro
   }
   for (Bytes& record : hidden) {
     const int result = PromptDecryptRecord(app, record, prompt);
-    WipeBytes(record);
+    wipeBytes(record);
     if (result == kWrongPassword) {
       ShowMessage(app, u"Error: Supplied Password does not properly Decrypt Record!", u"Error",
                   MessageIcon::kError);

@@ -150,7 +150,7 @@ bool CloseDatabase(Application& app, AskBeforeSaving ask, const ClosingQuestions
   if (IsDatabaseOpen(app) && !saveBeforeClosing(app, ask, questions)) return false;
   closeDatabase(CurrentDatabase(app));
   LeaveLevel(app);
-  WipeStack();
+  wipeStack();
   return true;
 }
 

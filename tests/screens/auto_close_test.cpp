@@ -132,7 +132,7 @@ TEST_F(AutoClose, PasswordThatNobodyConfirmsOpensNothingAndHoldsNothingUp) {
   database->schema.encryption_mode = kEncryptWholeDatabase;
   ExpandedKey key;
   MakeKey("sesame", key);
-  EncryptRecords(*database, world.engine, key);
+  encryptRecords(*database, world.engine, key);
   SetPasswordCheck(database->schema, "sesame", world.engine.random);
   path = world.store(*database);
   const auto stored = world.files.bytes(path);

@@ -74,7 +74,7 @@ RC_GTEST_PROP(Cipher, BlocksAndScheduleAgreeWithAnotherImplementation,
   const std::size_t used = 1 + kCipherBlockSize * (1 + 2 * kCipherRounds);
   RC_ASSERT(std::equal(key.bytes().begin(), key.bytes().begin() + used, other.safer.key));
   CipherBlock block = text;
-  EncipherBlock(block, key);
+  encipherBlock(block, key);
   CipherBlock expected;
   symmetric_key scratch = other;
   safer_ecb_encrypt(text.data(), expected.data(), &scratch);

@@ -103,7 +103,7 @@ TEST_F(OpenedRecordsTest, TheRightPasswordTakesBackWhatAWrongOneOpened) {
   Sealing sealing = opened.sealWith(database, engine, Password("right"));
   EXPECT_FALSE(sealing.changed);
   for (std::uint32_t i = 0; i < 20; ++i) EXPECT_TRUE(isAsInFile(i)) << i;
-  Unseal(database, sealing);
+  unseal(database, sealing);
   EXPECT_EQ(secret(7), "the secret of N7");
 }
 
@@ -143,7 +143,7 @@ TEST_F(OpenedRecordsTest, NoiseIsShownOnlyToWhoTypesItsPasswordTwice) {
   Sealing sealing = opened.sealWith(database, engine, Password("another"));
   EXPECT_EQ(sealing.kept, 1u);
   EXPECT_TRUE(isAsInFile(0)) << "noise is not enciphered anew";
-  Unseal(database, sealing);
+  unseal(database, sealing);
 
   rename(0, "changed");
   opened.closeUncertain(database, OpenedRecords::Before::kWritingInClear);

@@ -22,7 +22,7 @@ double plausibility(FieldType type, const Bytes& value, bool flagged = true) {
   record.slots[0] = value;
   Bytes packed;
   EXPECT_TRUE(packRecord(record, packed));
-  return Plausibility(database, packed);
+  return plausibility(database, packed);
 }
 
 Bytes text(const std::string& text, std::size_t size = 0) {

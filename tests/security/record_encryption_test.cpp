@@ -111,7 +111,7 @@ RC_GTEST_PROP(RecordEncryption, StoredRecordsComeBackByteForByte, (const std::st
   ExpandedKey key;
   MakeKey(password, key);
   RecordFront front;
-  RC_ASSERT(EncryptRecordFront(FlaggedFields(made.schema), made.record, key, testStamp, front));
+  RC_ASSERT(encryptRecordFront(FlaggedFields(made.schema), made.record, key, testStamp, front));
   RC_ASSERT(store.replaceFront(0, front.old_size, front.bytes));
   RC_ASSERT(std::ranges::equal(store[0].bytes(), record));
 
@@ -198,12 +198,12 @@ TEST(RecordEncryption, TextsLongerThanTheirLengthByteAreNamedAndComeBackWhole) {
   EXPECT_EQ(hidden[0], 300 - 256);
   EXPECT_EQ(clear, text);
   const Case made = oneField(FieldType::kText, text);
-  const auto named = OverlongValues(made.schema, made.record);
+  const auto named = overlongValues(made.schema, made.record);
   ASSERT_EQ(named.size(), 1u);
   EXPECT_EQ(named[0].length, 300u);
   EXPECT_TRUE(
-      OverlongValues(made.schema, oneField(FieldType::kText, bytesOf("short")).record).empty());
-  EXPECT_TRUE(OverlongValues(oneField(FieldType::kLongText, {}).schema, made.record).empty());
+      overlongValues(made.schema, oneField(FieldType::kText, bytesOf("short")).record).empty());
+  EXPECT_TRUE(overlongValues(oneField(FieldType::kLongText, {}).schema, made.record).empty());
 }
 
 TEST(RecordEncryption, WrongPasswordsAndRecordsWithoutStampAreLeftAlone) {

@@ -36,14 +36,14 @@ Status flagFields(const EncryptOptions& options, Database& database, const TextE
     }
     database.schema.fields[static_cast<std::size_t>(*slot)].encrypt_flag = 1;
   }
-  if (HasFlaggedFields(database.schema)) return Done{};
+  if (hasFlaggedFields(database.schema)) return Done{};
   return makeError(ErrorKind::kInvalid, "no field is to be enciphered; --field names one");
 }
 
 // Texts that other devices could not read back; says each.
 bool hasOverlongValues(const EncryptOptions& options, const OpenedDatabase& opened,
                        CliContext& context) {
-  const auto overlong = OverlongValues(*opened.database);
+  const auto overlong = overlongValues(*opened.database);
   if (options.overlong) return false;
   for (const auto& [position, value] : overlong) {
     const FieldDefinition& field =
@@ -83,7 +83,7 @@ ExitCode runEncrypt(const EncryptOptions& options, CliContext& context) {
   }
   ExpandedKey key;
   MakeKey(password->text(), key);
-  const EncryptSummary summary = EncryptRecords(database, context.engine, key);
+  const EncryptSummary summary = encryptRecords(database, context.engine, key);
   if (summary.too_long != kNoPosition) {
     return context.fail({ErrorKind::kRefused,
                          fmt::format("{}: record {} would become too long; nothing was changed",
@@ -110,7 +110,7 @@ ExitCode runDecrypt(const EncryptOptions& options, CliContext& context) {
   }
   if (!attempt.isComplete()) return failWith(context, database, attempt);
   database.schema.encryption_mode = kEncryptNever;
-  MarkDeciphered(database.schema);
+  markDeciphered(database.schema);
   setDirty(database);
   return context.save(database);
 }

@@ -46,7 +46,7 @@ Status changeRights(std::string_view text, DatabaseRecord& schema) {
                       "delete or popups, and {}",
                       part, fmt::join(kSecurityCodeNames, ", ")));
     }
-    SetSecurityCode(schema, *operation, static_cast<int>(code - std::begin(kSecurityCodeNames)));
+    setSecurityCode(schema, *operation, static_cast<int>(code - std::begin(kSecurityCodeNames)));
   }
   return Done{};
 }
@@ -54,7 +54,7 @@ Status changeRights(std::string_view text, DatabaseRecord& schema) {
 ExitCode printRights(const RightsOptions& options, const Database& database, CliContext& context) {
   auto figures = versionedJson();
   for (const Operation operation : kOperations) {
-    const char* code = kSecurityCodeNames[SecurityCode(database.schema, operation)];
+    const char* code = kSecurityCodeNames[securityCode(database.schema, operation)];
     if (options.json) {
       figures[nameOf(operation)] = code;
     } else {
@@ -109,8 +109,8 @@ ExitCode runPasswd(const PasswdOptions& options, CliContext& context) {
   }
   setAreaText(stored, password.text());
   const bool asks = !password.text().empty();
-  if (asks || SecurityCode(database.schema, Operation::kOpen) == kCodePassword) {
-    SetSecurityCode(database.schema, Operation::kOpen, asks ? kCodePassword : kCodeFree);
+  if (asks || securityCode(database.schema, Operation::kOpen) == kCodePassword) {
+    setSecurityCode(database.schema, Operation::kOpen, asks ? kCodePassword : kCodeFree);
   }
   setDirty(database);
   return context.save(database);

@@ -152,7 +152,7 @@ std::optional<Password> CliContext::askPassword(const SecretSource& source,
     return std::nullopt;
   }
   Encoded bytes = encoding.fromUtf8(*text);
-  WipeText(*text);
+  wipeText(*text);
   std::optional<Password> password;
   if (!bytes.ok() || bytes.bytes.size() > kLongestPassword) {
     say(fmt::format("a password has at most {} characters, all of them in {}", kLongestPassword,
@@ -161,7 +161,7 @@ std::optional<Password> CliContext::askPassword(const SecretSource& source,
   } else {
     password.emplace(bytes.bytes);
   }
-  WipeText(bytes.bytes);
+  wipeText(bytes.bytes);
   return password;
 }
 

@@ -76,7 +76,7 @@ class PasswordScreen : public CommandScreen<PasswordScreen> {
     auto text = StoredText(app_, dialog.control(kPasswordEdit).text().substr(0, kMaxPassword));
     if (text.ok()) {
       typed.assign(*text);
-      WipeText(*text);
+      wipeText(*text);
     }
     storeHiding(dialog);
   }

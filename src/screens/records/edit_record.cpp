@@ -128,7 +128,7 @@ bool EditRecordScreen::SaveEditRecord(Dialog& dialog) {
   // Looking at a record is no reason to store it.
   if (!app_.level().new_record && !changed) return true;
   if (!app_.level().new_record &&
-      SecurityCode(CurrentDatabase(app_).schema, Operation::kChange) == kCodeRestricted) {
+      securityCode(CurrentDatabase(app_).schema, Operation::kChange) == kCodeRestricted) {
     return true;
   }
   if (!app_.level().new_record && CheckSecurity(app_, Operation::kChange, true) == kAccessRefused) {

@@ -112,7 +112,7 @@ bool HasRecordsInClear(const Database& database) {
 PasswordAttempt TryPassword(Session& session, const Password& password, bool forced) {
   const PasswordAttempt attempt = session.opened.open(*session.database, password, forced);
   if (attempt.isComplete() && IsKeptEnciphered(*session.database)) {
-    MarkDeciphered(session.database->schema);
+    markDeciphered(session.database->schema);
   }
   return attempt;
 }
@@ -147,9 +147,9 @@ Sealing SealForClosing(Session& session, Engine& engine, const Password* passwor
 
 void UndoSealing(Session& session, Sealing& sealing) {
   if (sealing.clear.empty()) return;
-  Unseal(*session.database, sealing);
+  unseal(*session.database, sealing);
   if (IsKeptEnciphered(*session.database) && !HasEncipheredRecords(*session.database)) {
-    MarkDeciphered(session.database->schema);
+    markDeciphered(session.database->schema);
   }
 }
 

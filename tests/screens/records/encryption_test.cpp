@@ -34,7 +34,7 @@ class Encryption : public testing::Test {
   void encipher(const std::string& password) {
     ExpandedKey key;
     MakeKey(password, key);
-    EncryptRecords(*database, world.engine, key);
+    encryptRecords(*database, world.engine, key);
     SetPasswordCheck(database->schema, password, world.engine.random);
   }
 

@@ -69,7 +69,7 @@ TEST_F(GroupDeletion, TakesItsGroupAsOneStep) {
 }
 
 TEST_F(GroupDeletion, NeedsTheRightToDelete) {
-  SetSecurityCode(database->schema, Operation::kDelete, kCodeRefused);
+  setSecurityCode(database->schema, Operation::kDelete, kCodeRefused);
   list().choose({u"Menu", u"Delete", u"All Records"});
   world.phone.says(u"Sorry, You do Not have Security Access to Perform this Operation!",
                    u"ACCESS DENIED");
