@@ -14,17 +14,6 @@
 namespace tabelion {
 namespace {
 
-// Slots of the benchmark's data.
-constexpr int kTitle = 0;
-constexpr int kPlace = 1;
-constexpr int kWeight = 3;
-constexpr int kKind = 4;
-constexpr int kLongWords = 9;
-
-constexpr std::string_view kWord = "harbour";
-constexpr std::string_view kLowest = "20000";
-constexpr std::string_view kHighest = "60000";
-constexpr std::size_t kItem = 6;
 constexpr std::string_view kOnlyInTheLast = "Amphora";
 
 QuerySettings querySettings() {
@@ -33,22 +22,12 @@ QuerySettings querySettings() {
   return settings;
 }
 
-FilterBlock& enable(Database& database, std::size_t criterion, int slot) {
-  FilterBlock& block = database.schema.filters[criterion];
-  block = {};
-  block.enabled = 1;
-  block.field = static_cast<std::uint16_t>(slot);
-  return block;
-}
-
 // Of one kind, with a weight in a range and a text with a word.
 void chooseCriteria(Database& database) {
   const ByteView key = database.fields[kKind].items[kItem].valueKey();
-  std::copy(key.begin(), key.end(), enable(database, 0, kKind).value1.begin());
-  FilterBlock& weight = enable(database, 1, kWeight);
-  setAreaText(weight.value1, kLowest);
-  setAreaText(weight.value2, kHighest);
-  setAreaText(enable(database, 2, kLongWords).value1, kWord);
+  setCriterion(database, 0, kKind, {reinterpret_cast<const char*>(key.data()), key.size()});
+  setCriterion(database, 1, kWeight, kLowest, kHighest);
+  setCriterion(database, 2, kLongWords, kWord);
 }
 
 void filterBy(benchmark::State& state, Database& database, bool weight_alone) {

@@ -14,11 +14,6 @@
 namespace tabelion {
 namespace {
 
-// Slots of the benchmark's data.
-constexpr std::uint8_t kTitle = 0;
-constexpr std::uint8_t kCount = 2;
-constexpr std::uint8_t kDay = 6;
-
 // Puts the levels into force, and everything back in the end.
 class SortedDatabase {
  public:

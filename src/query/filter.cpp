@@ -218,23 +218,25 @@ bool recordPassesCriterion(const Database& database, int criterion, ByteView rec
   return value && test.passes(*value);
 }
 
-void rebuildFilterIndex(Database& database, const QuerySettings& settings, const LinkFilter* link) {
-  const RecordFilter filter(database, settings, link);
+void collectPositions(const Database& database, const RecordFilter& filter, bool passing,
+                      std::vector<std::uint32_t>& positions) {
   const RecordStore& records = database.records;
-  std::vector<std::uint32_t>& index = database.record_index;
-  index.clear();
   const std::uint32_t count = records.count();
+  positions.clear();
   if (filter.passesEverything()) {
-    index.resize(count);
-    std::iota(index.begin(), index.end(), 0u);
-    database.needs_refresh = false;
+    positions.resize(passing ? count : 0);
+    std::iota(positions.begin(), positions.end(), 0u);
     return;
   }
   const std::size_t reach = count > 0 ? filter.reachIn(records[0].bytes()) : 0;
   for (std::uint32_t position = 0; position < count; ++position) {
     records.fetchAhead(position, reach);
-    if (filter.passes(records[position].bytes())) index.push_back(position);
+    if (filter.passes(records[position].bytes()) == passing) positions.push_back(position);
   }
+}
+
+void rebuildFilterIndex(Database& database, const QuerySettings& settings, const LinkFilter* link) {
+  collectPositions(database, RecordFilter(database, settings, link), true, database.record_index);
   database.needs_refresh = false;
 }
 

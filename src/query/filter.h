@@ -57,6 +57,11 @@ class RecordFilter {
 bool recordPassesCriterion(const Database& database, int criterion, ByteView record,
                            const QuerySettings& settings);
 
+// The positions of the records that pass, or of those that do not, in record order. What the vector
+// held goes; its memory is used again.
+void collectPositions(const Database& database, const RecordFilter& filter, bool passing,
+                      std::vector<std::uint32_t>& positions);
+
 // Fills Database::record_index with the positions of the records that pass, in record order.
 void rebuildFilterIndex(Database& database, const QuerySettings& settings,
                         const LinkFilter* link = nullptr);

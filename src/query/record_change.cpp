@@ -1,6 +1,7 @@
 #include "query/record_change.h"
 
 #include <algorithm>
+#include <numeric>
 
 #include "engine/schema_places.h"
 #include "query/sort.h"
@@ -77,13 +78,13 @@ void deleteRecords(Database& database, std::vector<std::uint32_t> positions,
 
 std::vector<std::uint32_t> positionsOfGroup(const Database& database, RecordGroup group,
                                             const QuerySettings& settings, const LinkFilter* link) {
-  const RecordFilter filter(database, settings, link);
   std::vector<std::uint32_t> positions;
-  for (std::uint32_t i = 0; i < database.records.count(); ++i) {
-    if (group == RecordGroup::kAll ||
-        filter.passes(database.records[i].bytes()) == (group == RecordGroup::kWithinFilter)) {
-      positions.push_back(i);
-    }
+  if (group == RecordGroup::kAll) {
+    positions.resize(database.records.count());
+    std::iota(positions.begin(), positions.end(), 0u);
+  } else {
+    const RecordFilter filter(database, settings, link);
+    collectPositions(database, filter, group == RecordGroup::kWithinFilter, positions);
   }
   return positions;
 }
