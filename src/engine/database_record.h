@@ -91,6 +91,7 @@ struct View {
   std::array<FilterBlock, 6> filters{};
   std::uint16_t item9 = 0;
   std::array<SortKey, 3> sort{};
+  bool operator==(const View&) const = default;
 };
 
 struct DatabaseRecord {

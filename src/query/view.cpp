@@ -6,7 +6,6 @@
 #include "query/filter.h"
 #include "query/recompute.h"
 #include "query/record_index.h"
-#include "query/sort.h"
 #include "query/text_cut.h"
 
 namespace tabelion {
@@ -15,7 +14,6 @@ namespace {
 using FieldOrder = std::array<std::uint8_t, kFieldSlots>;
 
 constexpr int kUsualColumnWidth = 58;
-constexpr int kWidestColumn = 32767;  // 16 bits, signed
 
 bool isView(const DatabaseRecord& schema, int view) {
   return view >= 0 && view < viewCount(schema);
@@ -111,15 +109,20 @@ int viewOfName(const DatabaseRecord& schema, std::string_view name) {
   return -1;
 }
 
-std::vector<int> viewColumns(const DatabaseRecord& schema, int view) {
+std::vector<int> viewFields(const DatabaseRecord& schema, int view) {
   std::vector<int> slots;
   if (!isView(schema, view)) return slots;
-  const View& at = viewAt(schema, view);
-  for (const std::uint8_t slot : completeOrder(at.field_order, {})) {
-    if (isValidType(schema.fields[slot].type) && at.entries[slot].column_width >= 1) {
-      slots.push_back(slot);
-    }
+  for (const std::uint8_t slot : completeOrder(viewAt(schema, view).field_order, {})) {
+    if (isValidType(schema.fields[slot].type)) slots.push_back(slot);
   }
+  return slots;
+}
+
+std::vector<int> viewColumns(const DatabaseRecord& schema, int view) {
+  std::vector<int> slots = viewFields(schema, view);
+  std::erase_if(slots, [&](int slot) {
+    return viewAt(schema, view).entries[static_cast<std::size_t>(slot)].column_width < 1;
+  });
   return slots;
 }
 
@@ -186,14 +189,16 @@ ViewChange chooseView(Database& database, int view) {
   return change;
 }
 
-ViewChange applyView(Database& database, int view, const QuerySettings& settings) {
+ViewChange applyView(Database& database, int view, const QuerySettings& settings,
+                     std::uint32_t* followed) {
   ViewChange change = chooseView(database, view);
   if (!change.sort_changed && !change.filter_changed) return change;
   if (change.sort_changed) {
-    sortRecords(database, settings.formats);
+    sortAndRecompute(database, settings, followed);
     database.schema.sort_pending = 0;
+  } else {
+    recomputeDependents(database, settings);
   }
-  recomputeDependents(database, settings);
   refreshRecordIndex(database, settings);
   database.needs_refresh = true;
   return change;

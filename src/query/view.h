@@ -18,6 +18,8 @@ inline constexpr std::string_view kDefaultViewName = "Default View";
 inline constexpr std::string_view kNewViewName = "New View";
 inline constexpr std::string_view kTooManyViewsText =
     "Sorry, you have reached the maximum number of Views for this database.";
+inline constexpr std::size_t kMostViewName = 31;  // bytes, also of the name of a database
+inline constexpr int kWidestColumn = 32767;
 inline constexpr std::string_view kViewNameTakenText =
     "The view with the same name already exists in the list";
 
@@ -26,6 +28,8 @@ int viewCount(const DatabaseRecord& schema);
 std::string viewName(const DatabaseRecord& schema, int view);
 // The index of the first view of this name, or -1.
 int viewOfName(const DatabaseRecord& schema, std::string_view name);
+// Every field in use, in the order of a view.
+std::vector<int> viewFields(const DatabaseRecord& schema, int view);
 // The fields that a view shows as columns, in its order; those without a text in lists included.
 std::vector<int> viewColumns(const DatabaseRecord& schema, int view);
 
@@ -55,14 +59,16 @@ struct ViewChange {
 ViewChange chooseView(Database& database, int view);
 
 // The same, and what follows from it: sorts when the sort changed, and lists the records anew when
-// sort or filter did. The database needs a refresh of its columns afterwards.
-ViewChange applyView(Database& database, int view, const QuerySettings& settings);
+// sort or filter did. The database needs a refresh of its columns afterwards. `followed`, when
+// given, is a record's position and stays that record's.
+ViewChange applyView(Database& database, int view, const QuerySettings& settings,
+                     std::uint32_t* followed = nullptr);
 
 // What the Edit View dialog shows and stores.
 struct ViewSettings {
-  std::string name;  // at most 31 bytes are stored
+  std::string name;  // at most kMostViewName bytes are stored
   bool switches_database = false;
-  std::string target;  // stored for a view that switches, likewise 31 bytes
+  std::string target;  // stored for a view that switches, likewise
   bool live_update = false;
 };
 ViewSettings viewSettings(const DatabaseRecord& schema, int view);
@@ -74,11 +80,12 @@ std::string storeViewSettings(Database& database, int view, const ViewSettings& 
 // One field in a view, as the Fields Setup dialog shows and stores it.
 struct ViewFieldSettings {
   bool in_list = true;
-  // As stored: list pixels / 1.5, from 1 on. Of a field that is not in the list, the width that it
-  // had when it last was.
+  // As stored: list pixels / 1.5, from 1 to kWidestColumn. Of a field that is not in the list, the
+  // width that it had when it last was.
   int column_width = 0;
   bool in_record_view = true;
   bool exported = true;
+  bool operator==(const ViewFieldSettings&) const = default;
 };
 ViewFieldSettings viewFieldSettings(const DatabaseRecord& schema, int view, int slot);
 void storeViewFieldSettings(Database& database, int view, int slot,

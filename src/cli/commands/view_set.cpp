@@ -11,9 +11,6 @@
 namespace tabelion {
 namespace {
 
-constexpr std::size_t kMostNameBytes = 31;
-constexpr int kWidestColumn = 32767;
-
 // A name as the view stores it.
 Result<std::string> storedName(const TextEncoding& encoding, const std::string& name,
                                const char* what) {
@@ -25,9 +22,9 @@ Result<std::string> storedName(const TextEncoding& encoding, const std::string& 
   if (encoded.bytes.empty()) {
     return makeError(ErrorKind::kInvalid, fmt::format("{} cannot be empty", what));
   }
-  if (encoded.bytes.size() > kMostNameBytes || encoded.bytes.find('\0') != std::string::npos) {
+  if (encoded.bytes.size() > kMostViewName || encoded.bytes.find('\0') != std::string::npos) {
     return makeError(ErrorKind::kInvalid,
-                     fmt::format("{} \"{}\" is longer than {} bytes", what, name, kMostNameBytes));
+                     fmt::format("{} \"{}\" is longer than {} bytes", what, name, kMostViewName));
   }
   return encoded.bytes;
 }

@@ -71,7 +71,7 @@ class SearchScreen : public CommandScreen<SearchScreen> {
   bool acceptsCharacter(Dialog&, ControlId, char32_t character) override {
     return CanStore(app_, character);
   }
-  bool OnAutoClose(Dialog& dialog) override { return store(dialog); }
+  bool OnAutoClose(Dialog& dialog) override { return store(dialog) || IsAlone(app_.closing); }
 
  private:
   static void choose(Dialog& dialog, ControlId id, const std::vector<std::u16string>& texts,

@@ -53,6 +53,10 @@ class RecordListScreen : public CommandScreen<RecordListScreen> {
   void Sort(Dialog& dialog);
   void ChangePreferences(Dialog& dialog);
   void DeleteGroup(Dialog& dialog, RecordGroup group);
+  std::vector<Command<RecordListScreen>> ViewRows();
+  void ChooseView(Dialog& dialog, int view);
+  void EditViews(Dialog& dialog);
+  void SwitchTo(Dialog& dialog, const std::u16string& database);
   void FindFirst(Dialog& dialog);
   void FindNext(Dialog& dialog);
   void ShowFound(Dialog& dialog, int slot);

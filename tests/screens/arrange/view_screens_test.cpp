@@ -1,0 +1,322 @@
+// The views menu, Edit Views, Edit View and Fields Setup, from the list.
+#include <gmock/gmock.h>
+
+#include "query/view.h"
+#include "screens/arrange/edit_view.h"
+#include "screens/arrange/edit_views.h"
+#include "screens/arrange/fields_setup.h"
+#include "screens/arrange/sort_screen.h"
+#include "screens/kit/screen_numbers.h"
+#include "screens/records/record_list.h"
+#include "services/modal.h"
+#include "support/phone_world.h"
+
+namespace tabelion {
+namespace {
+
+using ::testing::ElementsAre;
+using Texts = std::vector<std::u16string>;
+
+class ViewScreens : public testing::Test {
+ protected:
+  void SetUp() override {
+    database = world.make("Plants", {{"Name"}, {"Kind"}, {"Memo", FieldType::kNote}},
+                          {{"Ash", "tree"}, {"Fern", "shade"}, {"Oak", "tree"}, {"Rue", "herb"}});
+    database->schema.sort[0] = {0, 1};
+    viewsMenu(*database);  // "Default View"
+  }
+  View& add(const std::string& name) {
+    const int view = addView(*database);
+    EXPECT_EQ(storeViewSettings(*database, view, {name, false, {}, false}), "");
+    return database->schema.views[static_cast<std::size_t>(view)];
+  }
+  // Trees alone, from the last to the first, without their kind.
+  void addTrees() {
+    View& trees = add("Trees");
+    trees.sort[0] = {0, 0};
+    trees.entries[1].column_width = 0;
+    trees.filters[0].enabled = 1;
+    trees.filters[0].field = 1;
+    setAreaText(trees.filters[0].value1, "tree");
+  }
+  // The list is closed in the end; what was changed is saved.
+  void play() {
+    const std::string path = world.store(*database);
+    Application app(world.platform);
+    app.preferences.auto_save_on_close = true;
+    open_app = &app;
+    list().choose({u"Menu", u"Close"});
+    world.phone.play([&] { ShowRecordList(app, path); });
+    database = world.read(path);
+  }
+  Texts names() const {
+    Texts names;
+    for (int view = 0; view < viewCount(database->schema); ++view) {
+      const std::string name = viewName(database->schema, view);
+      names.emplace_back(name.begin(), name.end());
+    }
+    return names;
+  }
+
+  ScreenScript list() { return world.phone.at(kRecordListScreen); }
+  ScreenScript views() { return world.phone.at(kEditViewsScreen); }
+  ScreenScript view() { return world.phone.at(kEditViewScreen); }
+  ScreenScript fields() { return world.phone.at(kFieldsSetupScreen); }
+  ScreenScript choose(const std::u16string& name) {
+    return list().choose({u"Menu", u"Views", name});
+  }
+  ScreenScript editViews() {
+    choose(u"Edit Views ");
+    return views();
+  }
+  // Headings, rows with the selected one in brackets, and the view's name.
+  std::function<void(FakeDialog&)> lists(const std::string& expected) {
+    return [expected](FakeDialog& dialog) {
+      FakeControl& rows = dialog.fake(kRecordList);
+      std::string text;
+      for (const std::u16string& heading : rows.headings()) text += narrow(heading) + " ";
+      for (int row = 0; row < rows.rowCount(); ++row) {
+        const std::string name = narrow(rows.paintRow(row).words().at(0));
+        text += row == rows.selectedRow() ? "[" + name + "]" : name;
+      }
+      EXPECT_EQ(text + " " + narrow(dialog.fake(kViewLabel).text()), expected);
+    };
+  }
+  static std::function<void(FakeDialog&)> offers(const Texts& path, const Texts& expected) {
+    return [=](FakeDialog& dialog) { EXPECT_EQ(dialog.menuTexts(path), expected); };
+  }
+
+  PhoneWorld world;
+  Application* open_app = nullptr;
+  std::unique_ptr<Database> database;
+};
+
+TEST_F(ViewScreens, AViewArrangesTheListAndUndoBringsTheOldOneBack) {
+  addTrees();
+  list()
+      .look(offers({u"Menu", u"Views"}, {u"Default View", u"Trees", u"Edit Views "}))
+      .row(kRecordList, 2)
+      .look(lists("Name Kind AshFern[Oak]Rue Default View"));
+  choose(u"Trees").look(lists("Name [Oak]Ash Trees")).press(Key::kUndo);
+  list()
+      .look(lists("Name Kind AshFern[Oak]Rue Default View"))
+      .choose({u"Menu", u"Redo Choice of view"})
+      .look(lists("Name [Oak]Ash Trees"));
+  choose(u"Trees").look(lists("Name [Oak]Ash Trees"));  // nothing changes, so no step
+  list().choose({u"Menu", u"Undo Choice of view"}).look([this](FakeDialog& dialog) {
+    EXPECT_THAT(dialog.menuTexts({u"Menu"}), testing::Contains(u"-Undo"));
+    EXPECT_FALSE(isDirty(CurrentDatabase(*open_app)));
+  });
+  play();
+}
+
+TEST_F(ViewScreens, TheFirstOfANameIsChosen) {
+  addTrees();
+  View& other = add("Herbs");
+  other.name = database->schema.views[1].name;
+  other.filters = {};
+  list().look(offers({u"Menu", u"Views"}, {u"Default View", u"Trees", u"Trees", u"Edit Views "}));
+  list().look([](FakeDialog& dialog) { dialog.handler.onCommand(dialog, 40103); });
+  list().look(lists("Name Oak[Ash] Trees"));  // the one with the filter
+  play();
+}
+
+TEST_F(ViewScreens, AViewComesIntoBeingWithOkAlone) {
+  editViews()
+      .look([](FakeDialog& dialog) {
+        EXPECT_EQ(dialog.menuTexts({u"Menu"}),
+                  (Texts{u"New", u"Copy", u"Edit View", u"Fields Setup", u"Sort", u"-Delete"}));
+      })
+      .choose({u"Menu", u"New"});
+  view()
+      .look([](FakeDialog& dialog) {
+        EXPECT_EQ(dialog.fake(kViewName).text(), u"New View");
+        EXPECT_FALSE(dialog.fake(kViewTarget).takesFocus());
+      })
+      .type(u"x")
+      .choose({u"Cancel"});
+  views()
+      .look([this](FakeDialog& dialog) {
+        EXPECT_EQ(dialog.fake(kViewList).rowCount(), 1);
+        EXPECT_FALSE(isDirty(CurrentDatabase(*open_app)));
+      })
+      .choose({u"Menu", u"Copy"});
+  view().choose({u"OK"});  // a view before it has that name
+  world.phone.says(u"The view with the same name already exists in the list", u"Message");
+  view().write(kViewName, u" ").choose({u"OK"});
+  world.phone.says(u"A view needs a name.", u"Edit View");
+  view().write(kViewName, u"Mine").pick(kViewLiveUpdate, u"Live Update").choose({u"OK"});
+  views().look([](FakeDialog& dialog) {
+    EXPECT_EQ(dialog.fake(kViewList).selectedRow(), 1);
+    EXPECT_EQ(dialog.handler.rowText(dialog, kViewList, 1), u"Mine");
+  });
+  views().choose({u"Done"});
+  list()
+      .choose({u"Menu", u"Undo Copy of view"})
+      .look(offers({u"Menu", u"Views"}, {u"Default View", u"Edit Views "}))
+      .press(Key::kRedo);
+  play();
+  EXPECT_EQ(names(), (Texts{u"Default View", u"Mine"}));
+  EXPECT_TRUE(viewSettings(database->schema, 1).live_update);
+}
+
+TEST_F(ViewScreens, TheTwentyFirstIsRefusedAndADeletionAsks) {
+  for (int view = 1; view < kViewSlots; ++view) add("View " + std::to_string(view));
+  database->schema.current_view = 19;
+  editViews()
+      .look([](FakeDialog& dialog) { EXPECT_EQ(dialog.fake(kViewList).selectedRow(), 19); })
+      .look(
+          offers({u"Menu"}, {u"New", u"-Copy", u"Edit View", u"Fields Setup", u"Sort", u"Delete"}))
+      .choose({u"Menu", u"New"});
+  world.phone.says(u"Sorry, you have reached the maximum number of Views for this database.",
+                   u"New View");
+  views().choose({u"Menu", u"Delete"});
+  world.phone.asks(u"Do you want to delete the view \"View 19\"?", u"Delete?", MessageAnswer::kNo);
+  views().choose({u"Menu", u"Delete"});
+  world.phone.asks(u"Do you want to delete the view \"View 19\"?", u"Delete?", MessageAnswer::kYes);
+  views()
+      .look([](FakeDialog& dialog) {
+        EXPECT_EQ(dialog.fake(kViewList).rowCount(), 19);
+        EXPECT_EQ(dialog.fake(kViewList).selectedRow(), 18);
+      })
+      .press(Key::kBack);
+  list().look(lists("Name Kind [Ash]FernOakRue Default View"));  // none is current
+  list().press(Key::kUndo).look(lists("Name Kind [Ash]FernOakRue View 19"));
+  play();
+}
+
+TEST_F(ViewScreens, FieldsAreSetUpTogetherOrNotAtAll) {
+  const auto setUp = [this] { views().choose({u"Menu", u"Fields Setup"}); };
+  const auto drop = [this] {
+    fields()
+        .pick(kSetupInRecord, u"Not Visible")
+        .pick(kSetupField, u"Kind")
+        .pick(kSetupExport, u"Do Not Export")
+        .press(Key::kBack);
+  };
+  editViews();
+  setUp();
+  drop();
+  setUp();
+  fields().choose({u"OK"});  // as it was
+  views().look([this](FakeDialog&) { EXPECT_FALSE(isDirty(CurrentDatabase(*open_app))); });
+  setUp();
+  fields()
+      .look([](FakeDialog& dialog) {
+        EXPECT_EQ(dialog.fake(kSetupField).choices, (Texts{u"Name", u"Kind", u"Memo"}));
+        EXPECT_EQ(dialog.fake(kSetupWidth).text(), u"58");
+        EXPECT_EQ(dialog.fake(kSetupInRecord).selection(), 1);
+      })
+      .write(kSetupWidth, u"0")
+      .pick(kSetupField, u"Kind");
+  world.phone.says(u"A column is 1 to 32767 pixels wide.", u"Fields Setup");
+  fields()
+      .look([](FakeDialog& dialog) { EXPECT_EQ(dialog.fake(kSetupField).selection(), 0); })
+      .pick(kSetupInList, u"Not Visible")
+      .look([](FakeDialog& dialog) { EXPECT_FALSE(dialog.fake(kSetupWidth).takesFocus()); })
+      .pick(kSetupField, u"Memo")
+      .look([](FakeDialog& dialog) {  // no list has a text for a note
+        EXPECT_EQ(dialog.fake(kSetupInList).selection(), 0);
+        EXPECT_FALSE(dialog.fake(kSetupInList).takesFocus());
+      })
+      .pick(kSetupExport, u"Do Not Export")
+      .choose({u"Menu", u"Move Up"})
+      .look([](FakeDialog& dialog) {
+        EXPECT_EQ(dialog.fake(kSetupField).choices, (Texts{u"Name", u"Memo", u"Kind"}));
+        EXPECT_EQ(dialog.fake(kSetupPlace).text(), u"Field 2 of 3");
+      })
+      .pick(kSetupField, u"Kind")
+      .write(kSetupWidth, u"90")
+      .look(offers({u"Menu"}, {u"Move Up", u"-Move Down", u"Cancel"}))
+      .choose({u"OK"});
+  views().choose({u"Done"});
+  // The current view was none, so the list follows when it is chosen.
+  list().look(lists("Name Kind [Ash]FernOakRue Default View"));
+  choose(u"Default View").look(lists("Kind [tree]shadetreeherb Default View"));
+  play();
+  const DatabaseRecord& schema = database->schema;
+  EXPECT_THAT(viewFields(schema, 0), ElementsAre(0, 2, 1));
+  EXPECT_EQ(schema.fields[1].column_width, 90);
+  EXPECT_EQ(viewFieldSettings(schema, 0, 0).column_width, 58);  // for when it shows again
+  EXPECT_TRUE(viewFieldSettings(schema, 0, 0).in_record_view);
+  EXPECT_FALSE(viewFieldSettings(schema, 0, 2).exported);
+  EXPECT_EQ(schema.views[0].entries[2].column_width, 58);
+}
+
+TEST_F(ViewScreens, TheCurrentViewFollowsWhatItsEditorChanged) {
+  addTrees();
+  database->schema.views[1].sort[0] = {0, 1};
+  chooseView(*database, 1);
+  editViews().choose({u"Menu", u"Fields Setup"});
+  fields().pick(kSetupField, u"Kind").pick(kSetupInList, u"Visible").choose({u"Menu", u"Move Up"});
+  fields().choose({u"OK"});
+  views().choose({u"Menu", u"Sort"});
+  world.phone.at(kSortScreen).pick(SortWayChoice(0), u"Reverse").choose({u"OK"});
+  views().press(Key::kBack);
+  list()
+      .look(lists("Kind Name tree[tree] Trees"))
+      .choose({u"Menu", u"Undo Sort"})  // with what followed from both, which is done in the end
+      .look(lists("Name [Ash]Oak Trees"))
+      .press(Key::kUndo);
+  editViews().press(Key::kBack);  // looked at alone
+  list().look([](FakeDialog& dialog) {
+    EXPECT_THAT(dialog.menuTexts({u"Menu"}), testing::Contains(u"Redo Setup of fields"));
+  });
+  play();
+}
+
+TEST_F(ViewScreens, AnotherDatabaseOpensInPlaceOfThisOne) {
+  world.add("Tools", {{"Tool"}}, {{"Hoe"}, {"Rake"}});
+  add("Shed");
+  add("Nowhere");
+  EXPECT_EQ(storeViewSettings(*database, 2, {"Nowhere", true, "Gone", false}), "");
+  choose(u"Nowhere").look(lists("Name Kind [Ash]FernOakRue Default View"));
+  editViews().row(kViewList, 1).press(Key::kEnter);
+  view()
+      .pick(kViewAction, u"Switch DB")
+      .look([](FakeDialog& dialog) {
+        EXPECT_EQ(dialog.fake(kViewTarget).choices, (Texts{u"Plants", u"Tools"}));
+      })
+      .pick(kViewTarget, u"Tools")
+      .choose({u"OK"});
+  views()
+      .look([](FakeDialog& dialog) {
+        EXPECT_EQ(dialog.handler.rowText(dialog, kViewList, 1), u"Shed (Switch DB: Tools)");
+      })
+      .row(kViewList, 2)
+      .press(Key::kEnter);
+  view()
+      .look([](FakeDialog& dialog) {  // what is stored stays, though it is gone
+        EXPECT_EQ(dialog.fake(kViewTarget).choices.back(), u"Gone");
+        EXPECT_EQ(dialog.fake(kViewTarget).selection(), 2);
+      })
+      .choose({u"OK"});
+  views().press(Key::kBack);
+  list().choose({u"Menu", u"Views", u"Shed"}).look(lists("Tool [Hoe]Rake Default View"));
+  list().look([](FakeDialog& dialog) { EXPECT_EQ(dialog.fake(kNameLabel).text(), u"Tools"); });
+  play();
+  EXPECT_EQ(viewSettings(database->schema, 1).target, "Tools");  // saved on the way
+  EXPECT_TRUE(world.files.lock("/documents/Tabelion/Plants.PDB", "test").ok());
+}
+
+TEST_F(ViewScreens, ANameThatNobodyCanMendIsToldLater) {
+  addTrees();
+  world.set("AutoCloseOption", "1");
+  Application app(world.platform);
+  const std::string path = world.store(*database);
+  app.preferences.auto_close_enabled = true;
+  app.preferences.auto_close_period_ms = 1000;
+  editViews().row(kViewList, 1).press(Key::kEnter);
+  view()
+      .pick(kViewLiveUpdate, u"Live Update")
+      .write(kViewName, u"Default View")
+      .fire(kAutoCloseTimer);
+  world.phone.play([&] { EXPECT_EQ(ShowRecordList(app, path), kDialogAutoClosed); });
+  EXPECT_EQ(app.not_stored, Texts{u"Message: Default View"});
+  database = world.read(path);
+  EXPECT_TRUE(viewSettings(database->schema, 1).live_update);
+  EXPECT_EQ(viewName(database->schema, 1), "Trees");
+}
+
+}  // namespace
+}  // namespace tabelion
