@@ -29,6 +29,7 @@ constexpr Char lowerCase(Char c) {
   return c >= Char{'A'} && c <= Char{'Z'} ? static_cast<Char>(c - Char{'A'} + Char{'a'}) : c;
 }
 
+// Only A to Z change; the text keeps its length.
 template <class Char>
 std::basic_string<Char> lowerCaseText(std::basic_string<Char> text) {
   std::transform(text.begin(), text.end(), text.begin(), lowerCase<Char>);
@@ -38,7 +39,7 @@ inline std::string lowerCaseText(std::string_view text) {
   return lowerCaseText(std::string(text));
 }
 
-// Without the blanks around it.
+// Without the blanks around it: a part of the same text, so it lives as long as that.
 inline std::string_view withoutBlanks(std::string_view text) {
   while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
   while (!text.empty() && isBlank(text.back())) text.remove_suffix(1);

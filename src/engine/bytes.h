@@ -61,6 +61,7 @@ class ByteReader {
  public:
   explicit ByteReader(ByteView bytes) : bytes_(bytes) {}
 
+  // False once a read asked for more than there was.
   bool ok() const { return ok_; }
   // How far it has come, in bytes from the front; after a failed read, the end.
   std::size_t position() const { return position_; }
@@ -133,6 +134,7 @@ class ByteWriter {
   Bytes& into_;
 };
 
+// The same bytes under the other name, nothing copied: they lie with whoever owns the argument.
 inline ByteView asBytes(std::string_view text) {
   return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
 }
@@ -150,6 +152,7 @@ inline std::string_view textUntilNul(ByteView bytes) {
 template <std::size_t N>
 using TextArea = std::array<std::uint8_t, N>;
 
+// The text of an area, 8-bit in the database's code page, without what lies behind its NUL.
 inline std::string areaText(ByteView area) {
   return std::string(textUntilNul(area));
 }

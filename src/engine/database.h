@@ -37,15 +37,19 @@ struct RefreshSteps {
 };
 
 // What the engine needs from outside, and what it keeps for the whole process.
+// The references outlive it.
 struct Engine {
   Files& files;
   Clock& clock;
   RandomSource random;
+  // Sentences for the user as they come up, ASCII but for the paths in them.
   std::function<void(const std::string&)> message = [](const std::string&) {};
   RefreshSteps steps = {};
   FileHeader last_probed_header = {};
 };
 
+// Large (the schema alone is some 40 kB), so it lives on the heap and is never copied. One thread
+// uses it at a time.
 struct Database {
   // The schema part; while the row-header column is on, consumers are given its shadow copy.
   DatabaseRecord schema;
@@ -62,7 +66,7 @@ struct Database {
   Bytes surplus;
 
   // Run-time state.
-  bool needs_refresh = false;
+  bool needs_refresh = false;         // the list of records shown is out of date
   std::bitset<kFieldSlots> selected;  // per slot: changed since last asked
   bool row_header = false;
   std::unique_ptr<DatabaseRecord> shadow;  // allocated once, kept
@@ -72,6 +76,8 @@ struct Database {
   std::uint64_t times_marked_dirty = 0;  // so that nobody's change goes by another unseen
 };
 
+// Whether the file lacks anything of what is in memory. appendRecord marks that; code that changes
+// members itself has to.
 inline bool isDirty(const Database& database) {
   return database.dirty;
 }
@@ -102,17 +108,20 @@ Status trySaveDatabase(Database& database, Engine& engine);
 // current one at the last save stays it, wherever it stands now. Item 24 is 0 when it was deleted.
 void nameCurrentRecord(Database& database);
 
+// Take parts out of a database that is being discarded: nothing is marked dirty, and views of
+// records that others hold are void.
 void freeRecords(Database& database);
 void freeFieldItems(Database& database, int slot);
 void closeDatabase(Database& database);  // frees records and items
 
+// 1 when the file can be read, 0 when not, for whatever reason.
 int fileExists(Files& files, const std::string& path);
 
 // The file as a save writes it: `head` owns everything before the data records, `pieces` are the
 // runs of bytes in order (head, data records, surplus) and point into `head` and the database.
 struct FileLayout {
   Bytes head;
-  std::vector<BytePiece> pieces;
+  std::vector<BytePiece> pieces;  // good until the database changes
 };
 // Computes the layout and sets offsets, record count and, in a changed database, the dirty bit of
 // the database record. False when the file would pass the 4 GiB that record offsets can express.

@@ -32,6 +32,9 @@ static_assert(2 + 2 + 40 + 40 + 4 + 4 + 1 + 1 == kFilterBlockSize);
 static_assert(32 + 1 + 1 + 32 + 100 + 4 + 400 + 6 * kFilterBlockSize + 2 + 3 * kSortKeySize ==
               kViewSize);
 
+// One of the 100 slots. Every slot has one, also an unused one, and keeps it when its type changes.
+// Bytes without a name of their own hold settings by type (schema_places.h) or nothing known; all
+// are written back as they were read.
 struct FieldDefinition {
   FieldType type = FieldType::kUnused;  // 16-bit in the file, as is width
   std::int32_t width = 40;              // longest text of a text type; size of an external field
@@ -51,10 +54,12 @@ struct FieldDefinition {
   std::array<std::uint8_t, 30> area_i{};
 };
 
-// One filter criterion; its meaning is the filter's.
+// One filter criterion. What values and numbers mean depends on the type of the field; they are
+// read by query/filter_criterion.h. A slot from 100 on, which a damaged file can name, no record
+// has.
 struct FilterBlock {
-  std::uint16_t enabled = 0;
-  std::uint16_t field = 0;
+  std::uint16_t enabled = 0;  // not 0: takes part
+  std::uint16_t field = 0;    // slot
   std::array<std::uint8_t, 40> value1{};
   std::array<std::uint8_t, 40> value2{};
   std::uint32_t number1 = 0;
@@ -64,12 +69,14 @@ struct FilterBlock {
   bool operator==(const FilterBlock&) const = default;
 };
 
+// A level of a sort; the first one without a field ends it.
 struct SortKey {
   std::uint8_t field = kNoField;
   std::uint8_t order = 1;  // 1 forward, 0 reverse
   bool operator==(const SortKey&) const = default;
 };
 
+// What a view says of a field: as the field definition's members of these names.
 struct ViewEntry {
   std::int32_t column_width = 0;  // signed 16-bit in the file
   std::uint8_t export_flag = 0;
@@ -77,23 +84,26 @@ struct ViewEntry {
   bool operator==(const ViewEntry&) const = default;
 };
 
+// What choosing a view does: shows the records as it says, or opens the database that it names.
 inline constexpr std::uint8_t kAdjustView = 0;
 inline constexpr std::uint8_t kSwitchDatabase = 1;
 
 struct View {
   TextArea<32> name{};
-  std::uint8_t live_update = 0;
+  std::uint8_t live_update = 0;           // 1: what is set while it is shown is stored in it
   std::uint8_t action = kSwitchDatabase;  // unused slots keep 1; made views start with 0
-  TextArea<32> target{};
-  std::array<std::uint8_t, kFieldSlots> field_order{};
+  TextArea<32> target{};                  // name of the other database, without folder
+  std::array<std::uint8_t, kFieldSlots> field_order{};  // the slot shown at each place
   std::uint32_t item6 = 0;
-  std::array<ViewEntry, kFieldSlots> entries{};
+  std::array<ViewEntry, kFieldSlots> entries{};  // by slot
   std::array<FilterBlock, 6> filters{};
   std::uint16_t item9 = 0;
   std::array<SortKey, 3> sort{};
   bool operator==(const View&) const = default;
 };
 
+// The members are the items in file order. Nothing keeps them consistent: orders may name a slot
+// twice, counts may pass their limits in a damaged file, and whoever uses one has to check it.
 struct DatabaseRecord {
   HeadBlock head{};                                       // 1
   TextArea<5> marker{'T', 'b', 'l', 'n', 'B'};            // 2
@@ -153,7 +163,7 @@ struct DatabaseRecord {
 };
 
 // The defaults of a new database: 100 unused slots named "Field 1" to "Field 100", view slots
-// that show them in order.
+// that show them in order. What the record held before is gone, its surplus too.
 void initSchema(DatabaseRecord& schema);
 
 // Puts the record's bytes into the buffer: exactly kDatabaseRecordSize and the surplus.
@@ -162,7 +172,7 @@ void writeDatabaseRecord(const DatabaseRecord& schema, RecordIO& to);
 [[nodiscard]] bool readDatabaseRecord(ByteView record, DatabaseRecord& schema);
 
 // For people and tools: the parts of the record in file order; a part without a known meaning has
-// an empty name.
+// an empty name. Together they are the whole kDatabaseRecordSize bytes, without gaps.
 struct DatabaseRecordPart {
   int item = 0;
   std::string_view name;

@@ -13,6 +13,7 @@
 
 namespace tabelion {
 
+// Nothing here reads what an entry means: it is kept as it stands.
 using ExtensionEntry = std::array<std::uint8_t, 16>;
 
 struct ExtensionRecord {
@@ -31,6 +32,7 @@ struct ExtensionRecord {
 
 // In bytes, as written: 28 and 16 for each entry, and the surplus.
 std::size_t extensionRecordLength(const ExtensionRecord& extension);
+// Puts the record's bytes into the buffer; endRecord is the caller's.
 void writeExtensionRecord(const ExtensionRecord& extension, RecordIO& to);
 // False when the entry count does not fit the bytes; `extension` then has what came before the
 // entries. A record of another type byte is true: its bytes are in `ignored`.

@@ -32,9 +32,10 @@ using ItemKey = std::array<std::uint8_t, kItemKeySize>;
 using Range = std::array<std::uint8_t, kRangeSize>;
 
 struct PopupItem {
-  ItemKey key{};     // its text offset is computed when written
+  ItemKey key{};     // its text offset is computed when written; other records find it by the rest
   std::string text;  // 8-bit; empty = absent, an empty text is never stored
 
+  // How deep it stands in the tree of items: 0 for the outermost.
   int level() const { return key[kItemLevelOffset]; }
   ByteView valueKey() const { return ByteView(key).first(kPopupKeySize); }
 };
@@ -60,8 +61,11 @@ struct FieldRecord {
   std::uint32_t offset = 0;  // in the file, computed at the last save
 };
 
-// 31 + 20 × k + 16 × m + the texts present with their NULs (+ the surplus).
+// In bytes, as written: 31 + 20 × k + 16 × m + the texts present with their NULs (+ the surplus);
+// of a record that was not read what it has in the file.
 std::size_t fieldRecordLength(const FieldRecord& field);
+// Puts the record's bytes into the buffer. One of more than 65535, which text offsets could not
+// express either, is refused by RecordIO::endRecord.
 void writeFieldRecord(const FieldRecord& field, RecordIO& to);
 
 inline constexpr int kFieldRecordRead = 0;
@@ -70,7 +74,8 @@ inline constexpr int kFieldRecordDamaged = -2;  // counts or offsets that the by
 // One of the results above. Attributes, unique ID and offset are not touched.
 [[nodiscard]] int readFieldRecord(ByteView record, FieldRecord& field);
 
-// The item whose value key equals the first 14 bytes of `value`; none gives nullptr.
+// The item whose value key equals the first 14 bytes of `value`, what is missing of them taken as
+// zeros; none gives nullptr. It lies in `field`. Of several with one key it is the first.
 const PopupItem* findItem(const FieldRecord& field, ByteView value);
 
 }  // namespace tabelion

@@ -33,9 +33,10 @@ inline constexpr std::uint8_t kAttributeDirty = 0x40;  // of a record-list entry
 // The creation date that every new database gets and most keep: for people it is none.
 inline constexpr std::uint32_t kNoCreationDate = 893970430;
 
-// Multi-byte numbers are big-endian in the file; dates are seconds since 1904-01-01.
+// Multi-byte numbers are big-endian in the file; dates are seconds since 1904-01-01, in 32 bits,
+// which last until 2040.
 struct FileHeader {
-  TextArea<kNameSize> name{};
+  TextArea<kNameSize> name{};  // 8-bit, in the database's code page
   std::uint16_t attributes = 8;
   std::uint16_t version = 0;
   // Placeholders of a new database, on purpose not the clock.
@@ -43,7 +44,7 @@ struct FileHeader {
   std::uint32_t modification_date = 893970435;
   std::uint32_t backup_date = 0;
   std::uint32_t modification_number = 86;
-  std::uint32_t info_offset = 0;
+  std::uint32_t info_offset = 0;  // of the info block; computed when the file is laid out
   std::uint32_t sort_info_offset = 0;
   std::uint32_t type = kCreator;
   std::uint32_t creator = kCreator;
@@ -57,15 +58,17 @@ inline constexpr int kProbeAccepted = 1;
 inline constexpr int kProbeCannotOpen = 0;
 inline constexpr int kProbeWrongCreator = -1;
 
-// Fill every field, whatever the result; bytes past the end of a short file read as 0xFF. A
-// creation date later than the modification date is lowered to it. `last_probed` receives a copy:
-// the program keeps the header that it probed last (Engine::last_probed_header).
+// Read the first 78 bytes of a file, and no more; one of the results above. They fill every field
+// but where nothing could be read, which leaves `header` and `last_probed` as they were. A creation
+// date later than the modification date is lowered to it. `last_probed` receives a copy: the
+// program keeps the header that it probed last (Engine::last_probed_header).
 int readHeader(Files& files, const std::string& path, FileHeader& header, FileHeader& last_probed);
 int readLegacyHeader(Files& files, const std::string& path, FileHeader& header,
                      FileHeader& last_probed);
 int readFormHeader(Files& files, const std::string& path, FileHeader& header);
 
-// The header in the first bytes of a file.
+// The header in the first bytes of a file; those that are missing read as 0xFF. Says nothing about
+// whether it is one of ours.
 FileHeader parseHeader(ByteView start);
 
 // Appends the 78 bytes; lowers a late creation date in `header` too. Returns 1.

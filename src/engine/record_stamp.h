@@ -20,6 +20,7 @@
 namespace tabelion {
 
 using HeadBlock = std::array<std::uint8_t, 22>;
+// Numbers of which only low bits are used; need not be secret ones.
 using RandomSource = std::function<std::uint32_t()>;
 
 inline constexpr std::size_t kStampFlagOffset = 11;
@@ -31,8 +32,10 @@ inline constexpr std::uint8_t kRecordEncrypted = 0x20;    // flagged fields are 
 inline constexpr std::uint8_t kClearByDatabase = 0x01;    // deciphered with the whole database
 inline constexpr std::uint8_t kDatabaseEncrypted = 0x10;  // the database record's block alone
 
+// A new stamp: created and modified at `local`, no flag set. Takes two numbers from `random`.
 HeadBlock makeStamp(const CalendarTime& local, std::uint16_t serial, const RandomSource& random);
 
+// Minutes as in the stamp, for stampTime.
 inline std::uint32_t stampCreated(const HeadBlock& stamp) {
   return loadLe24(&stamp[8]);
 }

@@ -30,9 +30,12 @@ inline constexpr int kMaxFormulaTokens = 11;
 inline constexpr std::size_t kFormulaConstantsSize = 30;
 inline constexpr std::size_t kResultKindOffset = 19;  // in area F
 
+// 8-bit, in the database's code page. False, and nothing changed, for a name of more than 19 bytes
+// or with a NUL in it; that it is the only one of its kind is nobody's concern here.
 std::string fieldName(const FieldDefinition& field);
 bool setFieldName(FieldDefinition& field, std::string_view name);
 
+// Digits behind the point. A file may hold any byte, so 0 to 255.
 int fieldDecimals(const FieldDefinition& field);
 void setFieldDecimals(FieldDefinition& field, int decimals);
 
@@ -46,6 +49,8 @@ struct LinkSettings {
   std::uint8_t kind = 0;   // handed on to the opened level
   bool operator==(const LinkSettings&) const = default;
 };
+// The settings are those of the field's type: asking a field of another type gives what its bytes
+// happen to say, and setting them overwrites its own. This holds for all below.
 LinkSettings linkSettings(const FieldDefinition& field);
 bool setLinkSettings(FieldDefinition& field, const LinkSettings& link);  // false: name too long
 
@@ -63,6 +68,8 @@ struct PluginSettings {
   std::string parameter;  // at most 19 characters
   bool operator==(const PluginSettings&) const = default;
 };
+// False where a text is too long or holds a NUL; both texts are then as they were or partly set,
+// and the definition is to be thrown away.
 PluginSettings pluginSettings(const FieldDefinition& field);
 bool setPluginSettings(FieldDefinition& field, const PluginSettings& plugin);
 
@@ -89,7 +96,8 @@ FieldType effectiveType(const FieldDefinition& field);
 enum class ResultMeaning { kNumber, kWholeNumber, kDuration, kDate, kUnknown };
 ResultMeaning resultMeaning(const FieldDefinition& field);
 
-// The size of the value area of a field of this definition (records unpacked).
+// The size of the value area of a field of this definition (records unpacked), in bytes: at most
+// 65536, since a width has 16 bits; 0 for what has no value.
 std::size_t fieldValueSize(const FieldDefinition& field);
 
 }  // namespace tabelion

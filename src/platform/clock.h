@@ -19,6 +19,8 @@ struct CalendarTime {
 class Clock {
  public:
   virtual ~Clock() = default;
+  // Now, to the second, by Greenwich's calendar and by the one on the user's wall. Two calls may
+  // lie on either side of midnight: who needs both parts of a moment asks once.
   virtual CalendarTime utc() = 0;
   virtual CalendarTime local() = 0;
   // A moment in seconds since 1970-01-01 UTC, as the local calendar shows it.

@@ -77,6 +77,7 @@ struct DialogTemplate {
   MenuBar menu_bar{};
 };
 
+// A control of a dialog that runs; it lives until its dialog ends or removes it.
 class Control {
  public:
   virtual ~Control() = default;
@@ -189,6 +190,7 @@ class DialogHandler {
   virtual void onCanvasPressed(Dialog&, ControlId, Point) {}
 };
 
+// The dialog that runs, as its handler is given it; not to be kept beyond the call that ends it.
 class Dialog {
  public:
   virtual ~Dialog() = default;

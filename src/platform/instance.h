@@ -29,6 +29,8 @@ class Instance {
   using Receiver = std::function<void(const StartRequest&)>;
 
   virtual ~Instance() = default;
+  // Once, before anything else is done with it. Waits for the other copy's answer for ten seconds
+  // at most.
   virtual Outcome start(const StartRequest& request) = 0;
   // From now on every request is given to `receiver`, on the user-interface thread and in the event
   // loop of whatever screen is on top; those that came before wait. A sender is answered when its

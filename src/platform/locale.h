@@ -21,6 +21,7 @@ struct LocaleInfo {
 class Locale {
  public:
   virtual ~Locale() = default;
+  // As the system says it now.
   virtual LocaleInfo info() = 0;
 };
 
