@@ -65,7 +65,7 @@ void AutoCloseTest::whatIsOnTheScreenIsStoredAndEverythingCloses() {
   QVERIFY(!IsDatabaseOpen(app));
   const auto stored = world.read(path);
   QCOMPARE(stored->records.count(), 1U);
-  QCOMPARE(world.cell(path, 0, 0), std::string("TuesMonday"));
+  QCOMPARE(world.cell(path, 0, 0), std::string("MondayTues"));
   const auto note = slotValue(stored->records[0].bytes(), 1);
   QCOMPARE(std::string(storedText(*note)), std::string(top == kNoteScreen ? "It rai" : ""));
 }
