@@ -1,5 +1,6 @@
 #include "query/find.h"
 
+#include <algorithm>
 #include <memory>
 #include <optional>
 
@@ -119,11 +120,12 @@ RecordFinder::RecordFinder(const Database& database, const SearchSettings& searc
 
 RecordFinder::~RecordFinder() = default;
 
-FoundField RecordFinder::find(std::uint32_t start, int start_slot) const {
+FoundField RecordFinder::find(std::uint32_t start, int start_slot, std::uint32_t end) const {
   const RecordStore& records = prepared_->database.records;
   if (!prepared_->fields.canMatch()) return {};
   int from = prepared_->field < 0 ? start_slot : 0;
-  for (std::uint32_t position = start; position < records.count(); ++position) {
+  end = std::min(end, records.count());
+  for (std::uint32_t position = start; position < end; ++position) {
     records.fetchAhead(position, kMaxRecordSize);
     const ByteView record = records[position].bytes();
     if (prepared_->filter.passes(record)) {

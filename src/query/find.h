@@ -49,9 +49,10 @@ class RecordFinder {
   RecordFinder(const RecordFinder&) = delete;
   RecordFinder& operator=(const RecordFinder&) = delete;
 
-  // From record `start` on, in record order and without wrapping around; with all fields, the first
-  // record is searched from `start_slot` on, every later one from slot 0.
-  FoundField find(std::uint32_t start, int start_slot = 0) const;
+  // From record `start` on up to the one before `end`, in record order and without wrapping around;
+  // with all fields, the first record is searched from `start_slot` on, every later one from slot
+  // 0.
+  FoundField find(std::uint32_t start, int start_slot = 0, std::uint32_t end = kNoPosition) const;
 
  private:
   struct Prepared;

@@ -1,7 +1,10 @@
 #include "screens/arrange/find_records.h"
 
+#include <algorithm>
+
 #include "query/find.h"
 #include "screens/arrange/search_database.h"
+#include "screens/kit/long_work.h"
 #include "services/message.h"
 #include "services/modal.h"
 #include "services/screen_text.h"
@@ -9,14 +12,22 @@
 namespace tabelion {
 namespace {
 
+constexpr std::uint32_t kRecordsAtOnce = 1024;
+
 int findFromRecord(Application& app, std::uint32_t start) {
   const Database& database = CurrentDatabase(app);
+  const QuerySettings settings = QuerySettingsOf(app, database);
+  const RecordFinder finder(database, searchSettings(database.schema), settings);
+  const std::uint32_t count = database.records.count();
   FoundField found;
-  {
-    WaitCursor waiting(app);
-    found = findFrom(database, searchSettings(database.schema), start, 0,
-                     QuerySettingsOf(app, database));
-  }
+  LongWork work{.title = u"Searching", .total = static_cast<int>(count - std::min(start, count))};
+  work.part = [&](int done) {
+    const std::uint32_t from = start + static_cast<std::uint32_t>(done);
+    found = finder.find(from, 0, from + kRecordsAtOnce);
+    if (found.position != kNoPosition) return work.total;
+    return std::min(done + static_cast<int>(kRecordsAtOnce), work.total);
+  };
+  if (!DoLongWork(app, work)) return -1;
   if (found.position == kNoPosition) {
     ShowMessage(app, FromUtf8(kNotFoundText), u"Find", MessageIcon::kInformation);
     return -1;

@@ -23,6 +23,7 @@ inline constexpr int kCopyQuestionScreen = 170;
 inline constexpr int kChangedFileScreen = 171;
 inline constexpr int kSaveQuestionScreen = 172;
 inline constexpr int kFailedSaveScreen = 173;
+inline constexpr int kLongWorkScreen = 174;
 inline constexpr int kPickDateScreen = 180;
 inline constexpr int kPickTimeScreen = 181;
 inline constexpr int kSortScreen = 190;
