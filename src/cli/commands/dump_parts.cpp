@@ -68,12 +68,6 @@ bool operator==(const FieldDefinition& a, const FieldDefinition& b) {
          a.byte_h == b.byte_h && a.name == b.name && a.area_i == b.area_i;
 }
 
-bool operator==(const View& a, const View& b) {
-  return a.name == b.name && a.live_update == b.live_update && a.action == b.action &&
-         a.target == b.target && a.field_order == b.field_order && a.item6 == b.item6 &&
-         a.entries == b.entries && a.filters == b.filters && a.item9 == b.item9 && a.sort == b.sort;
-}
-
 Json viewJson(const View& view, std::size_t index, const DatabaseRecord& schema,
               const TextEncoding& encoding) {
   Json json{{"view", index}, {"name", encoding.toUtf8(areaText(view.name))}};
