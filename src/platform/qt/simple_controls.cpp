@@ -15,6 +15,8 @@ namespace tabelion {
 
 namespace {
 
+constexpr double kDisabledOpacity = 0.45;
+
 class LabelWidget final : public QLabel {
  public:
   LabelWidget(const Scale& scale, Qt::Alignment side, QWidget* parent)
@@ -94,7 +96,9 @@ class CheckWidget final : public QCheckBox {
     // Beside the only line of the text, or the first.
     const int top = wraps ? inset + (metrics.height() - side) / 2 : (height() - side) / 2;
     const QRect box(inset, top, side, side);
+    if (!isEnabled()) painter.setOpacity(kDisabledOpacity);
     paintPicture(painter, isChecked() ? Picture::kChecked : Picture::kUnchecked, QRectF(box));
+    painter.setOpacity(1);
     QRect label(box.right() + scale_.px(6), 0, 0, height());
     label.setRight(width() - scale_.px(3));
     painter.setPen(

@@ -17,12 +17,14 @@
 namespace tabelion {
 namespace {
 
+constexpr char16_t kEditTitle[] = u"Edit Record";
+constexpr char16_t kViewTitle[] = u"View Record";     // that may only be looked at
 constexpr char kWidthStepName[] = "Change of width";  // however many in a row are one step
 
 DialogTemplate editRecordTemplate() {
   DialogTemplate dialog;
   dialog.resource = kEditRecordScreen;
-  dialog.title = u"Edit Record";
+  dialog.title = kEditTitle;
   return dialog;
 }
 
@@ -71,7 +73,9 @@ void EditRecordScreen::LoadEditRecord(Dialog& dialog, std::uint32_t record) {
   Bytes packed;
   if (copy_ && !packRecord(*copy_, packed)) copy_.reset();
   if (app_.level().new_record) form_.Clear(dialog);  // begins at its first field
-  form_.Show(dialog, packed, copy_.has_value() && MayChange());
+  const bool may_change = MayChange();
+  dialog.setTitle(may_change ? kEditTitle : kViewTitle);
+  form_.Show(dialog, packed, copy_.has_value() && may_change);
 }
 
 void EditRecordScreen::Done(Dialog& dialog) {

@@ -443,6 +443,7 @@ TEST_F(EditRecord, RecordsThatMayOnlyBeLookedAtTakeNoInput) {
   open(0);
   form()
       .look([](FakeDialog& d) {
+        EXPECT_EQ(d.title, u"View Record");
         EXPECT_TRUE(d.fake(FormValue(kName)).hasFocus());  // so that keys walk through the record
         EXPECT_TRUE(d.fake(FormValue(kPrice)).face.read_only);
         EXPECT_FALSE(d.fake(FormValue(kPaid)).face.enabled);
@@ -453,7 +454,10 @@ TEST_F(EditRecord, RecordsThatMayOnlyBeLookedAtTakeNoInput) {
   world.phone.at(kNoteScreen).type(u"x").choose({u"Done"});
   form().choose({u"Done"});
   list().choose({u"New Record"});  // adding is another right
-  form().type(u"New").choose({u"Done"});
+  form()
+      .look([](FakeDialog& d) { EXPECT_EQ(d.title, u"Edit Record"); })
+      .type(u"New")
+      .choose({u"Done"});
   close();
   play();
   EXPECT_EQ(changedSlots(0), std::vector<int>{});
