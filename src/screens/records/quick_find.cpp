@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "engine/ascii.h"
+#include "engine/packed_record.h"
 #include "query/field_text.h"
 #include "query/list_columns.h"
 #include "query/text_case.h"
@@ -28,10 +29,18 @@ std::optional<int> FindListRow(Application& app, const std::u16string& typed) {
   Result<std::string> wanted = StoredText(app, typed);
   if (slot < 0 || !wanted.ok() || wanted->empty()) return std::nullopt;
   const std::string word = lowerCaseText(*wanted);
+  const FieldDefinition& field = database.schema.fields[static_cast<std::size_t>(slot)];
+  const FieldRecord& items = database.fields[static_cast<std::size_t>(slot)];
+  std::string text;
+  ByteView before;  // in their order, records of the same value mostly follow each other
   for (std::size_t row = 0; row < database.record_index.size(); ++row) {
     const ByteView record = database.records[database.record_index[row]].bytes();
-    const FieldText text = fieldText(database, record, slot, app.level().formats);
-    if (startsWithAnyCase(text.text, word)) return static_cast<int>(row);
+    const auto value = slotValue(record, slot);
+    if (!value || isMasked(field, record) || std::ranges::equal(*value, before)) continue;
+    before = *value;
+    text.clear();
+    appendValueText(text, field, items, *value, app.level().formats);
+    if (startsWithAnyCase(text, word)) return static_cast<int>(row);
   }
   return std::nullopt;
 }

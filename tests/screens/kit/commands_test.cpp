@@ -74,11 +74,15 @@ TEST(Commands, MenusAndDispatchFollowTheTableAsItIsNow) {
 
 // Whatever is chosen, with nothing confirmed no record changes.
 TEST(Commands, EveryEntryComesBackAndChangesNothingByItself) {
+  std::vector<TestField> fields{{"Name"}};
+  for (int code = 1; code <= codeOf(kLastFieldType); ++code) {
+    fields.push_back({"Of type " + std::to_string(code), FieldType{code}});
+  }
   for (const TestRows& rows : {TestRows{}, TestRows{{"Berlin"}, {"Rome"}}}) {
     PhoneWorld world;
     Application app(world.platform);
     app.preferences.auto_save_on_close = true;  // Back keeps a database with changes open
-    const std::string path = world.add("Towns", {{"Name"}, {"Text", FieldType::kNote}}, rows);
+    const std::string path = world.add("Towns", fields, rows);
     const auto show_list = [&] { ShowRecordList(app, path); };
     const auto unchanged = [&](const MenuPath& entry) {
       EXPECT_EQ(world.read(path)->records.count(), rows.size()) << narrow(entry.back());

@@ -173,6 +173,25 @@ TEST(RecordList, QuickFindSelectsTheFirstThatBeginsSo) {
   world.phone.play([&] { ShowRecordList(app, path); });
 }
 
+TEST(RecordList, QuickFindPassesByWhatIsEnciphered) {
+  PhoneWorld world;
+  const auto database = world.make("Towns", {{"Name"}}, {{"Alba"}, {"Xanten"}});
+  database->schema.fields[0].encrypt_flag = 1;
+  database->schema.encryption_mode = kEncryptRecordsByHand;
+  UnpackedRecord record = unpackRecord(database->records[0].bytes());
+  record.prefix[1 + kStampFlagOffset] |= kRecordEncrypted;  // it shows "XXXX"
+  Bytes packed;
+  ASSERT_TRUE(packRecord(record, packed));
+  ASSERT_TRUE(database->records.replace(0, packed));
+  const std::string path = world.store(*database);
+  Application app(world.platform);
+  world.phone.at(kRecordListScreen)
+      .type(u"x")
+      .look([](FakeDialog& dialog) { EXPECT_EQ(dialog.fake(kRecordList).selectedRow(), 1); })
+      .choose({u"Menu", u"Close"});
+  world.phone.play([&] { ShowRecordList(app, path); });
+}
+
 TEST(RecordList, FirstRowOpensRecordZero) {
   PhoneWorld world;
   const std::string path = world.add("Books", {{"Title"}}, {{"a"}, {"b"}, {"c"}});
