@@ -26,11 +26,6 @@ std::int64_t secondsIn(const Area& area) {
   return area[0] + 60 * (area[1] + 60 * std::int64_t{area[2]});
 }
 
-TimeValue timeOfSeconds(std::int64_t seconds) {
-  return {static_cast<std::uint8_t>(seconds % 60), static_cast<std::uint8_t>(seconds / 60 % 60),
-          static_cast<std::uint8_t>(seconds / 3600), 0};
-}
-
 void storeSeconds(std::int64_t seconds, Area& area) {
   const TimeValue time = timeOfSeconds(seconds);
   area = {time.second, time.minute, time.hour};
@@ -52,8 +47,9 @@ std::optional<std::int64_t> daysOfText(std::string_view text, const FormatSettin
 
 std::optional<std::int64_t> secondsOfText(std::string_view text, const FormatSettings& formats) {
   if (compareAnyCase(text, kNoTimeText) == 0) return kNoTimeSeconds;
-  if (!isDigits(text.substr(0, 1), 1) || !isExactTime(text, formats)) return std::nullopt;
-  const TypedTime time = timeOfText(text, formats);
+  if (!isDigits(text.substr(0, 1), 1)) return std::nullopt;
+  const TypedTime time = understoodTimeOfText(text, formats);
+  if (time.result != kParseAccepted) return std::nullopt;
   return (time.hour * 60 + time.minute) * 60 + (time.second < 0 ? 0 : time.second);
 }
 
@@ -93,6 +89,11 @@ CriterionKind kindOfResult(const FieldDefinition& field) {
 }
 
 }  // namespace
+
+TimeValue timeOfSeconds(std::int64_t seconds) {
+  return {static_cast<std::uint8_t>(seconds % 60), static_cast<std::uint8_t>(seconds / 60 % 60),
+          static_cast<std::uint8_t>(seconds / 3600), 0};
+}
 
 CriterionKind criterionKind(const FieldDefinition& field) {
   const FieldTypeTraits& traits = traitsOf(field.type);

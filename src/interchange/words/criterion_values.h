@@ -8,6 +8,7 @@
 
 #include "engine/database_record.h"
 #include "query/format_settings.h"
+#include "query/time_text.h"
 
 namespace tabelion {
 
@@ -40,6 +41,9 @@ struct WholeRange {
   std::int64_t high = 0;
   bool operator==(const WholeRange&) const = default;
 };
+// A time of day as a criterion counts it.
+TimeValue timeOfSeconds(std::int64_t seconds);
+
 // The values that a range without an end on one side holds. Days start with the first date, so that
 // what has none is not "before" one.
 WholeRange allValues(CriterionKind kind);
@@ -48,8 +52,8 @@ void storeRange(CriterionKind kind, const WholeRange& range, FilterBlock& criter
 
 // A whole number as people write it in a field of this kind: 12, 2024-05-17, 17:05 or 17:05:09,
 // 100:00:00. Dates and times are in the form that these settings read (isoSettings() at the command
-// line, the user's on screens); no date and no time are "NO DATE" and "No Time". Only a text that
-// is a value just as it stands is read.
+// line, the user's on screens), and read as a form understands them, but with a year of four digits
+// where it stands first; no date and no time are "NO DATE" and "No Time".
 std::string wholeText(CriterionKind kind, std::int64_t value, const FormatSettings& formats);
 std::optional<std::int64_t> wholeOfText(CriterionKind kind, std::string_view text,
                                         const FormatSettings& formats);

@@ -219,7 +219,8 @@ TEST_F(FilterWords, BoxesHoldWhatWasTypedInTheUsersFormats) {
       {5, {"31/12/1999", "1/2/05"}, "between 31/12/1999 and 1/2/2005", {"31/12/1999", "1/2/2005"}},
       {5, {"", "12/31/1999"}, "2: \"12/31/1999\" is not a date such as 17/5/2024"},
       {6, {"8:15AM", "5:05:09pm"}, "between 8:15:00AM and 5:05:09PM", {"8:15:00AM", "5:05:09PM"}},
-      {6, {"17:05", ""}, "1: \"17:05\" is not a time such as 5:05:00PM"},
+      {6, {"17:05", ""}, ">= 5:05:00PM", {"5:05:00PM", ""}},
+      {6, {"25:00", ""}, "1: \"25:00\" is not a time such as 5:05:00PM"},
       {8, {"1:30:00", ""}, "between 1:30:00 and 254:59:59", {"1:30:00", ""}},
   };
   for (const auto& [slot, typed, words, shown] : cases) {
