@@ -11,6 +11,7 @@ namespace tabelion {
 
 // The codes are stored in files: never renumber. In the order of the "Date Range" list.
 inline constexpr int kCustomDateRange = 0;
+inline constexpr int kFirstDateRangeWithX = 16;  // last days, months, years, next ones likewise
 inline constexpr int kNoDateRange = 22;
 inline constexpr std::array<std::string_view, 23> kDateRangeNames = {"Custom Date Range",
                                                                      "This Year to Date",
@@ -56,7 +57,7 @@ int computeDateRange(int code, std::int32_t x, const CalendarTime& today, bool w
 
 // The code of a range whose name has an X in it.
 inline constexpr bool dateRangeHasX(int code) {
-  return code >= 16 && code <= 21;
+  return code >= kFirstDateRangeWithX && code < kNoDateRange;
 }
 
 }  // namespace tabelion

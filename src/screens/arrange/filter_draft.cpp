@@ -73,8 +73,8 @@ std::optional<DraftFault> storeValues(const CriterionContext& context, const Cri
   if (isNamedRange(kind, static_cast<std::uint32_t>(draft.range))) {
     return storeRange(draft, criterion);
   }
-  const auto fault = storeCriterionTexts(kind, context.encoding, draft.texts,
-                                         context.settings.formats, criterion);
+  const auto fault =
+      storeCriterionTexts(kind, context.encoding, draft.texts, context.settings.formats, criterion);
   if (!fault) return std::nullopt;
   return DraftFault{fault->in_second ? DraftFault::Box::kSecond : DraftFault::Box::kFirst,
                     fault->sentence};
@@ -145,8 +145,7 @@ std::string explanationOf(const CriterionContext& context, const CriterionDraft&
   if (kind == CriterionKind::kText && draft.texts.first.empty()) {
     return "Empty: the records without a text there.";
   }
-  if (!isNamedRange(kind, static_cast<std::uint32_t>(draft.range)) ||
-      draft.range == kNoDateRange) {
+  if (!isNamedRange(kind, static_cast<std::uint32_t>(draft.range)) || draft.range == kNoDateRange) {
     return {};
   }
   DateRange days;

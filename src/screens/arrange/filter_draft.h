@@ -19,11 +19,11 @@ struct CriterionDraft {
   bool negated = false;
   bool closes = false;
   int slot = 0;
-  CriterionTexts texts;         // UTF-8
-  PopupKey item{};              // of a pop-up field; zeros for "No Value"
-  std::uint32_t check = 1;      // what a check box must be
-  int range = 0;                // of dates (query/date_range.h)
-  std::string count;            // the X of such a range
+  CriterionTexts texts;     // UTF-8
+  PopupKey item{};          // of a pop-up field; zeros for "No Value"
+  std::uint32_t check = 1;  // what a check box must be
+  int range = 0;            // of dates (query/date_range.h)
+  std::string count;        // the X of such a range
   bool operator==(const CriterionDraft&) const = default;
 };
 

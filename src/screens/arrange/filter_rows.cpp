@@ -113,7 +113,9 @@ void FilterScreen::ShowParts(Dialog& dialog, int criterion) {
   show(Part::kFirstPick, on && has_bounds && isPicked(kind));
   show(Part::kSecondPick, on && has_bounds && isPicked(kind));
   At(dialog, criterion, Part::kFirstLabel)
-      .setText(is_text ? u"Must Contain" : isOfTime(kind) ? u"From" : u"Lower Limit");
+      .setText(is_text          ? u"Must Contain"
+               : isOfTime(kind) ? u"From"
+                                : u"Lower Limit");
   At(dialog, criterion, Part::kSecondLabel).setText(isOfTime(kind) ? u"To" : u"Upper Limit");
   show(Part::kValueLabel, on && (kind == CriterionKind::kItem || kind == CriterionKind::kCheckBox));
   show(Part::kCheck, on && kind == CriterionKind::kCheckBox);
@@ -137,9 +139,8 @@ void FilterScreen::AddRows(Dialog& dialog, int criterion, std::vector<LayoutRow>
     return;
   }
   if (criterion > 0) head.push_back(BoxCell(id(Part::kJoin), kJoinWidth));
-  for (const Part part : {Part::kOpens, Part::kNot, Part::kCloses}) {
-    head.push_back(CheckCell(id(part)));
-  }
+  head.push_back(CheckCell(id(Part::kOpens)));
+  for (const Part part : {Part::kNot, Part::kCloses}) head.push_back(Glued(CheckCell(id(part))));
   rows.push_back(SentenceRow(head));
   rows.push_back(LabeledRow(id(Part::kFieldLabel), {BoxCell(id(Part::kField))}));
   const CriterionDraft draft = Draft(dialog, criterion);
@@ -153,9 +154,8 @@ void FilterScreen::AddRows(Dialog& dialog, int criterion, std::vector<LayoutRow>
     rows.push_back(LabeledRow(id(Part::kRangeLabel), {BoxCell(id(Part::kRange))}));
   }
   if (kind == CriterionKind::kDate && dateRangeHasX(draft.range)) {
-    rows.push_back(
-        LabeledRow(id(Part::kCountLabel),
-                   {BoxCell(id(Part::kCount), kCountWidth), Glued(TextCell(id(Part::kUnit)))}));
+    rows.push_back(LabeledRow(id(Part::kCountLabel), {BoxCell(id(Part::kCount), kCountWidth),
+                                                      Glued(TextCell(id(Part::kUnit)))}));
   }
   if (kind == CriterionKind::kText) {
     rows.push_back(LabeledRow(id(Part::kFirstLabel), {BoxCell(id(Part::kFirst))}));

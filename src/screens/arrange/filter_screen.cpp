@@ -50,13 +50,13 @@ CommandTable<FilterScreen> FilterScreen::Commands(Dialog& dialog) {
   for (int i = 0; i < kFilterCriteria; ++i) {
     some_on = some_on || At(dialog, i, Part::kEnabled).checked();
   }
-  return {.resource = 143,
-          .left = {kDoneCommand, u"OK", &FilterScreen::Ok},
-          .right = {.text = u"Menu",
-                    .rows = {{kAllOffCommand, u"Turn All Off", &FilterScreen::TurnAllOff, some_on},
-                             {kCancelCommand, u"Cancel", &FilterScreen::Cancel}}},
-          .keys = {{kActionCommand, {}, &FilterScreen::Ok},
-                   {kBackCommand, {}, &FilterScreen::Cancel}}};
+  return {
+      .resource = 143,
+      .left = {kDoneCommand, u"OK", &FilterScreen::Ok},
+      .right = {.text = u"Menu",
+                .rows = {{kAllOffCommand, u"Turn All Off", &FilterScreen::TurnAllOff, some_on},
+                         {kCancelCommand, u"Cancel", &FilterScreen::Cancel}}},
+      .keys = {{kActionCommand, {}, &FilterScreen::Ok}, {kBackCommand, {}, &FilterScreen::Cancel}}};
 }
 
 void FilterScreen::onInit(Dialog& dialog) {
@@ -201,8 +201,7 @@ void FilterScreen::OnLeft(Dialog& dialog, int criterion, Part part) {
   }
   FilterBlock trial = CurrentDatabase(app_).schema.filters[i];
   auto fault = storeDraft(Context(), draft, trial);
-  // One about a box that is still to be filled in comes when that is left.
-  if (fault && boxOf(fault->box) != part) fault.reset();
+  if (fault && boxOf(fault->box) != part) return;  // said when that box is left
   faults_[i] = std::move(fault);
   ShowNote(dialog, criterion);
   Layout(dialog);
@@ -305,8 +304,7 @@ bool FilterScreen::OnAutoClose(Dialog& dialog) {
     return false;
   }
   const Database& database = CurrentDatabase(app_);
-  const auto slot =
-      static_cast<std::size_t>(fields_[static_cast<std::size_t>(faulty->criterion)]);
+  const auto slot = static_cast<std::size_t>(fields_[static_cast<std::size_t>(faulty->criterion)]);
   std::u16string note = ScreenText(app_, areaText(database.header.name)) + u", Filter " +
                         FromUtf8(std::to_string(faulty->criterion + 1));
   // What was typed stays out where the field's values are kept from others' eyes.

@@ -89,7 +89,7 @@ class FilterScreen : public CommandScreen<FilterScreen> {
 
   Application& app_;
   const QuerySettings settings_;
-  std::vector<int> slots_;  // that the field lists offer
+  std::vector<int> slots_;                             // that the field lists offer
   std::array<CriterionDraft, kFilterCriteria> shown_;  // when the dialog opened
   // Of each criterion what its controls need not be able to hold.
   std::array<PopupKey, kFilterCriteria> items_{};

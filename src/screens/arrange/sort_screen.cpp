@@ -44,8 +44,10 @@ int ShowSort(Application& app, int view) {
 }
 
 CommandTable<SortScreen> SortScreen::Commands(Dialog&) {
-  return {.left = {kActionCommand, u"OK", &SortScreen::Ok},
-          .right = {kBackCommand, u"Cancel", &SortScreen::Cancel}};
+  return {.resource = 143,
+          .left = {kDoneCommand, u"OK", &SortScreen::Ok},
+          .right = {kCancelCommand, u"Cancel", &SortScreen::Cancel},
+          .keys = {{kActionCommand, {}, &SortScreen::Ok}, {kBackCommand, {}, &SortScreen::Cancel}}};
 }
 
 void SortScreen::onInit(Dialog& dialog) {

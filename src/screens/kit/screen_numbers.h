@@ -31,6 +31,7 @@ inline constexpr int kFilterScreen = 191;
 
 inline constexpr CommandId kNewRecordCommand = 40002;
 inline constexpr CommandId kDeleteCommand = 40004;
+inline constexpr CommandId kFilterCommand = 40015;
 inline constexpr CommandId kSaveCommand = 40016;
 inline constexpr CommandId kFindCommand = 40017;
 inline constexpr CommandId kFindAgainCommand = 40018;

@@ -117,6 +117,7 @@ void RecordListScreen::FillRecordList(Dialog& dialog) {
   if (!IsDatabaseOpen(app_)) return;
   Database& database = CurrentDatabase(app_);
   if (app_.engine.steps.refresh) app_.engine.steps.refresh(database);
+  find_.setTitle(dialog, ListTitle());
   ListControl& list = dialog.list(kRecordList);
   list.setVisible(false);
   dialog.control(kNameLabel).setText(ScreenText(app_, areaText(database.header.name)));

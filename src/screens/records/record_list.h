@@ -51,6 +51,8 @@ class RecordListScreen : public CommandScreen<RecordListScreen> {
   void EditRecord(Dialog& dialog, std::uint32_t record);
   void NewRecord(Dialog& dialog);
   void Sort(Dialog& dialog);
+  void Filter(Dialog& dialog);
+  std::u16string ListTitle() const;
   void ChangePreferences(Dialog& dialog);
   void DeleteGroup(Dialog& dialog, RecordGroup group);
   std::vector<Command<RecordListScreen>> ViewRows();

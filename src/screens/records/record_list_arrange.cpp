@@ -2,9 +2,13 @@
 // way through them.
 #include <algorithm>
 
+#include <fmt/format.h>
+
+#include "query/filter.h"
 #include "query/view.h"
 #include "screens/arrange/choose_view.h"
 #include "screens/arrange/edit_views.h"
+#include "screens/arrange/filter_screen.h"
 #include "screens/arrange/find_records.h"
 #include "screens/arrange/sort_screen.h"
 #include "screens/kit/screen_numbers.h"
@@ -90,6 +94,20 @@ void RecordListScreen::ShowFound(Dialog& dialog, int slot) {
     }
     left = right;
   }
+}
+
+// With a filter, how many of how many records the list shows.
+std::u16string RecordListScreen::ListTitle() const {
+  const Database& database = CurrentDatabase(app_);
+  if (!isFilterInUse(database.schema)) return u"Tabelion";
+  return FromUtf8(fmt::format("Filter: {} of {} records", database.record_index.size(),
+                              database.records.count()));
+}
+
+void RecordListScreen::Filter(Dialog& dialog) {
+  if (!IsDatabaseOpen(app_)) return;
+  ShowFilter(app_);
+  FillRecordList(dialog);
 }
 
 void RecordListScreen::Sort(Dialog& dialog) {
