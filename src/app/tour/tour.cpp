@@ -10,6 +10,7 @@
 
 #include "app/file_reader.h"
 #include "app/program.h"
+#include "app/tour/record_scenes.h"
 #include "app/tour/tour_driver.h"
 #include "platform/qt/list_view.h"
 #include "platform/std/sole_instance.h"
@@ -286,6 +287,8 @@ void Tour::showOtherLetters() {
     return seen;
   });
   lookAtPreferences();
+  lookAtDetails(driver_);
+  deleteAndTakeBack(driver_, second_->record_count);
   driver_.press(kRecordListScreen, Qt::Key_Escape);
 }
 

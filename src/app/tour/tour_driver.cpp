@@ -31,14 +31,16 @@ void TourDriver::press(int place, Qt::Key key, int times) {
   }
 }
 
-void TourDriver::choose(int place, const QString& entry) {
+void TourDriver::choose(int place, const QStringList& path) {
   press(place, Qt::Key_F2);
-  act(place, [this, entry] {
-    for (int i = 0; i < kMostMenuEntries && probe_.markedEntry() != entry; ++i) {
-      probe_.press(Qt::Key_Down);
-    }
-    probe_.press(probe_.markedEntry() == entry ? Qt::Key_Return : Qt::Key_Escape);
-  });
+  for (const QString& entry : path) {
+    act(place, [this, entry] {
+      for (int i = 0; i < kMostMenuEntries && probe_.markedEntry() != entry; ++i) {
+        probe_.press(Qt::Key_Down);
+      }
+      probe_.press(probe_.markedEntry() == entry ? Qt::Key_Return : Qt::Key_Escape);
+    });
+  }
 }
 
 void TourDriver::see(int place, const std::string& did, const std::string& picture,

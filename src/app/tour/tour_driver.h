@@ -7,6 +7,7 @@
 
 #include <QElapsedTimer>
 #include <QString>
+#include <QStringList>
 #include <deque>
 #include <functional>
 #include <string>
@@ -30,8 +31,10 @@ class TourDriver {
   // Steps. `place` is the resource number of the screen that must be topmost.
   void act(int place, std::function<void()> action);
   void press(int place, Qt::Key key, int times = 1);
-  // Opens the menu of the right soft key and chooses the entry with this text.
-  void choose(int place, const QString& entry);
+  // Opens the menu of the right soft key and chooses the entry with this text, or goes through
+  // menus within it.
+  void choose(int place, const QString& entry) { choose(place, QStringList{entry}); }
+  void choose(int place, const QStringList& path);
   // Looks until the check is content, takes the picture, prints the line.
   void see(int place, const std::string& did, const std::string& picture,
            std::function<Seen()> check);

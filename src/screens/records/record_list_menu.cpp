@@ -39,6 +39,7 @@ CommandTable<RecordListScreen> RecordListScreen::Commands(Dialog&) {
                                        {kDeleteCommand, u"All Records",
                                         delete_group(RecordGroup::kAll)}}},
                              {.text = u"Tools",
+                              .enabled = open,
                               .rows = {{kFindCommand, u"Find", &Self::FindFirst},
                                        {kFindAgainCommand, u"Find Again", &Self::FindNext},
                                        {kSortCommand, u"Sort", &Self::Sort},
