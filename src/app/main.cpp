@@ -4,7 +4,6 @@
 #include <QTemporaryDir>
 #include <QTimer>
 #include <cstdlib>
-#include <iostream>
 
 #include "app/options.h"
 #include "app/program.h"
@@ -43,7 +42,7 @@ void forgetActivationToken() {
 // The toolkit ends the process with a signal where it finds no display; that is no fault of ours
 // to leave a memory image of.
 void sayOrEnd(QtMsgType type, const QMessageLogContext&, const QString& text) {
-  std::cerr << text.toStdString() << '\n';
+  tabelion::sayToTerminal(text.toStdString() + '\n');
   if (type == QtFatalMsg) std::_Exit(tabelion::kExitNotStarted);
 }
 
@@ -92,8 +91,8 @@ int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     if (!isSet("XDG_RUNTIME_DIR")) qputenv("XDG_RUNTIME_DIR", runtime.path().toLocal8Bit());
   } else if (!isSet("DISPLAY") && !isSet("WAYLAND_DISPLAY") && !isSet("QT_QPA_PLATFORM")) {
-    std::cerr << "tabelion: there is no display to open the window on. Try --tour DIR, which "
-                 "needs none.\n";
+    tabelion::sayToTerminal(
+        "tabelion: there is no display to open the window on. Try --tour DIR, which needs none.\n");
     return tabelion::kExitNotStarted;
   }
   qInstallMessageHandler(sayOrEnd);
@@ -121,6 +120,6 @@ int main(int argc, char** argv) {
   const int exit_code = tabelion::runProgram(parsed.options, places, dialogs, instance);
   window.keep(dialogs.frame());
   if (instance.problem().empty()) return exit_code;
-  std::cerr << "tabelion: " << instance.problem() << ".\n";
+  tabelion::sayToTerminal("tabelion: " + instance.problem() + ".\n");
   return tabelion::kExitNotStarted;
 }

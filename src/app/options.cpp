@@ -5,7 +5,10 @@
 #include <filesystem>
 #include <iostream>
 #include <map>
+#include <sstream>
 #include <system_error>
+
+#include "interchange/terminal_text.h"
 
 namespace tabelion {
 
@@ -45,6 +48,14 @@ std::string absolutePath(const std::filesystem::path& path) {
   return error ? absolute.string() : (folder / absolute.filename()).string();
 }
 
+class StandardError : public TextSink {
+ public:
+  bool write(std::string_view bytes) override {
+    std::cerr << bytes;
+    return std::cerr.good();
+  }
+};
+
 std::string joined(const std::vector<std::string>& words) {
   std::string line;
   for (const std::string& word : words) line += (line.empty() ? "" : " ") + word;
@@ -52,6 +63,11 @@ std::string joined(const std::vector<std::string>& words) {
 }
 
 }  // namespace
+
+void sayToTerminal(const std::string& lines) {
+  StandardError error;
+  TerminalSink(error).write(lines);
+}
 
 std::string hintAboutFile(const std::vector<std::string>& words) {
   if (words.empty() || words.front() == "AppRunToHandleNotification") return {};
@@ -120,13 +136,15 @@ ParsedOptions parseOptions(int argc, const char* const* argv) {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
     const bool asked = error.get_exit_code() == 0;  // help or version
-    app.exit(error, std::cout, std::cerr);
+    std::ostringstream said;
+    app.exit(error, std::cout, said);
+    sayToTerminal(said.str());
     parsed.exit_code = asked ? 0 : kExitUsage;
     return parsed;
   }
   options.command_line = joined(app.remaining());
   const std::string hint = hintAboutFile(app.remaining());
-  if (!hint.empty()) std::cerr << "tabelion: " << hint << "\n";
+  if (!hint.empty()) sayToTerminal("tabelion: " + hint + "\n");
   return parsed;
 }
 

@@ -36,6 +36,9 @@ inline constexpr Size kPhoneScreen{240, 320};
 // started; empty for other words.
 std::string hintAboutFile(const std::vector<std::string>& words);
 
+// To standard error, for a person: names and arguments in it do not reach the terminal's commands.
+void sayToTerminal(const std::string& lines);
+
 // Prints help, version and complaints itself.
 ParsedOptions parseOptions(int argc, const char* const* argv);
 

@@ -64,12 +64,13 @@ bool nameLess(const DatabaseFile& a, const DatabaseFile& b) {
   return std::pair(FoldedName(a.name), a.name) < std::pair(FoldedName(b.name), b.name);
 }
 
-// Databases of one name on one volume get their file's name behind it: "Books (Old books.pdb)".
+// Databases of one name on one volume, in whatever case, get their file's name behind it: "Books
+// (Old books.pdb)".
 void tellApart(std::vector<DatabaseFile>& files) {
   std::map<std::pair<std::u16string, Volume>, int> counts;
-  for (const DatabaseFile& file : files) ++counts[{file.name, file.volume}];
+  for (const DatabaseFile& file : files) ++counts[{FoldedName(file.name), file.volume}];
   for (DatabaseFile& file : files) {
-    if (counts[{file.name, file.volume}] < 2) continue;
+    if (counts[{FoldedName(file.name), file.volume}] < 2) continue;
     file.label += u" (" + FromUtf8(FileNameOf(file.path)) + u")";
   }
 }

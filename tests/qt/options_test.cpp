@@ -1,6 +1,8 @@
 // The command line of the program.
 #include <QTest>
 #include <filesystem>
+#include <iostream>
+#include <sstream>
 
 #include "app/options.h"
 #include "app/window_memory.h"
@@ -62,6 +64,14 @@ void OptionsTest::wrongOnesAreRefused() {
   for (const char* zoom : {"0", "-1", "much", "1000"}) {
     QCOMPARE(parse({"--zoom", zoom}).exit_code, std::optional<int>(kExitUsage));
   }
+  // What is said about them moves no cursor.
+  std::ostringstream said;
+  std::streambuf* const before = std::cerr.rdbuf(said.rdbuf());
+  parse({"--screen", "\x1b[2J"});
+  parse({"\x1b[2J.PDB"});
+  std::cerr.rdbuf(before);
+  QVERIFY(said.str().find('\x1b') == std::string::npos);
+  QVERIFY(said.str().find("[2J.PDB") != std::string::npos);
 }
 
 void OptionsTest::theWindowIsAsLargeAsItWasLeft() {

@@ -119,6 +119,11 @@ class ValueParser {
 
   void readText(Comparison comparison) {
     if (comparison == Comparison::kIs && words_.readWords("empty")) return;
+    if (comparison == Comparison::kIs) {
+      return words_.fail(operator_at_,
+                         "a filter asks what a text contains, not what all of it is: use "
+                         "\"contains\" or \"is empty\"");
+    }
     if (comparison != Comparison::kContains) return refuse("\"contains\" or \"is empty\"");
     words_.skipBlanks();
     const std::size_t begin = words_.at();

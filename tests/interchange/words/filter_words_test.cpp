@@ -159,6 +159,10 @@ TEST_F(FilterWords, RefusalsNameThePlaceAndWhatIsExpected) {
       {"Title contains " + std::string(40, 'x'), "character 16: the text is longer than 39 bytes"},
       {"Title contains \"x", "character 16: the text in quotes has no end"},
       {"Title >= x", "character 7: this field takes \"contains\" or \"is empty\""},
+      {"Title = x",
+       "character 7: a filter asks what a text contains, not what all of it is: use \"contains\" "
+       "or "
+       "\"is empty\""},
       {"Year between 1 or 2", "character 16: \"and\" is expected, not \"or 2\""},
       {"Year = 2147483648",
        "character 8: a whole number from -2147483648 to 2147483647 is "
