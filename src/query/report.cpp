@@ -3,10 +3,10 @@
 #include <algorithm>
 
 #include "engine/calendar.h"
-#include "engine/packed_record.h"
 #include "engine/schema_places.h"
 #include "query/date_text.h"
 #include "query/number_text.h"
+#include "query/report_pass.h"
 #include "query/time_text.h"
 
 namespace tabelion {
@@ -17,27 +17,6 @@ constexpr std::int64_t kFirstMinimum = 2000000;
 constexpr std::int64_t kFirstMaximum = -2000000;
 constexpr std::int64_t kFirstDayMinimum = 50000;
 constexpr std::int64_t kFirstSecondMinimum = 86400;
-
-// Calls visit(value) for each record that passes. The value is empty where its text would be: not
-// there, without bytes, enciphered.
-template <class Visit>
-void forEachValue(const Database& database, int slot, const RecordFilter& filter, Visit visit) {
-  const FieldDefinition& field = database.schema.fields[static_cast<std::size_t>(slot)];
-  const bool everything = filter.passesEverything();
-  const RecordStore& records = database.records;
-  const std::size_t reach = records.count() > 0 ? slotEnd(records[0].bytes(), slot) : 0;
-  for (std::uint32_t position = 0; position < records.count(); ++position) {
-    records.fetchAhead(position, reach);
-    const ByteView bytes = records[position].bytes();
-    if (!everything && !filter.passes(bytes)) continue;
-    const SlotPlace place = findSlot(bytes, slot);
-    if (!place.present() || isMasked(field, bytes)) {
-      visit(ByteView());
-    } else {
-      visit(bytes.subspan(static_cast<std::size_t>(place.offset), place.length));
-    }
-  }
-}
 
 template <class Number>
 class NumberTally {
@@ -60,6 +39,18 @@ class NumberTally {
  private:
   std::int64_t count_ = 0;
   ReportNumbers<Number> numbers_;
+};
+
+// Keeps each value as it counted, for whoever wants them.
+class CountedValue {
+ public:
+  explicit CountedValue(std::vector<double>* values) : values_(values) {}
+  void operator()(double value) const {
+    if (values_ != nullptr) values_->push_back(value);
+  }
+
+ private:
+  std::vector<double>* values_;
 };
 
 // Compat: halves round up, and a negative sum towards zero (Report.IntegersAndTheirTotals).
@@ -168,16 +159,16 @@ class SecondsReader {
 };
 
 void tallyIntegers(const Database& database, int slot, const RecordFilter& filter,
-                   ReportFigures& figures) {
+                   ReportFigures& figures, const CountedValue& counted) {
   NumberTally<std::int64_t> tally;
-  if (database.schema.fields[static_cast<std::size_t>(slot)].type == FieldType::kInteger) {
-    forEachValue(database, slot, filter, [&](ByteView value) {
-      tally.add(static_cast<std::int32_t>(numberOfValue(value)));
-    });
-  } else {
-    forEachValue(database, slot, filter,
-                 [&](ByteView value) { tally.add(leadingInteger(storedText(value))); });
-  }
+  const bool is_text =
+      database.schema.fields[static_cast<std::size_t>(slot)].type != FieldType::kInteger;
+  forEachReportValue(database, slot, filter, [&](ByteView value, bool) {
+    const std::int64_t number = is_text ? leadingInteger(storedText(value))
+                                        : static_cast<std::int32_t>(numberOfValue(value));
+    tally.add(number);
+    counted(static_cast<double>(number));
+  });
   figures.count = tally.count();
   figures.whole = tally.numbers();
   if (figures.count == 0) {
@@ -188,11 +179,13 @@ void tallyIntegers(const Database& database, int slot, const RecordFilter& filte
 }
 
 void tallyFloats(const Database& database, int slot, const RecordFilter& filter, bool decimal_comma,
-                 ReportFigures& figures) {
+                 ReportFigures& figures, const CountedValue& counted) {
   NumberTally<double> tally;
-  forEachValue(database, slot, filter, [&](ByteView value) {
+  forEachReportValue(database, slot, filter, [&](ByteView value, bool) {
     // Reading ends at the text's NUL anyway.
-    tally.add(numberOfText(asText(value), decimal_comma));
+    const double number = numberOfText(asText(value), decimal_comma);
+    tally.add(number);
+    counted(number);
   });
   figures.count = tally.count();
   figures.real = tally.numbers();
@@ -205,20 +198,22 @@ void tallyFloats(const Database& database, int slot, const RecordFilter& filter,
 
 void tallyChecks(const Database& database, int slot, const RecordFilter& filter,
                  ReportFigures& figures) {
-  forEachValue(database, slot, filter, [&](ByteView value) {
+  forEachReportValue(database, slot, filter, [&](ByteView value, bool) {
     ++figures.count;
     if (!value.empty() && value[0] != 0) ++figures.checked;
   });
 }
 
 void tallyDates(const Database& database, int slot, const RecordFilter& filter,
-                const FormatSettings& formats, ReportFigures& figures) {
+                const FormatSettings& formats, ReportFigures& figures,
+                const CountedValue& counted) {
   DayReader read(database, slot, formats);
   ReportNumbers<std::int64_t>& days = figures.whole;
   days.minimum = kFirstDayMinimum;
-  forEachValue(database, slot, filter, [&](ByteView value) {
+  forEachReportValue(database, slot, filter, [&](ByteView value, bool) {
     ++figures.count;
     const std::int64_t day = read(value);
+    counted(static_cast<double>(day));
     if (day <= 0) return;
     days.minimum = std::min(days.minimum, day);
     days.maximum = std::max(days.maximum, day);
@@ -227,13 +222,15 @@ void tallyDates(const Database& database, int slot, const RecordFilter& filter,
 }
 
 void tallyTimes(const Database& database, int slot, const RecordFilter& filter,
-                const FormatSettings& formats, ReportFigures& figures) {
+                const FormatSettings& formats, ReportFigures& figures,
+                const CountedValue& counted) {
   SecondsReader read(database, slot, formats);
   ReportNumbers<std::int64_t>& seconds = figures.whole;
   seconds.minimum = kFirstSecondMinimum;
-  forEachValue(database, slot, filter, [&](ByteView value) {
+  forEachReportValue(database, slot, filter, [&](ByteView value, bool) {
     ++figures.count;
     const std::int64_t time = read(value);
+    counted(static_cast<double>(time));
     seconds.minimum = std::min(seconds.minimum, time);
     seconds.maximum = std::max(seconds.maximum, time);
     seconds.sum += time;
@@ -258,7 +255,7 @@ std::vector<int> reportFields(const DatabaseRecord& schema) {
 }
 
 ReportFigures reportFigures(const Database& database, int slot, const QuerySettings& settings,
-                            const LinkFilter* link) {
+                            const LinkFilter* link, std::vector<double>* values) {
   ReportFigures figures;
   if (slot < 0 || slot >= kFieldSlots) return figures;
   const FieldType type = effectiveType(database.schema.fields[static_cast<std::size_t>(slot)]);
@@ -267,21 +264,22 @@ ReportFigures reportFigures(const Database& database, int slot, const QuerySetti
   figures.type = type;
   const RecordFilter filter(database, settings, link);
   const FormatSettings& formats = settings.formats;
+  const CountedValue counted(values);
   switch (kind) {
     case ReportKind::kWholeNumbers:
-      tallyIntegers(database, slot, filter, figures);
+      tallyIntegers(database, slot, filter, figures, counted);
       break;
     case ReportKind::kNumbers:
-      tallyFloats(database, slot, filter, formats.choices.decimal_comma, figures);
+      tallyFloats(database, slot, filter, formats.choices.decimal_comma, figures, counted);
       break;
     case ReportKind::kChecks:
       tallyChecks(database, slot, filter, figures);
       break;
     case ReportKind::kDates:
-      tallyDates(database, slot, filter, formats, figures);
+      tallyDates(database, slot, filter, formats, figures, counted);
       break;
     case ReportKind::kTimes:
-      tallyTimes(database, slot, filter, formats, figures);
+      tallyTimes(database, slot, filter, formats, figures, counted);
       break;
     case ReportKind::kNone:
       break;

@@ -42,8 +42,11 @@ struct ReportFigures {
   ReportNumbers<double> real;         // 3
   std::int64_t checked = 0;           // 5
 };
+// `values` gets what each record counted as, in record order: numbers, days, seconds; nothing for
+// check boxes.
 ReportFigures reportFigures(const Database& database, int slot, const QuerySettings& settings,
-                            const LinkFilter* link = nullptr);
+                            const LinkFilter* link = nullptr,
+                            std::vector<double>* values = nullptr);
 
 // The decimals of a report's figures on a field of numbers.
 int reportDecimals(const FieldDefinition& field);
