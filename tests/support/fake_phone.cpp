@@ -253,7 +253,7 @@ bool FakeDialog::pressInEdit(FakeControl& edit, Key key, char32_t character) {
     return true;
   }
   if (key != Key::kCharacter && key != Key::kBack) return false;
-  if (edit.face.read_only) return true;
+  if (edit.face.read_only) return key == Key::kCharacter;
   before.push_back(edit.text());
   std::u16string text = edit.text();
   const bool replaces = std::exchange(edit.text_selected, false);

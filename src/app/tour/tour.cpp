@@ -15,6 +15,7 @@
 #include "platform/qt/list_view.h"
 #include "platform/std/sole_instance.h"
 #include "screens/kit/screen_numbers.h"
+#include "screens/output/run_report.h"
 #include "screens/records/record_form.h"
 #include "screens/records/record_list.h"
 
@@ -27,6 +28,8 @@ constexpr char kNoteMark[] = "Seen today. ";  // and into a note
 constexpr double kTourZoom = 2;
 constexpr char kSafeName[] = "Safe";  // the sample that is kept enciphered
 constexpr char kSafePassword[] = "sesame";
+constexpr char kReportedName[] = "Expenses";  // and the one that a report is run on
+constexpr char kReportedField[] = "Amount";
 constexpr std::size_t kWantedSamples = 7;
 constexpr int kSidewaysPresses = 3;
 constexpr int kMostFields = 100;
@@ -55,6 +58,7 @@ class Tour {
   void saveAndReopen();
   void showOtherLetters();
   void openSafe();
+  void runReport();
   void lookAtPreferences();
   void manageFiles();
 
@@ -74,7 +78,8 @@ class Tour {
   const std::vector<StoredDatabase> samples_;
   const StoredDatabase* main_ = nullptr;    // with a note and a text field
   const StoredDatabase* second_ = nullptr;  // with letters beyond ASCII
-  const StoredDatabase* safe_ = nullptr;    // whose flagged fields are enciphered
+  const StoredDatabase* reported_ = nullptr;
+  const StoredDatabase* safe_ = nullptr;  // whose flagged fields are enciphered
 };
 
 bool Tour::plan() {
@@ -86,6 +91,7 @@ bool Tour::plan() {
   saveAndReopen();
   showOtherLetters();
   openSafe();
+  runReport();
   manageFiles();
   driver_.choose(kChooserScreen, "Exit");
   return true;
@@ -100,11 +106,12 @@ bool Tour::pickSamples() {
   }
   for (const StoredDatabase& sample : samples_) {
     if (sample.name == kSafeName) safe_ = &sample;
+    if (sample.name == kReportedName) reported_ = &sample;
   }
-  if (samples_.size() >= kWantedSamples && main_ && second_ && safe_) return true;
+  if (samples_.size() >= kWantedSamples && main_ && second_ && safe_ && reported_) return true;
   fmt::print(
       "The tour needs at least {} sample databases, one with a note field, another with letters "
-      "beyond ASCII, and one called Safe; {} were found. FAILED\n",
+      "beyond ASCII, one called Safe and one called Expenses; {} were found. FAILED\n",
       kWantedSamples, samples_.size());
   return false;
 }
@@ -337,6 +344,24 @@ void Tour::openSafe() {
   typePassword(kSafePassword);
   driver_.see(kChooserScreen, "Closed it with the password", "closed-safe",
               [this] { return safeOnDisk(); });
+}
+
+void Tour::runReport() {
+  selectDatabase(*reported_);
+  driver_.choose(kRecordListScreen, "Reports");
+  driver_.act(kRunReportScreen, [this] { probe_.type(QString(kReportedField).left(1)); });
+  driver_.see(kRunReportScreen, "Chose Reports and a field by its first letter", "report", [this] {
+    const QString text = probe_.text(kReportText);
+    return Seen{text.startsWith("Report for " + QString(kReportedField)),
+                fmt::format("it says \"{}\"", text.simplified().toStdString())};
+  });
+  driver_.press(kRunReportScreen, Qt::Key_F1);
+  driver_.see(kRunReportScreen, "Looked at its picture", "report-picture", [this] {
+    const QWidget* picture = probe_.widget(kReportPicture);
+    return Seen{picture != nullptr && picture->isVisible(), "the picture is shown"};
+  });
+  driver_.press(kRunReportScreen, Qt::Key_Escape);
+  driver_.press(kRecordListScreen, Qt::Key_Escape);
 }
 
 void Tour::lookAtPreferences() {

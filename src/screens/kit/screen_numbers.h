@@ -28,9 +28,11 @@ inline constexpr int kPickDateScreen = 180;
 inline constexpr int kPickTimeScreen = 181;
 inline constexpr int kSortScreen = 190;
 inline constexpr int kFilterScreen = 191;
+inline constexpr int kRunReportScreen = 195;
 
 inline constexpr CommandId kNewRecordCommand = 40002;
 inline constexpr CommandId kDeleteCommand = 40004;
+inline constexpr CommandId kReportsCommand = 40008;
 inline constexpr CommandId kFilterCommand = 40015;
 inline constexpr CommandId kSaveCommand = 40016;
 inline constexpr CommandId kFindCommand = 40017;

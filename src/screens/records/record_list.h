@@ -55,6 +55,7 @@ class RecordListScreen : public CommandScreen<RecordListScreen> {
   std::u16string ListTitle() const;
   void ChangePreferences(Dialog& dialog);
   void DeleteGroup(Dialog& dialog, RecordGroup group);
+  void RunReport(Dialog& dialog);
   std::vector<Command<RecordListScreen>> ViewRows();
   void ChooseView(Dialog& dialog, int view);
   void EditViews(Dialog& dialog);

@@ -1,5 +1,6 @@
 // What the record list's soft keys and menu offer, and the group deletion that the menu starts.
 #include "screens/kit/screen_numbers.h"
+#include "screens/output/run_report.h"
 #include "screens/program/preferences_screen.h"
 #include "screens/records/record_list.h"
 #include "screens/records/undo.h"
@@ -38,6 +39,7 @@ CommandTable<RecordListScreen> RecordListScreen::Commands(Dialog&) {
                                         delete_group(RecordGroup::kOutsideFilter)},
                                        {kDeleteCommand, u"All Records",
                                         delete_group(RecordGroup::kAll)}}},
+                             {kReportsCommand, u"Reports", &Self::RunReport, open},
                              {.text = u"Tools",
                               .enabled = open,
                               .rows = {{kFindCommand, u"Find", &Self::FindFirst},
@@ -50,6 +52,10 @@ CommandTable<RecordListScreen> RecordListScreen::Commands(Dialog&) {
                              {kRedoCommand, redo.text, &Self::Redo, redo.enabled},
                              {kBackCommand, u"Close", &Self::Close}}},
           .keys = {{kActionCommand, {}, &Self::OpenSelected}}};
+}
+
+void RecordListScreen::RunReport(Dialog&) {
+  if (IsDatabaseOpen(app_)) ShowRunReport(app_);
 }
 
 void RecordListScreen::DeleteGroup(Dialog& dialog, RecordGroup group) {
