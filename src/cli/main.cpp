@@ -63,6 +63,7 @@ int main(int argc, char** argv) {
                                  tabelion::askOnTerminal,
                                  [](auto time) { std::this_thread::sleep_for(time); }};
   streams.reader_is_gone = [&out] { return out.isClosed(); };
+  streams.terminal = tabelion::terminalFormOf(STDOUT_FILENO);
   streams.read_pipe = tabelion::readPipeAt;
   streams.hold_interruptions = [] { return std::make_shared<tabelion::InterruptionHold>(); };
   if (isatty(STDERR_FILENO) == 1) streams.progress = &err;

@@ -35,6 +35,7 @@ class CliRun : public ::testing::Test {
                       return files.read("/stdin");
                     },
                     nullptr, confirm};
+    streams.terminal = terminal;
     CliPlatform platform{files, clock, locale, settings, [] { return 4u; }, {}, sleep};
     return static_cast<int>(runCli(arguments, platform, streams));
   }
@@ -57,6 +58,7 @@ class CliRun : public ::testing::Test {
   std::string input;
   std::function<void(std::chrono::milliseconds)> sleep;
   std::function<bool(std::string_view)> confirm;  // the terminal's answer, if there is one
+  TerminalForm terminal;
   StringSink out;
   StringSink err;
 };

@@ -120,5 +120,52 @@ TEST_F(ViewCommandTest, ReportsAreInTheUsersFormatsAndJsonIsNot) {
   EXPECT_THAT(err.text, HasSubstr("there are of \"Cost\" or \"Paid\""));
 }
 
+TEST_F(ViewCommandTest, ReportsHavePicturesAsFilesAndAsBars) {
+  EXPECT_EQ(run({"report", "/T.PDB", "Paid", "--chart", "-"}), 0) << err.text;
+  EXPECT_THAT(out.text, HasSubstr("33.33\n\nRecords\n"));
+  EXPECT_THAT(out.text, EndsWith("█ 1 (33%)\n"));
+  terminal = {40, false};
+  EXPECT_EQ(run({"report", "/T.PDB", "Paid", "--chart", "-"}), 0);
+  EXPECT_THAT(out.text, EndsWith("\n      Checked ################## 2 (67%)\n"
+                                 "  Not Checked ######### 1 (33%)\n"));
+  EXPECT_EQ(run({"report", "/T.PDB", "Cost", "--chart", "/c.svg"}), 0) << err.text;
+  EXPECT_THAT(out.text, EndsWith("Average:\n\t11.00\n"));
+  const auto picture = files.bytes("/c.svg");
+  EXPECT_NE(picture, files.bytes("/T.PDB"));
+  EXPECT_EQ(run({"report", "/T.PDB", "Paid", "--chart", "/c.svg"}), 7);
+  EXPECT_THAT(err.text, HasSubstr("/c.svg: is already there; --force replaces it"));
+  EXPECT_EQ(files.bytes("/c.svg"), picture);
+  EXPECT_EQ(run({"report", "/T.PDB", "Paid", "--json", "--chart", "/c.svg", "--force"}), 0);
+  EXPECT_TRUE(json::parse(out.text).contains("checked"));
+  EXPECT_NE(files.bytes("/c.svg"), picture);
+  const auto database = files.bytes("/T.PDB");
+  EXPECT_EQ(run({"report", "/T.PDB", "Paid", "--chart", "/T.PDB", "--force"}), 2);
+  EXPECT_THAT(err.text, HasSubstr("give a name that ends in .svg"));
+  EXPECT_EQ(files.bytes("/T.PDB"), database);
+  EXPECT_EQ(run({"report", "/T.PDB", "Paid", "--json", "--chart", "-"}), 2);
+}
+
+TEST_F(ViewCommandTest, BarsOfNegativeTotalsHoursAndItems) {
+  createFrom("/B.PDB", R"({"fields": [{"name": "Sum", "type": "integer"},
+      {"name": "At", "type": "time"}, {"name": "On", "type": "date"},
+      {"name": "Kind", "type": "pop-up", "items": ["Ash", "Oak"]}]})",
+             "Sum,At,On,Kind\n-30,09:10,2031-01-30,Oak\n50,,2031-03-02,Oak\n20,09:59,,Ash\n");
+  terminal = {50, true};
+  EXPECT_EQ(run({"report", "/B.PDB", "Sum", "--chart", "-"}), 0) << err.text;
+  EXPECT_THAT(out.text, EndsWith("Running total\n"
+                                 "  after 1 ███████████████ -30\n"
+                                 "  after 2                ██████████▊ 20\n"
+                                 "  after 3                █████████████████████ 40\n"));
+  EXPECT_EQ(run({"report", "/B.PDB", "On", "--chart", "-"}), 0);
+  EXPECT_THAT(out.text, HasSubstr("  Feb 2031 0\n  Mar 2031 █"));
+  EXPECT_THAT(out.text, EndsWith("Without a date: 1\n"));
+  EXPECT_EQ(run({"report", "/B.PDB", "At", "--chart", "-"}), 0);
+  EXPECT_THAT(out.text, EndsWith("Without a time: 1\n"));
+  EXPECT_EQ(run({"report", "/B.PDB", "Kind", "--chart", "-"}), 0);
+  EXPECT_THAT(out.text, ::testing::StartsWith("Records\n  Oak █"));
+  EXPECT_EQ(run({"report", "/B.PDB", "Kind"}), 7);
+  EXPECT_THAT(err.text, HasSubstr("no reports, only pictures (--chart)"));
+}
+
 }  // namespace
 }  // namespace tabelion

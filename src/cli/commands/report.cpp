@@ -1,4 +1,4 @@
-// report: statistics over one field.
+// report: statistics over one field, and a picture of its values.
 
 #include <algorithm>
 
@@ -8,10 +8,13 @@
 #include "cli/command.h"
 #include "cli/kit/context.h"
 #include "cli/kit/json_output.h"
+#include "cli/kit/text_bars.h"
+#include "engine/ascii.h"
 #include "engine/schema_places.h"
+#include "interchange/charts/report_chart.h"
 #include "interchange/words/field_choice.h"
 #include "query/number_text.h"
-#include "query/report.h"
+#include "query/report_picture.h"
 
 namespace tabelion {
 namespace {
@@ -21,7 +24,9 @@ using Json = nlohmann::ordered_json;
 struct ReportOptions {
   std::string file;
   std::string field;
+  std::string chart;  // a file, or kPipe
   bool json = false;
+  bool force = false;
 };
 
 Json dateJson(std::int64_t day) {
@@ -86,10 +91,11 @@ Error notReported(const Database& database, const TextEncoding& encoding, int sl
   std::vector<std::string> names;
   for (const int reported : reportFields(database.schema)) names.push_back(nameOf(reported));
   const FieldType type = database.schema.fields[static_cast<std::size_t>(slot)].type;
-  return makeError(ErrorKind::kRefused,
-                   fmt::format("\"{}\" is a field of type {}, of which there are no reports{}",
-                               nameOf(slot), traitsOf(type).name,
-                               names.empty() ? "" : "; there are of " + alternatives(names)));
+  return makeError(
+      ErrorKind::kRefused,
+      fmt::format("\"{}\" is a field of type {}, of which there are no reports{}{}", nameOf(slot),
+                  traitsOf(type).name, type == FieldType::kPopup ? ", only pictures (--chart)" : "",
+                  names.empty() ? "" : "; there are of " + alternatives(names)));
 }
 
 // With the line ends of a terminal.
@@ -99,7 +105,42 @@ void putText(OutputBuffer& out, std::string text) {
   if (!text.ends_with('\n')) out.put('\n');
 }
 
+// What cannot be asked for: said here, before anything is opened.
+std::string faultOf(const ReportOptions& options) {
+  if (options.chart.empty() || options.chart == kPipe) {
+    return options.json && !options.chart.empty() ? "--chart - prints bars, which cannot stand in "
+                                                    "the JSON; write the picture to a file"
+                                                  : "";
+  }
+  constexpr std::string_view kExtension = ".svg";
+  const std::string_view name = options.chart;
+  const bool is_svg = name.size() > kExtension.size() &&
+                      lowerCaseText(name.substr(name.size() - kExtension.size())) == kExtension;
+  if (is_svg) return {};
+  return options.chart +
+         ": the picture is written as SVG; give a name that ends in .svg, or - for " +
+         "bars in the terminal";
+}
+
+Status writeChart(const ReportOptions& options, const std::string& svg, CliContext& context) {
+  if (!options.force && context.files.info(options.chart).ok()) {
+    return makeError(ErrorKind::kRefused,
+                     options.chart + ": is already there; --force replaces it");
+  }
+  const BytePiece piece(reinterpret_cast<const std::uint8_t*>(svg.data()), svg.size());
+  const Status written = context.files.replace(options.chart, {&piece, 1});
+  if (written.ok()) return written;
+  const std::string text = options.chart + ": " + written.error().text;
+  if (written.error().kind != ErrorKind::kWarning) return makeError(written.error().kind, text);
+  context.say(text);
+  return Done{};
+}
+
 ExitCode runReportCommand(const ReportOptions& options, CliContext& context) {
+  if (const std::string fault = faultOf(options); !fault.empty()) {
+    context.say(fault);
+    return ExitCode::kUsage;
+  }
   ExitCode failure{};
   const auto database = context.open(options.file, failure);
   if (!database) return failure;
@@ -110,17 +151,30 @@ ExitCode runReportCommand(const ReportOptions& options, CliContext& context) {
     return context.fail({slot.error().kind, options.file + ": " + slot.error().text});
   }
   const QuerySettings settings = context.querySettings(*encoding);
-  const ReportFigures figures = reportFigures(*database, *slot, settings);
-  if (figures.type == FieldType::kUnused) {
+  const auto [figures, picture] = picturedReport(*database, *slot, settings);
+  const bool has_text = figures.type != FieldType::kUnused;
+  const bool has_picture = picture.kind != PictureKind::kNone && !options.chart.empty();
+  if (!has_text && (!has_picture || options.json)) {
     Error error = notReported(*database, *encoding, *slot);
     error.text = options.file + ": " + error.text;
     return context.fail(error);
   }
   const FieldDefinition& field = database->schema.fields[static_cast<std::size_t>(*slot)];
+  const std::string name = encoding->toUtf8(fieldName(field));
+  const ChartTexts texts{settings.formats, *encoding, settings.week_starts_monday};
+  if (has_picture && options.chart != kPipe) {
+    const std::string title = encoding->toUtf8(areaText(database->header.name)) + ": " + name;
+    const Status written = writeChart(options, reportPictureAsSvg(picture, texts, title), context);
+    if (!written.ok()) return context.fail(written.error());
+  }
   if (options.json) {
-    putJson(context.out, figuresJson(figures, field, encoding->toUtf8(fieldName(field))));
-  } else {
+    putJson(context.out, figuresJson(figures, field, name));
+  } else if (has_text) {
     putText(context.out, encoding->toUtf8(reportText(figures, field, settings.formats)));
+  }
+  if (options.chart == kPipe) {
+    if (has_text) context.out.put('\n');
+    context.out.put(reportPictureAsBars(picture, texts, context.streams.terminal));
   }
   return context.finishOutput();
 }
@@ -133,6 +187,9 @@ CommandBody declareReport(OptionList list) {
   list.required("FIELD", options->field,
                 "The field: an integer, float, check box, date, time or calculated one");
   list.flag("--json", options->json, "The figures as JSON");
+  list.optional("--chart OUT", options->chart,
+                "A picture of the values as an SVG file, or - for bars in the terminal");
+  list.flag("--force", options->force, "Replace a picture that is there");
   return [options](CliContext& context) { return runReportCommand(*options, context); };
 }
 

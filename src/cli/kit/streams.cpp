@@ -1,11 +1,16 @@
 #include "cli/kit/streams.h"
 
 #include <fcntl.h>
+#include <langinfo.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <charconv>
+#include <clocale>
+#include <cstdlib>
 #include <memory>
 #include <string>
 #include <vector>
@@ -24,6 +29,28 @@ bool DescriptorSink::write(std::string_view bytes) {
     bytes.remove_prefix(static_cast<std::size_t>(count));
   }
   return true;
+}
+
+TerminalForm terminalFormOf(int descriptor) {
+  constexpr int kFewestColumns = 20;
+  constexpr int kMostColumns = 400;
+  TerminalForm form;
+  winsize size{};
+  if (::ioctl(descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col > 0) {
+    form.columns = size.ws_col;
+  } else if (const char* columns = std::getenv("COLUMNS")) {
+    const std::string_view text = columns;
+    std::from_chars(text.data(), text.data() + text.size(), form.columns);
+  }
+  form.columns = std::clamp(form.columns, kFewestColumns, kMostColumns);
+  // Asked of a locale of its own: the program's stays as it is.
+  if (const locale_t users = ::newlocale(LC_CTYPE_MASK, "", nullptr)) {
+    form.shows_blocks = std::string_view(::nl_langinfo_l(CODESET, users)) == "UTF-8";
+    ::freelocale(users);
+  } else {
+    form.shows_blocks = false;
+  }
+  return form;
 }
 
 bool confirmOnTerminal(int in, TextSink& out, std::string_view question) {

@@ -12,6 +12,12 @@
 
 namespace tabelion {
 
+// What a picture made of characters is made for.
+struct TerminalForm {
+  int columns = 80;
+  bool shows_blocks = true;  // U+2588 and its like, else ASCII alone
+};
+
 struct Streams {
   TextSink& out;                                  // data, and nothing else
   TextSink& err;                                  // messages
@@ -25,6 +31,7 @@ struct Streams {
   std::function<bool()> reader_is_gone = {};
   // The pipe at a path, read to its end; none for what is no pipe.
   std::function<std::optional<Result<FileImage>>(const std::string& path)> read_pipe = {};
+  TerminalForm terminal = {};  // of `out`
   // While what this gives lives, nothing ends the program halfway (InterruptionHold).
   std::function<std::shared_ptr<void>()> hold_interruptions = {};
 };
@@ -41,6 +48,9 @@ class DescriptorSink : public TextSink {
   int descriptor_;
   bool is_closed_ = false;
 };
+
+// Of a terminal, or what stands for one: its columns, and the characters of the user's locale.
+TerminalForm terminalFormOf(int descriptor);
 
 // Writes the question and reads a line of the descriptor.
 bool confirmOnTerminal(int in, TextSink& out, std::string_view question);

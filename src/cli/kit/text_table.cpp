@@ -26,6 +26,34 @@ std::size_t widthOf(char32_t c) {
 
 }  // namespace
 
+std::size_t terminalWidth(std::string_view utf8) {
+  std::size_t width = 0;
+  while (!utf8.empty()) {
+    const DecodedCharacter next = decodeUtf8(utf8);
+    width += widthOf(next.character);
+    utf8.remove_prefix(next.length);
+  }
+  return width;
+}
+
+std::string cutToWidth(std::string_view utf8, std::size_t columns) {
+  const bool fits = terminalWidth(utf8) <= columns;
+  std::string text;
+  for (std::size_t width = fits ? 0 : 1; !utf8.empty();) {
+    const DecodedCharacter next = decodeUtf8(utf8);
+    width += widthOf(next.character);
+    if (width > columns) break;
+    if (isControl(next.character)) {
+      text += ' ';
+    } else {
+      text += utf8.substr(0, next.length);
+    }
+    utf8.remove_prefix(next.length);
+  }
+  if (!fits) text += kCut;
+  return text;
+}
+
 void TextTable::reserve(std::size_t rows) {
   constexpr std::size_t kUsualCell = 24;
   const std::size_t cells = (rows + 1) * columns_.size();

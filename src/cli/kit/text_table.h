@@ -10,6 +10,11 @@
 
 namespace tabelion {
 
+// The columns of a text on one line, of which a control takes one.
+std::size_t terminalWidth(std::string_view utf8);
+// The text with blanks for controls, cut with "…" where it takes more columns.
+std::string cutToWidth(std::string_view utf8, std::size_t columns);
+
 // Cells are added row by row, the titles first, and printed at the end, when all widths are known.
 // A cell is one line of at most kWidestCell columns, cut with "…" where it is longer; line ends and
 // other controls become blanks.
