@@ -10,6 +10,7 @@
 
 #include "app/file_reader.h"
 #include "app/program.h"
+#include "app/tour/arrange_scenes.h"
 #include "app/tour/record_scenes.h"
 #include "app/tour/tour_driver.h"
 #include "platform/qt/list_view.h"
@@ -56,6 +57,7 @@ class Tour {
   void changeRecord();
   void writeNote();
   void saveAndReopen();
+  void arrange();
   void showOtherLetters();
   void openSafe();
   void runReport();
@@ -89,6 +91,7 @@ bool Tour::plan() {
   changeRecord();
   writeNote();
   saveAndReopen();
+  arrange();
   showOtherLetters();
   openSafe();
   runReport();
@@ -279,6 +282,14 @@ void Tour::saveAndReopen() {
     return Seen{texts.size() == 1, "the box reads \"" + texts.value(0).toStdString() + "\""};
   });
   driver_.press(kEditRecordScreen, Qt::Key_Escape);
+  driver_.press(kRecordListScreen, Qt::Key_Escape);
+}
+
+void Tour::arrange() {
+  selectDatabase(*main_);
+  driver_.see(kRecordListScreen, "Opened it to search in it", "list-again",
+              [this] { return recordList(*main_); });
+  searchAndSwitchViews(driver_, kMark);
   driver_.press(kRecordListScreen, Qt::Key_Escape);
 }
 
