@@ -70,6 +70,7 @@ struct ViewSettings {
   bool switches_database = false;
   std::string target;  // stored for a view that switches, likewise
   bool live_update = false;
+  bool operator==(const ViewSettings&) const = default;
 };
 ViewSettings viewSettings(const DatabaseRecord& schema, int view);
 // kViewNameTakenText when a view before this one has the name, with nothing changed; else empty.

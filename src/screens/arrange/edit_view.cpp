@@ -99,7 +99,7 @@ class EditViewScreen : public CommandScreen<EditViewScreen> {
       dialog.control(id).setVisible(switches);
     }
     if (switches) rows.push_back(LabeledRow(kTargetLabel, {BoxCell(kViewTarget)}));
-    rows.push_back(Spaced(BoxRow(kViewLiveUpdate)));
+    rows.push_back(BoxRow(kViewLiveUpdate));
     PlaceRows(dialog, rows);
   }
   void onNotice(Dialog& dialog, ControlId control, Notice notice) override {
@@ -161,9 +161,11 @@ class EditViewScreen : public CommandScreen<EditViewScreen> {
     return refusal.empty();
   }
 
-  // What refuses the name, with nothing changed; else empty.
+  // What refuses the name, with nothing changed; else empty. A view as it was is not stored again.
   std::string keep(const ViewSettings& settings) {
     Database& database = CurrentDatabase(app_);
+    const bool free = viewOfName(database.schema, settings.name) == view_;
+    if (edit_ == ViewEditing::kChange && settings == settings_ && free) return {};
     std::string refusal;
     int view = view_;
     const auto change = [&] {

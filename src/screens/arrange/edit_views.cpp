@@ -6,6 +6,7 @@
 #include "screens/arrange/choose_view.h"
 #include "screens/arrange/edit_view.h"
 #include "screens/arrange/fields_setup.h"
+#include "screens/arrange/filter_screen.h"
 #include "screens/arrange/sort_screen.h"
 #include "screens/kit/commands.h"
 #include "screens/kit/row_colors.h"
@@ -15,6 +16,8 @@
 
 namespace tabelion {
 namespace {
+
+constexpr int kColumnMargin = 10;
 
 DialogTemplate editViewsTemplate() {
   DialogTemplate dialog;
@@ -41,6 +44,7 @@ class EditViewsScreen : public CommandScreen<EditViewsScreen> {
                                {kEditViewCommand, u"Edit View", &Self::Edit, any},
                                {kViewFieldsCommand, u"Fields Setup", &Self::SetupFields, any},
                                {kSortCommand, u"Sort", &Self::Sort, any},
+                               {kFilterCommand, u"Filter", &Self::Filter, any},
                                {kDeleteCommand, u"Delete", &Self::Delete, can_go}}},
             .keys = {{kActionCommand, {}, &Self::Edit, any}, {kBackCommand, {}, &Self::Done}}};
   }
@@ -52,10 +56,10 @@ class EditViewsScreen : public CommandScreen<EditViewsScreen> {
   void onResize(Dialog& dialog) override {
     const Size size = dialog.screenSize();
     dialog.control(kViewList).setPlace({0, 0, size.width, size.height});
-    dialog.list(kViewList).setColumns({{u"Views", size.width}});
+    dialog.list(kViewList).setColumns({{u"Views", std::max(0, size.width - kColumnMargin)}});
   }
   void onNotice(Dialog& dialog, ControlId control, Notice notice) override {
-    if (control == kViewList && notice == Notice::kActivated) Edit(dialog);
+    if (control == kViewList && notice == Notice::kActivated) onCommand(dialog, kActionCommand);
   }
   void onPaintRow(Dialog& dialog, ControlId, int row, ListPainter& painter,
                   const Rect& area) override {
@@ -65,13 +69,13 @@ class EditViewsScreen : public CommandScreen<EditViewsScreen> {
     if (row >= viewCount(schema())) return;
     const Rect cell{area.x + 2, area.y, area.width - 4, area.height};
     painter.text(cell, rowText(dialog, kViewList, row),
-                 is_selected ? colors.selected_ink : colors.ink,
-                 row == schema().current_view ? TextWeight::kSemiBold : TextWeight::kNormal);
+                 is_selected ? colors.selected_ink : colors.ink, TextWeight::kNormal);
   }
   std::u16string rowText(Dialog&, ControlId, int row) override {
     if (row < 0 || row >= viewCount(schema())) return {};
     const ViewSettings view = viewSettings(schema(), row);
     std::u16string text = ScreenText(app_, view.name);
+    if (row == schema().current_view) text += u" (current)";
     if (view.switches_database) text += u" (Switch DB: " + ScreenText(app_, view.target) + u")";
     return text;
   }
@@ -103,6 +107,7 @@ class EditViewsScreen : public CommandScreen<EditViewsScreen> {
   }
   void SetupFields(Dialog& dialog) { ShowFieldsSetup(app_, selected(dialog)); }
   void Sort(Dialog& dialog) { ShowSort(app_, selected(dialog)); }
+  void Filter(Dialog& dialog) { ShowFilter(app_, selected(dialog)); }
   void Delete(Dialog& dialog) {
     const int view = selected(dialog);
     const std::u16string name = ScreenText(app_, viewName(schema(), view));

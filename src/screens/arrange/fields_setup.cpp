@@ -91,8 +91,17 @@ class FieldsSetupScreen : public CommandScreen<FieldsSetupScreen> {
   }
   void onNotice(Dialog& dialog, ControlId control, Notice notice) override {
     if (notice != Notice::kEdited) return;
-    if (control == kSetupField) ChooseField(dialog);
+    if (control == kSetupField) {
+      Show(dialog, static_cast<std::size_t>(dialog.control(kSetupField).selection()));
+    }
     if (control == kSetupInList) ShowWidth(dialog);
+  }
+  // From field to field, wherever the focus is.
+  bool onKey(Dialog& dialog, const KeyPress& key) override {
+    const bool back = key.key == Key::kPageUp;
+    if (!back && key.key != Key::kPageDown) return false;
+    if (back ? at_ > 0 : at_ + 1 < order_.size()) Show(dialog, back ? at_ - 1 : at_ + 1);
+    return true;
   }
   bool acceptsCharacter(Dialog&, ControlId, char32_t character) override {
     return character >= U'0' && character <= U'9';
@@ -168,10 +177,9 @@ class FieldsSetupScreen : public CommandScreen<FieldsSetupScreen> {
     return true;
   }
 
-  void ChooseField(Dialog& dialog) {
-    const int chosen = dialog.control(kSetupField).selection();
+  void Show(Dialog& dialog, std::size_t at) {
     if (!Take(dialog)) return dialog.control(kSetupField).select(static_cast<int>(at_));
-    at_ = static_cast<std::size_t>(chosen);
+    at_ = at;
     ShowField(dialog);
   }
   void Move(Dialog& dialog, int step) {

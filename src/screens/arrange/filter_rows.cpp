@@ -74,8 +74,8 @@ DialogTemplate filterTemplate() {
 
 }  // namespace
 
-int ShowFilter(Application& app) {
-  FilterScreen screen(app);
+int ShowFilter(Application& app, int view) {
+  FilterScreen screen(app, view);
   return RunModalDialog(app, filterTemplate(), screen);
 }
 

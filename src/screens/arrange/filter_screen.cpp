@@ -38,8 +38,13 @@ FilterPart boxOf(DraftFault::Box box) {
 
 }  // namespace
 
-FilterScreen::FilterScreen(Application& app)
-    : app_(app), settings_(QuerySettingsOf(app, CurrentDatabase(app))) {}
+FilterScreen::FilterScreen(Application& app, int view)
+    : app_(app), view_(view), settings_(QuerySettingsOf(app, CurrentDatabase(app))) {}
+
+std::array<FilterBlock, kFilterCriteria>& FilterScreen::Stored() const {
+  DatabaseRecord& schema = CurrentDatabase(app_).schema;
+  return view_ < 0 ? schema.filters : schema.views[static_cast<std::size_t>(view_)].filters;
+}
 
 CriterionContext FilterScreen::Context() const {
   return {CurrentDatabase(app_), app_.level().encoding, settings_};
@@ -76,7 +81,7 @@ void FilterScreen::onInit(Dialog& dialog) {
     At(dialog, i, Part::kField).setChoices(names);
     At(dialog, i, Part::kRange).setChoices(ranges);
     At(dialog, i, Part::kCheck).setChoices({u"Unchecked", u"Checked"});
-    const FilterBlock& stored = database.schema.filters[static_cast<std::size_t>(i)];
+    const FilterBlock& stored = Stored()[static_cast<std::size_t>(i)];
     CriterionDraft draft = draftOf(Context(), stored);
     // One that never was set begins with any value of the first field.
     if (stored == FilterBlock{} && !slots_.empty()) {
@@ -199,7 +204,7 @@ void FilterScreen::OnLeft(Dialog& dialog, int criterion, Part part) {
     const auto value = wholeOfText(kind, utf8Of(box), settings_.formats);
     if (value) box.setText(FromUtf8(wholeText(kind, *value, settings_.formats)));
   }
-  FilterBlock trial = CurrentDatabase(app_).schema.filters[i];
+  FilterBlock trial = Stored()[i];
   auto fault = storeDraft(Context(), draft, trial);
   if (fault && boxOf(fault->box) != part) return;  // said when that box is left
   faults_[i] = std::move(fault);
@@ -277,7 +282,7 @@ void FilterScreen::Point(Dialog& dialog, const Faulty& faulty) {
 // One that is off and not understood is switched off as it was before.
 std::optional<FilterScreen::Faulty> FilterScreen::Store(Dialog& dialog) {
   Database& database = CurrentDatabase(app_);
-  auto criteria = database.schema.filters;
+  auto criteria = Stored();
   for (int criterion = 0; criterion < kFilterCriteria; ++criterion) {
     const auto i = static_cast<std::size_t>(criterion);
     const CriterionDraft draft = Draft(dialog, criterion);
@@ -286,13 +291,16 @@ std::optional<FilterScreen::Faulty> FilterScreen::Store(Dialog& dialog) {
     if (fault && draft.enabled) return Faulty{criterion, *fault};
     if (fault) criteria[i].enabled = 0;
   }
-  if (criteria == database.schema.filters) return std::nullopt;
+  if (criteria == Stored()) return std::nullopt;
   WaitCursor waiting(app_);
-  app_.level().history.Perform(CurrentTarget(app_), "Filter", [&] {
-    database.schema.filters = criteria;
+  const auto change = [&] {
+    Stored() = criteria;
     setDirty(database);
+    if (view_ >= 0) return;
     recomputeDependents(database, QuerySettingsOf(app_, database));  // totals of what is shown
-  });
+  };
+  app_.level().history.Perform(CurrentTarget(app_), "Filter", change,
+                               view_ < 0 ? SchemaExtent::kSettings : SchemaExtent::kWhole);
   return std::nullopt;
 }
 

@@ -47,7 +47,7 @@ inline constexpr ControlId FilterControl(int criterion, FilterPart part) {
 
 class FilterScreen : public CommandScreen<FilterScreen> {
  public:
-  explicit FilterScreen(Application& app);
+  FilterScreen(Application& app, int view);
 
   CommandTable<FilterScreen> Commands(Dialog& dialog);
   void onInit(Dialog& dialog) override;
@@ -58,6 +58,8 @@ class FilterScreen : public CommandScreen<FilterScreen> {
 
  private:
   using Part = FilterPart;
+
+  std::array<FilterBlock, kFilterCriteria>& Stored() const;
   struct Faulty {
     int criterion;
     DraftFault fault;
@@ -88,6 +90,7 @@ class FilterScreen : public CommandScreen<FilterScreen> {
   void Point(Dialog& dialog, const Faulty& faulty);
 
   Application& app_;
+  const int view_;  // -1: the database's own filter
   const QuerySettings settings_;
   std::vector<int> slots_;                             // that the field lists offer
   std::array<CriterionDraft, kFilterCriteria> shown_;  // when the dialog opened
@@ -98,9 +101,9 @@ class FilterScreen : public CommandScreen<FilterScreen> {
   std::array<std::optional<DraftFault>, kFilterCriteria> faults_;
 };
 
-// Shows and stores the filter of the current database, as one step that can be taken back; the
-// list of records is to be refreshed afterwards. kDialogDone, kDialogClosed when cancelled, or
-// kDialogAutoClosed.
-int ShowFilter(Application& app);
+// Shows and stores the filter of the current database, or of one of its views, as one step that can
+// be taken back; the list of records is to be refreshed afterwards. kDialogDone, kDialogClosed when
+// cancelled, or kDialogAutoClosed.
+int ShowFilter(Application& app, int view = -1);
 
 }  // namespace tabelion

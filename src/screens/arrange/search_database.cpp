@@ -84,7 +84,8 @@ class SearchScreen : public CommandScreen<SearchScreen> {
   }
   void Cancel(Dialog& dialog) { dialog.end(kDialogClosed); }
 
-  // What is the same as before is no step; that somebody searched marks the database all the same.
+  // What is the same as before is no step. That somebody searched marks the database all the same;
+  // that the dialog was left open does not.
   bool store(Dialog& dialog) {
     const auto text = TextOfBox(app_, dialog, kSearchText, kMaxSearchText, kTitle);
     if (!text) return false;

@@ -5,6 +5,7 @@
 #include "screens/arrange/edit_view.h"
 #include "screens/arrange/edit_views.h"
 #include "screens/arrange/fields_setup.h"
+#include "screens/arrange/filter_screen.h"
 #include "screens/arrange/sort_screen.h"
 #include "screens/kit/screen_numbers.h"
 #include "screens/records/record_list.h"
@@ -125,7 +126,8 @@ TEST_F(ViewScreens, AViewComesIntoBeingWithOkAlone) {
   editViews()
       .look([](FakeDialog& dialog) {
         EXPECT_EQ(dialog.menuTexts({u"Menu"}),
-                  (Texts{u"New", u"Copy", u"Edit View", u"Fields Setup", u"Sort", u"-Delete"}));
+                  (Texts{u"New", u"Copy", u"Edit View", u"Fields Setup", u"Sort", u"Filter",
+                         u"-Delete"}));
       })
       .choose({u"Menu", u"New"});
   view()
@@ -148,7 +150,8 @@ TEST_F(ViewScreens, AViewComesIntoBeingWithOkAlone) {
   view().write(kViewName, u"Mine").pick(kViewLiveUpdate, u"Live Update").choose({u"OK"});
   views().look([](FakeDialog& dialog) {
     EXPECT_EQ(dialog.fake(kViewList).selectedRow(), 1);
-    EXPECT_EQ(dialog.handler.rowText(dialog, kViewList, 1), u"Mine");
+    EXPECT_EQ(dialog.handler.rowText(dialog, kViewList, 0), u"Default View");
+    EXPECT_EQ(dialog.fake(kViewList).paintRow(1).words(), Texts{u"Mine"});
   });
   views().choose({u"Done"});
   list()
@@ -164,9 +167,12 @@ TEST_F(ViewScreens, TheTwentyFirstIsRefusedAndADeletionAsks) {
   for (int view = 1; view < kViewSlots; ++view) add("View " + std::to_string(view));
   database->schema.current_view = 19;
   editViews()
-      .look([](FakeDialog& dialog) { EXPECT_EQ(dialog.fake(kViewList).selectedRow(), 19); })
-      .look(
-          offers({u"Menu"}, {u"New", u"-Copy", u"Edit View", u"Fields Setup", u"Sort", u"Delete"}))
+      .look([](FakeDialog& dialog) {
+        EXPECT_EQ(dialog.fake(kViewList).selectedRow(), 19);
+        EXPECT_EQ(dialog.handler.rowText(dialog, kViewList, 19), u"View 19 (current)");
+      })
+      .look(offers({u"Menu"}, {u"New", u"-Copy", u"Edit View", u"Fields Setup", u"Sort", u"Filter",
+                               u"Delete"}))
       .choose({u"Menu", u"New"});
   world.phone.says(u"Sorry, you have reached the maximum number of Views for this database.",
                    u"New View");
@@ -194,7 +200,8 @@ TEST_F(ViewScreens, FieldsAreSetUpTogetherOrNotAtAll) {
         .pick(kSetupExport, u"Do Not Export")
         .press(Key::kBack);
   };
-  editViews();
+  editViews().press(Key::kEnter);
+  view().choose({u"OK"});  // as it was
   setUp();
   drop();
   setUp();
@@ -225,7 +232,8 @@ TEST_F(ViewScreens, FieldsAreSetUpTogetherOrNotAtAll) {
         EXPECT_EQ(dialog.fake(kSetupField).choices, (Texts{u"Name", u"Memo", u"Kind"}));
         EXPECT_EQ(dialog.fake(kSetupPlace).text(), u"Field 2 of 3");
       })
-      .pick(kSetupField, u"Kind")
+      .press(Key::kPageDown)  // Kind, the last
+      .press(Key::kPageDown)
       .write(kSetupWidth, u"90")
       .look(offers({u"Menu"}, {u"Move Up", u"-Move Down", u"Cancel"}))
       .choose({u"OK"});
@@ -252,12 +260,14 @@ TEST_F(ViewScreens, TheCurrentViewFollowsWhatItsEditorChanged) {
   fields().choose({u"OK"});
   views().choose({u"Menu", u"Sort"});
   world.phone.at(kSortScreen).pick(SortWayChoice(0), u"Reverse").choose({u"OK"});
+  views().choose({u"Menu", u"Filter"});
+  world.phone.at(kFilterScreen).write(FilterControl(0, FilterPart::kFirst), u"e").choose({u"OK"});
   views().press(Key::kBack);
   list()
-      .look(lists("Kind Name tree[tree] Trees"))
-      .choose({u"Menu", u"Undo Sort"})  // with what followed from both, which is done in the end
+      .look(lists("Kind Name herbtreeshade[tree] Trees"))
+      .choose({u"Menu", u"Undo Filter"})  // with what followed from all three, done in the end
       .look(lists("Name [Ash]Oak Trees"))
-      .press(Key::kUndo);
+      .press(Key::kUndo, 2);
   editViews().press(Key::kBack);  // looked at alone
   list().look([](FakeDialog& dialog) {
     EXPECT_THAT(dialog.menuTexts({u"Menu"}), testing::Contains(u"Redo Setup of fields"));
