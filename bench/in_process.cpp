@@ -2,7 +2,6 @@
 // record limit, in this process. Usage: in_process FILE.PDB [--benchmark_…]
 #include "in_process.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <string>
 
@@ -12,16 +11,6 @@
 #include "query/field_text.h"
 
 namespace tabelion {
-
-void setCriterion(Database& database, std::size_t criterion, int slot, std::string_view value1,
-                  std::string_view value2) {
-  FilterBlock& block = database.schema.filters[criterion];
-  block = {};
-  block.enabled = 1;
-  block.field = static_cast<std::uint16_t>(slot);
-  std::copy(value1.begin(), value1.end(), block.value1.begin());
-  std::copy(value2.begin(), value2.end(), block.value2.begin());
-}
 
 namespace {
 

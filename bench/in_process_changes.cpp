@@ -91,7 +91,7 @@ void deleteWithinFilter(benchmark::State& state, const std::string& path) {
   if (openDatabase(database, engine) != 1) return state.SkipWithError("cannot be opened");
   QuerySettings settings;
   settings.formats = matchingSettings(LocaleInfo{});
-  setCriterion(database, 0, kWeight, kLowest, kHighestDeleted);
+  setCriterion(database, 0, kWeightSlot, kLowest, kHighestDeleted);
   History history;
   std::uint32_t current = 0;
   const ChangeTarget target{database, current};

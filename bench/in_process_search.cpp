@@ -24,10 +24,10 @@ QuerySettings querySettings() {
 
 // Of one kind, with a weight in a range and a text with a word.
 void chooseCriteria(Database& database) {
-  const ByteView key = database.fields[kKind].items[kItem].valueKey();
-  setCriterion(database, 0, kKind, {reinterpret_cast<const char*>(key.data()), key.size()});
-  setCriterion(database, 1, kWeight, kLowest, kHighest);
-  setCriterion(database, 2, kLongWords, kWord);
+  const ByteView key = database.fields[kKindSlot].items[kItem].valueKey();
+  setCriterion(database, 0, kKindSlot, {reinterpret_cast<const char*>(key.data()), key.size()});
+  setCriterion(database, 1, kWeightSlot, kLowest, kHighest);
+  setCriterion(database, 2, kLongWordsSlot, kWord);
 }
 
 void filterBy(benchmark::State& state, Database& database, bool weight_alone) {
@@ -41,7 +41,7 @@ void filterBy(benchmark::State& state, Database& database, bool weight_alone) {
 
 // The records lie anywhere in memory once they were sorted; afterwards as the file has them.
 void filterSorted(benchmark::State& state, Database& database) {
-  database.schema.sort[0] = {kTitle, 1};
+  database.schema.sort[0] = {kTitleSlot, 1};
   sortRecords(database, querySettings().formats);
   database.schema.sort[0] = {};
   filterBy(state, database, false);
@@ -60,15 +60,15 @@ struct Columns {
 
 Columns decoded(const Database& database) {
   Columns columns;
-  const FieldRecord& kinds = database.fields[kKind];
+  const FieldRecord& kinds = database.fields[kKindSlot];
   for (const Record& record : database.records) {
     const auto value = [&](int slot) { return *slotValue(record.bytes(), slot); };
-    const PopupItem* item = findItem(kinds, value(kKind));
+    const PopupItem* item = findItem(kinds, value(kKindSlot));
     columns.kind.push_back(item ? static_cast<std::size_t>(item - kinds.items.data()) : SIZE_MAX);
-    columns.weight.push_back(numberOfText(storedText(value(kWeight)), false));
-    columns.words.push_back(lowerCaseText(storedText(value(kLongWords))));
-    columns.titles.push_back(lowerCaseText(storedText(value(kTitle))));
-    columns.places.push_back(lowerCaseText(storedText(value(kPlace))));
+    columns.weight.push_back(numberOfText(storedText(value(kWeightSlot)), false));
+    columns.words.push_back(lowerCaseText(storedText(value(kLongWordsSlot))));
+    columns.titles.push_back(lowerCaseText(storedText(value(kTitleSlot))));
+    columns.places.push_back(lowerCaseText(storedText(value(kPlaceSlot))));
   }
   return columns;
 }
@@ -99,7 +99,7 @@ class OnlyInTheLast {
     const ByteView bytes = database.records[position_].bytes();
     original_.assign(bytes.begin(), bytes.end());
     UnpackedRecord record = unpackRecord(bytes);
-    Bytes& words = *record.slots[kLongWords];
+    Bytes& words = *record.slots[kLongWordsSlot];
     words.insert(words.begin(), kOnlyInTheLast.begin(), kOnlyInTheLast.end());
     Bytes packed;
     if (!packRecord(record, packed) || !database_.records.replace(position_, packed)) position_ = 0;

@@ -21,8 +21,8 @@ class SortedDatabase {
     for (const Record& record : database.records) {
       places_.emplace(record.bytes().data(), places_.size());
     }
-    database.schema.sort = {SortKey{kTitle, kSortForward}, SortKey{kCount, 0},
-                            SortKey{kDay, kSortForward}};
+    database.schema.sort = {SortKey{kTitleSlot, kSortForward}, SortKey{kCountSlot, 0},
+                            SortKey{kDaySlot, kSortForward}};
   }
   ~SortedDatabase() {
     unsort();
@@ -76,12 +76,12 @@ PeerKey peerKey(const Record& record, std::uint32_t position) {
   PeerKey key;
   key.position = position;
   SlotWalker walker(record.bytes());
-  for (int slot = 0; slot <= kDay; ++slot) {
+  for (int slot = 0; slot <= kDaySlot; ++slot) {
     const auto value = walker.next();
     if (!value) break;
-    if (slot == kTitle) key.title = lowerCaseText(storedText(*value));
-    if (slot == kCount) key.count = static_cast<std::int32_t>(numberOfValue(*value));
-    if (slot == kDay) key.day = static_cast<std::int32_t>(numberOfValue(*value));
+    if (slot == kTitleSlot) key.title = lowerCaseText(storedText(*value));
+    if (slot == kCountSlot) key.count = static_cast<std::int32_t>(numberOfValue(*value));
+    if (slot == kDaySlot) key.day = static_cast<std::int32_t>(numberOfValue(*value));
   }
   return key;
 }

@@ -36,13 +36,14 @@ Statement prepare(sqlite3* connection, const std::string& sql) {
 void bindValue(sqlite3_stmt* insert, int parameter, const Database& database, int slot,
                ByteView value) {
   const FieldType type = database.schema.fields[static_cast<std::size_t>(slot)].type;
-  if (slot == kKind) {
-    const FieldRecord& kinds = database.fields[kKind];
+  if (slot == kKindSlot) {
+    const FieldRecord& kinds = database.fields[kKindSlot];
     const PopupItem* item = findItem(kinds, value);
     sqlite3_bind_int64(insert, parameter, item ? item - kinds.items.data() : -1);
   } else if (type == FieldType::kFloat) {
     sqlite3_bind_double(insert, parameter, numberOfText(storedText(value), false));
-  } else if (slot == kTitle || slot == kPlace || slot == kNote || slot == kLongWords) {
+  } else if (slot == kTitleSlot || slot == kPlaceSlot || slot == kNoteSlot ||
+             slot == kLongWordsSlot) {
     const std::string_view text = storedText(value);
     sqlite3_bind_text(insert, parameter, text.data(), static_cast<int>(text.size()),
                       SQLITE_TRANSIENT);

@@ -121,11 +121,7 @@ awk -v peak="$peak" -v size="$size" 'BEGIN {
   printf "| peak memory after open | %.1f MB | the file | %.1f MB | %.2f | 1.5 | %s |\n",
          peak * 1024 / 1e6, size / 1e6, r, (r <= 1.5 ? "yes" : "no") }'
 
-if [[ -x $build/bin/record_list_paint ]]; then
-  mkdir -p "$work/documents/Tabelion"
-  cp "$work/records.PDB" "$work/documents/Tabelion/"
-  "$build/bin/record_list_paint" "$work/documents"
-fi
+if [[ -x $build/bin/window ]]; then "$build/bin/window" "$work/records.PDB"; fi
 
 echo
 echo "In one process:"
