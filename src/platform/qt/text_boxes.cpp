@@ -127,7 +127,9 @@ class EditControl final : public ControlOf<Control> {
     return true;
   }
   void selectContent() override { line_->selectAll(); }
-  void moveCaretToEnd() override { line_->end(false); }
+  void moveCaretToEnd() override {
+    if (!line_->isReadOnly()) line_->end(false);  // what is only read is read from its start
+  }
   void eraseBeforeCaret() override { line_->backspace(); }
 
  private:

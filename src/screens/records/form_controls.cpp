@@ -7,7 +7,6 @@
 namespace tabelion {
 namespace {
 
-constexpr std::size_t kButtonCharacters = 10;
 constexpr int kLongestInteger = 11;  // the sign and the digits of 32 bits
 
 bool hasLineBreak(const std::u16string& text) {
@@ -106,11 +105,11 @@ int MaxTypedLength(const FieldDefinition& field) {
   return 0;
 }
 
-std::u16string ButtonText(const std::u16string& text) {
+std::u16string ButtonText(const std::u16string& text, std::size_t characters) {
   if (text.empty()) return u"Note…";
   const std::size_t line = std::min(text.find(u'\n'), text.size());
-  if (line == text.size() && line <= kButtonCharacters) return text;
-  std::size_t length = std::min(line, kButtonCharacters - 1);
+  if (line == text.size() && line <= characters) return text;
+  std::size_t length = std::min(line, characters - 1);
   if (length > 0 && (text[length - 1] & 0xFC00) == 0xD800) --length;  // half a character
   return text.substr(0, length) + u"…";
 }

@@ -19,8 +19,8 @@ Picture FormIconPicture(FieldType type);
 // checked when the value is stored.
 int MaxTypedLength(const FieldDefinition& field);
 
-// On a button: the first words of its text.
-std::u16string ButtonText(const std::u16string& text);
+// On a button: the first words of its text, so many characters at most.
+std::u16string ButtonText(const std::u16string& text, std::size_t characters);
 
 // Whether a number box that held `before` may hold this: digits and at most one decimal point,
 // behind a minus when there was one before.

@@ -150,12 +150,11 @@ FormLayout layoutWide(const DatabaseRecord& schema, const FormScreen& screen) {
       top += kSeparatorStep;
       continue;
     }
-    const int fixed = shapeOf(field->type).fixed_value_width;
     FormRow row;
     row.slot = slotOf(schema, *field);
     row.type = field->type;
     row.label = {kWideLabelLeft, top, label_width, row_height};
-    row.value = {value_left, top, fixed != 0 ? fixed : value_width, row_height};
+    row.value = {value_left, top, value_width, row_height};
     if (shapeOf(field->type).has_icon) {
       row.icon = Rect{kWideMargin, top + row_height / 2 - kIconMiddle, kIconSize, kIconSize};
     }

@@ -14,6 +14,9 @@
 namespace tabelion {
 namespace {
 
+constexpr int kFewestOnButton = 10;  // characters, of a phone's narrow button
+constexpr int kButtonMargin = 16;
+
 void replaceAll(std::u16string& text, std::u16string_view from, std::u16string_view to) {
   for (std::size_t at = text.find(from); at != std::u16string::npos;
        at = text.find(from, at + to.size())) {
@@ -123,12 +126,18 @@ void RecordForm::AddControls(Dialog& dialog, const Field& field) {
     value.text = field.shown;
     value.max_length = field.max_length;
   } else if (field.kind == ControlKind::kButton) {
-    value.text = ButtonText(field.shown);  // stays enabled: it shows what the button leads to
+    value.text = ButtonFace(dialog, field);  // stays enabled: it shows what the button leads to
   } else {
     value.enabled = !field.read_only;
   }
   Control& control = dialog.addControl(value);
   if (field.kind == ControlKind::kCheckBox) control.setChecked(field.shown.starts_with(u'1'));
+}
+
+std::u16string RecordForm::ButtonFace(Dialog& dialog, const Field& field) const {
+  const int room = field.row.value.width - kButtonMargin;
+  const int characters = room / std::max(1, dialog.textSize(u"n", 0).width);
+  return ButtonText(field.text, static_cast<std::size_t>(std::max(kFewestOnButton, characters)));
 }
 
 // The items in their order, each indented by its level, and "No Value" behind them.
@@ -158,7 +167,9 @@ void RecordForm::Place(Dialog& dialog) {
     if (field == nullptr) continue;
     field->row = row;
     dialog.control(FormLabel(row.slot)).setPlace(row.label);
-    dialog.control(FormValue(row.slot)).setPlace(row.value);
+    Control& value = dialog.control(FormValue(row.slot));
+    value.setPlace(row.value);
+    if (field->kind == ControlKind::kButton) value.setText(ButtonFace(dialog, *field));
     if (row.icon) dialog.control(FormIcon(row.slot)).setPlace(*row.icon);
   }
   dialog.setContentHeight(layout.height);
@@ -343,7 +354,7 @@ void RecordForm::OnActivated(Dialog& dialog, ControlId value_control) {
                 .read_only = field->read_only};
   if (EditNoteText(app_, note) == kDialogClosed || field->read_only) return;
   field->text = note.text;
-  dialog.control(value_control).setText(ButtonText(note.text));
+  dialog.control(value_control).setText(ButtonFace(dialog, *field));
 }
 
 RecordForm::Field* RecordForm::FieldOf(ControlId value_control) {

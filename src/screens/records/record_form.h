@@ -79,6 +79,7 @@ class RecordForm {
   FormLayout LayOut(Dialog& dialog) const;
   void AddControls(Dialog& dialog, const Field& field);
   void FillChoice(Dialog& dialog, Field& field, ByteView record);
+  std::u16string ButtonFace(Dialog& dialog, const Field& field) const;
   bool IsChanged(Dialog& dialog, const Field& field) const;
   std::u16string TypedText(const Control& control, const Field& field) const;
   std::u16string EditedText(const Field& field, const Bytes& value) const;

@@ -94,6 +94,7 @@ TEST(FormLayout, HasOneColumnOfEachOnWideScreens) {
         EXPECT_EQ(row.value.x, first.value.x);
         EXPECT_EQ(row.value.y, first.value.y + static_cast<int>(i) * 28);
         EXPECT_EQ(row.label.y + row.label.height / 2, row.value.y + row.value.height / 2);
+        EXPECT_EQ(row.value.width, first.value.width);  // notes, too, show more of themselves
         EXPECT_LE(row.value.x + row.value.width, width);
         EXPECT_LE(row.icon.value_or(Rect{}).x + 10, row.label.x);
       }
