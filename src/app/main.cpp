@@ -1,4 +1,3 @@
-#include <QApplication>
 #include <QIcon>
 #include <QScreen>
 #include <QTemporaryDir>
@@ -10,9 +9,11 @@
 #include "app/tour/tour.h"
 #include "app/window_memory.h"
 #include "platform/qt/desktop_look.h"
+#include "platform/qt/guarded_loop.h"
 #include "platform/qt/qt_instance.h"
 #include "platform/qt/theme.h"
 #include "platform/std/core_dumps.h"
+#include "shell/run.h"
 
 namespace {
 
@@ -96,7 +97,7 @@ int main(int argc, char** argv) {
     return tabelion::kExitNotStarted;
   }
   qInstallMessageHandler(sayOrEnd);
-  QApplication app(argc, argv);
+  tabelion::GuardedApplication app(argc, argv);
   QApplication::setApplicationName(QStringLiteral("tabelion"));
   QApplication::setDesktopFileName(QString::fromLatin1(tabelion::kApplicationId));
   QApplication::setWindowIcon(QIcon::fromTheme(QApplication::desktopFileName()));
@@ -119,6 +120,9 @@ int main(int argc, char** argv) {
   forgetActivationToken();
   const int exit_code = tabelion::runProgram(parsed.options, places, dialogs, instance);
   window.keep(dialogs.frame());
+  if (exit_code == tabelion::kExitNoMemory) {
+    tabelion::sayToTerminal("tabelion: there is not enough memory to go on.\n");
+  }
   if (instance.problem().empty()) return exit_code;
   tabelion::sayToTerminal("tabelion: " + instance.problem() + ".\n");
   return tabelion::kExitNotStarted;

@@ -1,5 +1,7 @@
 #include "services/open_database.h"
 
+#include <new>
+
 #include "security/access_rights.h"
 #include "security/wipe_stack.h"
 #include "services/folders.h"
@@ -162,6 +164,32 @@ void CloseAllDatabases(Application& app, const ClosingQuestions& questions) {
     }
     if (app.stack.current_depth > 0) --app.stack.current_depth;
   }
+}
+
+void EndWithoutMemory(Application& app) {
+  app.open_dialogs.clear();
+  app.closing = Closing::kSessionEnds;
+  bool all_kept = true;
+  while (IsDatabaseOpen(app)) {
+    bool kept = !isDirty(CurrentDatabase(app));
+    try {
+      Sealing sealing;
+      kept = kept ||
+             (EncryptWholeDatabase(app, {}, sealing) && RescueDatabase(app, OtherFolders(app)));
+    } catch (const std::bad_alloc&) {
+    }
+    all_kept &= kept;
+    closeDatabase(CurrentDatabase(app));
+    LeaveLevel(app);
+    if (app.stack.current_depth > 0) --app.stack.current_depth;
+  }
+  app.closing = Closing::kNo;
+  ShowMessage(app,
+              std::u16string(u"There is not enough memory to go on, so Tabelion ends. The files "
+                             u"hold what was saved last.") +
+                  (all_kept ? u"" : u" What was changed since could not be kept."),
+              u"Tabelion", MessageIcon::kError);
+  NameRescuedDatabases(app);
 }
 
 }  // namespace tabelion

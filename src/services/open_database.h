@@ -53,4 +53,8 @@ bool CloseDatabase(Application& app, AskBeforeSaving ask, const ClosingQuestions
 // end of the session, when nobody can be asked, what cannot be saved is saved elsewhere.
 void CloseAllDatabases(Application& app, const ClosingQuestions& questions = {});
 
+// The same when memory ran out in the middle of something: a database may have been changed in
+// part, so its file stays what it is and what was changed goes into a copy. Says so, and where.
+void EndWithoutMemory(Application& app);
+
 }  // namespace tabelion

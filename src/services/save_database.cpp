@@ -138,8 +138,8 @@ void NameRescuedDatabases(Application& app) {
     WriteSetting(settings, Setting::kRescuedFile, "", number);
     WriteSetting(settings, Setting::kRescuedCopy, "", number);
     ShowMessage(app,
-                u"When the session ended, \"" + FromUtf8(path) +
-                    u"\" could not be saved. It is, with all changes, in \"" + FromUtf8(copy) +
+                u"When the program had to end, \"" + FromUtf8(path) +
+                    u"\" could not be saved. It is, with what was changed, in \"" + FromUtf8(copy) +
                     u"\".",
                 u"Update", MessageIcon::kExclamation);
   }

@@ -79,7 +79,8 @@ inline constexpr SettingRow kSettingTable[] = {
     {Setting::kSampleDatabases, SettingsRoot::kUser, kProgramKey, "SampleDBs", 10},
     // paths of the databases that were used last, 0 to 9, the last one first
     {Setting::kLastFile, SettingsRoot::kUser, kProgramKey, "LastFile%", 1024},
-    // databases that could not be saved when the session ended, and where they are instead, from 0
+    // databases that could not be saved when the program had to end, and where they are instead,
+    // from 0
     {Setting::kRescuedFile, SettingsRoot::kUser, kProgramKey, "RescuedFile%", 1024},
     {Setting::kRescuedCopy, SettingsRoot::kUser, kProgramKey, "RescuedCopy%", 1024},
     // database (path) and record (number) of the alarm last acted on

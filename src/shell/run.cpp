@@ -1,5 +1,7 @@
 #include "shell/run.h"
 
+#include <new>
+
 #include "screens/files/changed_file.h"
 #include "screens/files/closing_questions.h"
 #include "services/application.h"
@@ -20,9 +22,18 @@ int RunTabelion(Platform& platform, const StartOptions& options, const AlarmStep
   app.ask_changed_file = [&app](const std::string& path) { return AskChangedFile(app, path); };
   MainWindow window(app, {.code_page = options.code_page, .request = request, .alarm = alarm});
   // Not through the function that runs every other dialog: the main window never closes by itself.
-  platform.dialogs.runModal(MainWindowTemplate(), window);
+  bool ran_short = false;
+  try {
+    platform.dialogs.runModal(MainWindowTemplate(), window);
+  } catch (const std::bad_alloc&) {
+    ran_short = true;
+  }
   platform.instance.listen({});
   platform.dialogs.whenWindowCloses({});
+  if (ran_short) {
+    EndWithoutMemory(app);
+    return kExitNoMemory;
+  }
   if (window.SessionEnds()) app.closing = Closing::kSessionEnds;
   CloseAllDatabases(app, AskWhenClosing(app));
   KeepNotStored(app);

@@ -25,9 +25,12 @@ struct AlarmRecord {
 // see it.
 using AlarmStep = std::function<std::optional<AlarmRecord>(const std::string& command_line)>;
 
+inline constexpr int kExitNoMemory = 12;
+
 // Shows the chooser and returns, with the program's exit code, when the user leaves it. Every
 // database is closed, and saved, by then. When another copy runs, it is handed the command line or
-// the file instead, and nothing is shown here.
+// the file instead, and nothing is shown here. kExitNoMemory when memory ran out: the files are
+// then as they were saved last, and what was changed since is in copies that the user is told of.
 int RunTabelion(Platform& platform, const StartOptions& options, const AlarmStep& alarm = {});
 
 }  // namespace tabelion

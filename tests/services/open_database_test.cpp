@@ -151,8 +151,8 @@ TEST(OpenDatabase, WhatTheEndOfTheSessionCannotSaveIsRescuedAndNamedOnce) {
   Application app(world.platform);
   for (const std::u16string copy : {u"Notes.PDB", u"Notes 2.PDB"}) {
     world.phone.says(
-        u"When the session ended, \"/documents/Tabelion/Notes.PDB\" could not be "
-        u"saved. It is, with all changes, in \"/documents/" +
+        u"When the program had to end, \"/documents/Tabelion/Notes.PDB\" could not be "
+        u"saved. It is, with what was changed, in \"/documents/" +
             copy + u"\".",
         u"Update");
   }

@@ -426,5 +426,25 @@ TEST_F(Chooser, MenuFollowsTheSelectedDatabase) {
   EXPECT_FALSE(world.files.exists(path));
 }
 
+TEST_F(Chooser, WhereMemoryEndsTheChangesGoIntoACopy) {
+  const std::string path = world.add("Pears", {{"Sort"}}, {{"Kieffer"}, {"Bosc"}});
+  const auto stored = world.files.bytes(path);
+  chooser().press(Key::kEnter);
+  world.phone.at(kRecordListScreen).press(Key::kEnter);
+  world.phone.at(kEditRecordScreen).write(FormValue(0), u"Williams").press(Key::kEnter);
+  world.phone.at(kRecordListScreen).press(Key::kEnter);
+  world.phone.at(kEditRecordScreen).look([](FakeDialog&) { throw std::bad_alloc(); });
+  world.phone.says(
+      u"There is not enough memory to go on, so Tabelion ends. The files hold what was saved last.",
+      u"Tabelion");
+  world.phone.says(
+      u"When the program had to end, \"/documents/Tabelion/Pears.PDB\" could not be saved. It is, "
+      u"with what was changed, in \"/documents/Pears.PDB\".",
+      u"Update");
+  world.phone.play([&] { EXPECT_EQ(RunTabelion(world.platform, {}), kExitNoMemory); });
+  EXPECT_EQ(world.files.bytes(path), stored);
+  EXPECT_EQ(world.cell("/documents/Pears.PDB", 0, 0), "Williams");
+}
+
 }  // namespace
 }  // namespace tabelion

@@ -492,6 +492,10 @@ void FakePhone::settle(FakeDialog& dialog) {
 int FakePhone::runModal(const DialogTemplate& from, DialogHandler& handler) {
   FakeDialog dialog(*this, from, handler);
   open_.push_back(&dialog);
+  const struct OnTop {
+    ~OnTop() { open.pop_back(); }
+    std::vector<FakeDialog*>& open;
+  } on_top{open_};
   handler.onInit(dialog);
   if (dialog.focused() == nullptr) {
     for (const ControlId id : dialog.order) {
@@ -513,8 +517,7 @@ int FakePhone::runModal(const DialogTemplate& from, DialogHandler& handler) {
     step.act(dialog);
     settle(dialog);
   }
-  open_.pop_back();
-  if (!open_.empty()) open_.back()->handler.onActivate(*open_.back());
+  if (open_.size() > 1) open_[open_.size() - 2]->handler.onActivate(*open_[open_.size() - 2]);
   return dialog.result;
 }
 

@@ -50,10 +50,9 @@ int DialogScreen::run() {
     started_ = true;
     known_size_ = screenSize();
     applyScale();
-    frame_.push(*this);
-    while (!result_ && loop_.exec() == 0 && !result_) {
+    const ShownLayer shown(frame_, *this);
+    while (!result_ && loop_.run() == 0 && !result_) {
     }
-    frame_.pop(*this);
   }
   return result_.value_or(0);
 }

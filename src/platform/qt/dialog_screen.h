@@ -3,7 +3,6 @@
 #pragma once
 
 #include <QBasicTimer>
-#include <QEventLoop>
 #include <QScrollBar>
 #include <map>
 #include <memory>
@@ -13,6 +12,7 @@
 
 #include "platform/dialogs.h"
 #include "platform/qt/control.h"
+#include "platform/qt/guarded_loop.h"
 #include "platform/qt/layer.h"
 
 namespace tabelion {
@@ -136,7 +136,7 @@ class DialogScreen final : public Layer, public Dialog, private ControlHost {
   bool started_ = false;
   bool names_stale_ = true;
   std::optional<int> result_;
-  QEventLoop loop_;
+  GuardedLoop loop_;
 
   static constexpr ControlId kNoControl = -0x7FFFFFFF;
 };

@@ -65,13 +65,12 @@ MessageScreen::MessageScreen(PhoneFrame& frame, const MessageBox& box)
 }
 
 MessageAnswer MessageScreen::run() {
-  frame_.push(*this);
+  const ShownLayer shown(frame_, *this);
   QAccessibleEvent alert(this, QAccessible::Alert);
   QAccessible::updateAccessibility(&alert);
-  while (!answer_ && loop_.exec() == 0 && !answer_) {
+  while (!answer_ && loop_.run() == 0 && !answer_) {
   }
   if (!answer_) dismiss();
-  frame_.pop(*this);
   return *answer_;
 }
 

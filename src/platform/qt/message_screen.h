@@ -2,12 +2,12 @@
 // icon and its own soft keys.
 #pragma once
 
-#include <QEventLoop>
 #include <QLabel>
 #include <QScrollArea>
 #include <optional>
 
 #include "platform/dialogs.h"
+#include "platform/qt/guarded_loop.h"
 #include "platform/qt/layer.h"
 
 namespace tabelion {
@@ -42,7 +42,7 @@ class MessageScreen final : public Layer {
   QLabel* text_;
   int title_height_ = 0;
   std::optional<MessageAnswer> answer_;
-  QEventLoop loop_;
+  GuardedLoop loop_;
 };
 
 }  // namespace tabelion

@@ -83,4 +83,19 @@ class PhoneFrame final : public QWidget {
 // The zoom that a desktop of this size and resolution gets when none is asked for.
 double comfortableZoom(const Size& screen, const QSize& desktop, double dots_per_inch);
 
+// A layer on the screen for as long as this lives, also where an exception ends that.
+class ShownLayer {
+ public:
+  ShownLayer(PhoneFrame& frame, Layer& layer) : frame_(frame), layer_(layer) {
+    frame_.push(layer_);
+  }
+  ~ShownLayer() { frame_.pop(layer_); }
+  ShownLayer(const ShownLayer&) = delete;
+  ShownLayer& operator=(const ShownLayer&) = delete;
+
+ private:
+  PhoneFrame& frame_;
+  Layer& layer_;
+};
+
 }  // namespace tabelion

@@ -1,11 +1,12 @@
 #include "platform/qt/qt_dialogs.h"
 
 #include <QCursor>
-#include <QEventLoop>
 #include <QGuiApplication>
+#include <new>
 
 #include "platform/qt/accessibility.h"
 #include "platform/qt/dialog_screen.h"
+#include "platform/qt/guarded_loop.h"
 #include "platform/qt/message_screen.h"
 #include "platform/qt/progress_panel.h"
 
@@ -74,14 +75,19 @@ CommandId QtDialogs::popupMenu(Point at, const std::vector<MenuEntry>& entries) 
   opening.anchor = MenuOverlay::Anchor::kPoint;
   opening.at = frame_->scale().rect(Rect{at.x, at.y, 1, 1});
   CommandId chosen = 0;
-  QEventLoop loop;
+  GuardedLoop loop;
   bool done = false;
   frame_->openMenu(entries, opening, [&](CommandId command) {
     chosen = command;
     done = true;
     loop.exit(1);
   });
-  if (!done) loop.exec();
+  try {
+    if (!done) loop.run();
+  } catch (const std::bad_alloc&) {
+    frame_->menus().dismiss();  // it would answer to a call that is over
+    throw;
+  }
   return chosen;
 }
 
