@@ -16,6 +16,7 @@ namespace {
 constexpr ControlId kTextLabel = 1;
 constexpr ControlId kFieldLabel = 2;
 constexpr ControlId kOptionsLabel = 3;
+constexpr int kWaysWidth = 130;  // that their texts need
 constexpr char16_t kTitle[] = u"Search Database";
 
 DialogTemplate searchTemplate() {
@@ -64,9 +65,11 @@ class SearchScreen : public CommandScreen<SearchScreen> {
     dialog.control(kSearchText).selectText();
   }
   void onResize(Dialog& dialog) override {
-    PlaceRows(dialog, {LabeledRow(kTextLabel, {BoxCell(kSearchText)}),
-                       LabeledRow(kFieldLabel, {BoxCell(kSearchField)}),
-                       LabeledRow(kOptionsLabel, {BoxCell(kSearchCase), BoxCell(kSearchMatch)})});
+    PlaceRows(dialog,
+              {LabeledRow(kTextLabel, {BoxCell(kSearchText)}),
+               LabeledRow(kFieldLabel, {BoxCell(kSearchField)}),
+               LabeledRow(kOptionsLabel, {{.id = kSearchCase, .width = kWaysWidth, .grow = 1},
+                                          {.id = kSearchMatch, .width = kWaysWidth, .grow = 1}})});
   }
   bool acceptsCharacter(Dialog&, ControlId, char32_t character) override {
     return CanStore(app_, character);
