@@ -143,6 +143,7 @@ TEST_F(ViewCommandTest, ReportsHavePicturesAsFilesAndAsBars) {
   EXPECT_THAT(err.text, HasSubstr("give a name that ends in .svg"));
   EXPECT_EQ(files.bytes("/T.PDB"), database);
   EXPECT_EQ(run({"report", "/T.PDB", "Paid", "--json", "--chart", "-"}), 2);
+  EXPECT_EQ(run({"report", "/T.PDB", "Paid", "--chart", ""}), 2);
 }
 
 TEST_F(ViewCommandTest, BarsOfNegativeTotalsHoursAndItems) {

@@ -24,7 +24,7 @@ using Json = nlohmann::ordered_json;
 struct ReportOptions {
   std::string file;
   std::string field;
-  std::string chart;  // a file, or kPipe
+  std::optional<std::string> chart;  // a file, or kPipe
   bool json = false;
   bool force = false;
 };
@@ -105,32 +105,32 @@ void putText(OutputBuffer& out, std::string text) {
   if (!text.ends_with('\n')) out.put('\n');
 }
 
-// What cannot be asked for: said here, before anything is opened.
+// What cannot be asked for: said before anything is opened.
 std::string faultOf(const ReportOptions& options) {
-  if (options.chart.empty() || options.chart == kPipe) {
-    return options.json && !options.chart.empty() ? "--chart - prints bars, which cannot stand in "
-                                                    "the JSON; write the picture to a file"
-                                                  : "";
+  if (!options.chart) return {};
+  const std::string& name = *options.chart;
+  if (name == kPipe) {
+    return options.json ? "--chart - prints bars, which cannot stand in the JSON; name a file" : "";
   }
   constexpr std::string_view kExtension = ".svg";
-  const std::string_view name = options.chart;
   const bool is_svg = name.size() > kExtension.size() &&
                       lowerCaseText(name.substr(name.size() - kExtension.size())) == kExtension;
-  if (is_svg) return {};
-  return options.chart +
-         ": the picture is written as SVG; give a name that ends in .svg, or - for " +
-         "bars in the terminal";
+  return is_svg ? ""
+                : fmt::format(
+                      "\"{}\": the picture is written as SVG; give a name that ends in "
+                      ".svg, or - for bars in the terminal",
+                      name);
 }
 
-Status writeChart(const ReportOptions& options, const std::string& svg, CliContext& context) {
-  if (!options.force && context.files.info(options.chart).ok()) {
-    return makeError(ErrorKind::kRefused,
-                     options.chart + ": is already there; --force replaces it");
+Status writeChart(const std::string& path, const std::string& svg, bool force,
+                  CliContext& context) {
+  if (!force && context.files.info(path).ok()) {
+    return makeError(ErrorKind::kRefused, path + ": is already there; --force replaces it");
   }
   const BytePiece piece(reinterpret_cast<const std::uint8_t*>(svg.data()), svg.size());
-  const Status written = context.files.replace(options.chart, {&piece, 1});
+  const Status written = context.files.replace(path, {&piece, 1});
   if (written.ok()) return written;
-  const std::string text = options.chart + ": " + written.error().text;
+  const std::string text = path + ": " + written.error().text;
   if (written.error().kind != ErrorKind::kWarning) return makeError(written.error().kind, text);
   context.say(text);
   return Done{};
@@ -153,7 +153,7 @@ ExitCode runReportCommand(const ReportOptions& options, CliContext& context) {
   const QuerySettings settings = context.querySettings(*encoding);
   const auto [figures, picture] = picturedReport(*database, *slot, settings);
   const bool has_text = figures.type != FieldType::kUnused;
-  const bool has_picture = picture.kind != PictureKind::kNone && !options.chart.empty();
+  const bool has_picture = picture.kind != PictureKind::kNone && options.chart.has_value();
   if (!has_text && (!has_picture || options.json)) {
     Error error = notReported(*database, *encoding, *slot);
     error.text = options.file + ": " + error.text;
@@ -164,7 +164,8 @@ ExitCode runReportCommand(const ReportOptions& options, CliContext& context) {
   const ChartTexts texts{settings.formats, *encoding, settings.week_starts_monday};
   if (has_picture && options.chart != kPipe) {
     const std::string title = encoding->toUtf8(areaText(database->header.name)) + ": " + name;
-    const Status written = writeChart(options, reportPictureAsSvg(picture, texts, title), context);
+    const Status written = writeChart(*options.chart, reportPictureAsSvg(picture, texts, title),
+                                      options.force, context);
     if (!written.ok()) return context.fail(written.error());
   }
   if (options.json) {

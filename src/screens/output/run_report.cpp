@@ -68,7 +68,8 @@ class ReportScreen : public CommandScreen<ReportScreen> {
   }
   void onPaintCanvas(Dialog& dialog, ControlId, CanvasPainter& painter) override;
   std::u16string canvasText(Dialog&, ControlId) override {
-    return FromUtf8(reportPictureInWords(picture_, Texts()));
+    const std::string about = title_.empty() ? "" : title_ + ": ";
+    return FromUtf8(about + reportPictureInWords(picture_, Texts()));
   }
 
  private:
@@ -99,6 +100,7 @@ class ReportScreen : public CommandScreen<ReportScreen> {
   const std::vector<int> fields_;
   const std::vector<int> popups_;
   ReportPicture picture_;
+  std::string title_;             // of the picture, where no text says what it is of; UTF-8
   bool picture_in_turn_ = false;  // where there is room for one only: not the text
 };
 
@@ -117,6 +119,7 @@ CommandTable<ReportScreen> ReportScreen::Commands(Dialog& dialog) {
                       [slot](Self& self, Dialog& on) {
                         on.control(kReportField).select(-1);
                         self.Show(on, slot);
+                        on.control(kReportPicture).focus();
                       }});
   }
   if (!popups.empty()) rows.push_back({.text = u"Popup Chart", .rows = std::move(popups)});
@@ -190,6 +193,7 @@ void ReportScreen::Show(Dialog& dialog, int slot) {
   }
   picture_ = std::move(report.picture);
   const FieldDefinition& field = database.schema.fields[static_cast<std::size_t>(slot)];
+  title_ = HasText() ? "" : app_.level().encoding.toUtf8(fieldName(field));
   dialog.control(kReportText)
       .setText(ScreenText(app_, reportText(report.figures, field, app_.level().formats)));
   Arrange(dialog);
@@ -216,7 +220,7 @@ void ReportScreen::onPaintCanvas(Dialog& dialog, ControlId, CanvasPainter& paint
   const TextRoom room{
       .width = [&](const std::u16string& text) { return dialog.textSize(text, 0).width; },
       .height = dialog.textSize(u"X", 0).height};
-  paintReportPicture(painter, {place.width, place.height}, picture_, Texts(), room);
+  paintReportPicture(painter, {place.width, place.height}, picture_, Texts(), room, title_);
 }
 
 }  // namespace

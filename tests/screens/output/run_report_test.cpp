@@ -95,7 +95,8 @@ TEST_F(RunReport, PopupFieldsHaveAPictureOnly) {
       .look([](FakeDialog& dialog) {
         EXPECT_EQ(dialog.fake(kReportField).selection(), -1);
         EXPECT_EQ(dialog.fake(kReportText).text(), u"");
-        EXPECT_EQ(dialog.fake(kReportPicture).spoken(), u"Picture, 3 records. No Value: 3, 100%.");
+        EXPECT_EQ(dialog.fake(kReportPicture).spoken(),
+                  u"Picture, Kind: 3 records. No Value: 3, 100%.");
       })
       .choose({u"Run Report"});
   world.phone.says(kNoField, u"ERROR");
