@@ -141,7 +141,9 @@ DatabaseList ListDatabases(Application& app, const std::u16string& category) {
 
 std::optional<std::string> FindDatabaseFile(Application& app, const std::string& path) {
   Files& files = app.platform.files;
-  if (files.info(path).ok()) return path;
+  // What is there and cannot be read is for whoever opens it to explain.
+  const auto listed = files.info(path);
+  if (listed.ok() || listed.error().kind != ErrorKind::kNotFound) return path;
   for (const DatabaseFolder& folder : databaseFolders(app)) {
     std::string there = PathIn(files, folder.path, FileNameOf(path));
     if (files.info(there).ok()) return there;

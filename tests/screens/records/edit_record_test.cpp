@@ -275,8 +275,9 @@ TEST_F(EditRecord, NumberBoxesGetTheirSignFromTheMenu) {
   refused();
   form().choose({u"Done"});
   open(1);
-  form().focus(FormValue(kPrice)).choose(change_sign).type(u"3").look(price(u"-3"));
-  form().choose(change_sign).choose(change_sign).choose({u"Done"});
+  form().focus(FormValue(kPrice)).choose(change_sign).choose({u"Done"});  // a sign alone
+  world.phone.says(u"\"Price\" is not a number.", u"Edit Record");
+  form().type(u"3").choose(change_sign).look(price(u"-3")).choose({u"Done"});
   close();
   play();
   EXPECT_EQ(text(0, kPrice), "-12.501");
