@@ -359,6 +359,8 @@ void Tour::openSafe() {
 
 void Tour::runReport() {
   selectDatabase(*reported_);
+  driver_.see(kRecordListScreen, "Opened " + reported_->name, "reported",
+              [this] { return recordList(*reported_); });
   driver_.choose(kRecordListScreen, "Reports");
   driver_.act(kRunReportScreen, [this] { probe_.type(QString(kReportedField).left(1)); });
   driver_.see(kRunReportScreen, "Chose Reports and a field by its first letter", "report", [this] {
