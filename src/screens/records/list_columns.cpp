@@ -8,6 +8,8 @@
 namespace tabelion {
 namespace {
 
+constexpr int kFoundMark = 2;  // the line below what was found
+
 Color backgroundOf(const RowColors& colors, int row, bool selected) {
   if (selected) return colors.selected;
   return row % 2 == 0 ? colors.even : colors.odd;
@@ -75,6 +77,9 @@ void PaintListRow(Application& app, int row, const RowPainting& row_painting, Li
                       text.starts_with(u'1') ? Picture::kChecked : Picture::kUnchecked);
     } else if (!text.empty()) {
       painter.text(cell, text, ink, TextWeight::kNormal);
+    }
+    if (slot == row_painting.found_slot) {
+      painter.fill({cell.x, cell.y + cell.height - kFoundMark, cell.width, kFoundMark}, ink);
     }
   }
 }

@@ -23,6 +23,7 @@ struct RowPainting {
   const std::vector<int>& slots;
   const std::vector<ListColumn>& columns;
   bool selected = false;
+  int found_slot = -1;  // of the field that a search has found in this row; -1: none
 };
 void PaintListRow(Application& app, int row, const RowPainting& row_painting, ListPainter& painter,
                   const Rect& area);

@@ -152,6 +152,7 @@ int RecordListScreen::RowOfCurrentRecord() const {
 }
 
 void RecordListScreen::SelectListRow(Dialog& dialog, int row) {
+  found_slot_ = -1;
   ListControl& list = dialog.list(kRecordList);
   list.selectRow(row);
   list.focus();
@@ -162,6 +163,7 @@ void RecordListScreen::onNotice(Dialog& dialog, ControlId control, Notice notice
   if (notice == Notice::kActivated) OpenSelected(dialog);
   if (notice == Notice::kSelectionChanged) {
     find_.clear(dialog);
+    found_slot_ = -1;
     const auto& index = CurrentDatabase(app_).record_index;
     const auto row = static_cast<std::size_t>(dialog.list(kRecordList).selectedRow());
     if (row < index.size()) app_.level().current_record = index[row];
@@ -284,7 +286,9 @@ void RecordListScreen::onPaintRow(Dialog& dialog, ControlId control, int row, Li
                                   const Rect& area) {
   if (control != kRecordList) return;
   ListControl& list = dialog.list(kRecordList);
-  PaintListRow(app_, row, {slots_, list.columns(), list.selectedRow() == row}, painter, area);
+  const bool selected = list.selectedRow() == row;
+  PaintListRow(app_, row, {slots_, list.columns(), selected, selected ? found_slot_ : -1}, painter,
+               area);
 }
 
 std::u16string RecordListScreen::rowText(Dialog&, ControlId, int row) {

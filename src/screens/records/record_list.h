@@ -77,6 +77,7 @@ class RecordListScreen : public CommandScreen<RecordListScreen> {
   std::optional<std::uint32_t> first_record_;
   TypeToFind find_{u"Tabelion"};
   std::vector<int> slots_;  // of the columns
+  int found_slot_ = -1;     // of what a search has found in the selected record
 };
 
 // Opens the database file in the record list; the screen's result.

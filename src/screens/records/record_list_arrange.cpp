@@ -80,10 +80,11 @@ void RecordListScreen::FindNext(Dialog& dialog) {
   if (IsDatabaseOpen(app_)) ShowFound(dialog, FindAgain(app_));
 }
 
-// The found record is selected, and its field's column in sight.
+// The found record is selected, its field marked and in sight.
 void RecordListScreen::ShowFound(Dialog& dialog, int slot) {
   if (slot < 0) return;
   FillRecordList(dialog);
+  found_slot_ = slot;
   ListControl& list = dialog.list(kRecordList);
   int left = 0;
   for (std::size_t i = 0; i < slots_.size(); ++i) {

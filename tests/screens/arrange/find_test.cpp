@@ -44,6 +44,15 @@ class FindScreens : public testing::Test {
     return [pixels](FakeDialog& dialog) { EXPECT_EQ(dialog.fake(kRecordList).scrolled, pixels); };
   }
 
+  // Where in the selected row the mark of what was found begins; -1: there is none.
+  static std::function<void(FakeDialog&)> marked(int x) {
+    return [x](FakeDialog& dialog) {
+      FakeControl& rows = dialog.fake(kRecordList);
+      const PaintedRow row = rows.paintRow(rows.selectedRow());
+      EXPECT_EQ(row.fills.size() > 1 ? row.fills[1].area.x : -1, x);
+    };
+  }
+
   PhoneWorld world;
   std::unique_ptr<Database> database;
 };
@@ -64,9 +73,12 @@ TEST_F(FindScreens, EachHitBecomesTheCurrentRecordUntilThereIsNoMore) {
       })
       .type(u"Garden")
       .press(Key::kEnter);
-  list().look(stands("Ash")).look(scrolled(3 * 150 - 240));  // the column Shop is in sight
+  list()
+      .look(stands("Ash"))
+      .look(scrolled(3 * 150 - 240))  // the column Shop is in sight
+      .look(marked(2 * 150 - (3 * 150 - 240) + 1));
   again();
-  list().look(stands("Fern")).press(Key::kUp).press(Key::kUp);
+  list().look(stands("Fern")).press(Key::kUp).look(marked(-1)).press(Key::kUp);
   again();  // from the one that was found last, wherever the user went
   list().look(stands("Rue"));
   again();
