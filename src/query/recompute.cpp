@@ -152,7 +152,7 @@ void recomputeRecord(const Database& database, UnpackedRecord& record, std::uint
 }
 
 RecomputeSummary recomputeAll(Database& database, const QuerySettings& settings,
-                              const CorruptFormula& corrupt) {
+                              const CorruptFormula& corrupt, std::uint32_t* followed) {
   DatabaseRecord& schema = database.schema;
   if (std::none_of(schema.fields.begin(), schema.fields.end(),
                    [](const FieldDefinition& field) { return isOfOtherFields(field.type); })) {
@@ -161,13 +161,13 @@ RecomputeSummary recomputeAll(Database& database, const QuerySettings& settings,
   if (sortUsesOtherFields(schema)) {
     schema.sort_pending = 1;
   } else if (schema.sort_pending != 0) {
-    sortRecords(database, settings.formats);
+    sortRecords(database, settings.formats, followed);
     schema.sort_pending = 0;
   }
   RecomputeSummary summary = recomputeFrom(database, slotsInOrderOfUse(schema), 0,
                                            RecordsMeant::kWithinFilter, settings, corrupt);
   if (schema.sort_pending != 0) {
-    sortRecords(database, settings.formats);
+    sortRecords(database, settings.formats, followed);
     schema.sort_pending = 0;
     // Totals belong to the order that stands.
     const RecomputeSummary again = recomputeDependents(database, settings);

@@ -45,9 +45,11 @@ struct RecomputeSummary {
 // stale afterwards and the records are sorted at the end. Otherwise, when the sort-pending flag
 // says that the order is stale already, they are sorted first: values of the previous record are
 // those of the record that will be shown before. The flag is off in the end. Running totals are
-// those of the order in the end.
+// those of the order in the end. `followed`, when given, is a record's position and stays that
+// record's.
 RecomputeSummary recomputeAll(Database& database, const QuerySettings& settings,
-                              const CorruptFormula& corrupt = {});
+                              const CorruptFormula& corrupt = {},
+                              std::uint32_t* followed = nullptr);
 
 // The calculated fields whose values come from other records too (running totals), of every record
 // that passes the filter, for the order that stands. Needed whenever records came, went or moved,

@@ -88,20 +88,34 @@ bool hasLevels(const DatabaseRecord& schema) {
                      [](const SortKey& key) { return key.field < kFieldSlots; });
 }
 
-}  // namespace
+// No record lies there: files end before it.
+constexpr std::uint32_t kMarkOffset = 0xFFFFFFFFu;
 
-int compareFieldValues(const Database& database, ByteView a, ByteView b, int slot, bool forward,
-                       const FormatSettings& formats) {
-  return compareThroughLevels({SortLevel(database, slot, forward, formats)}, a, b);
-}
+// Keeps an eye on one record while all are sorted. What a record has beside its
+// bytes stays with it, so that its offset in the file can be its mark meanwhile.
+class FollowedRecord {
+ public:
+  FollowedRecord(RecordStore& records, std::uint32_t* position)
+      : records_(records), position_(position && *position < records.count() ? position : nullptr) {
+    if (position_) offset_ = std::exchange(records_[*position_].offset, kMarkOffset);
+  }
+  // Puts down where it stands now, and takes the mark off.
+  void find() {
+    if (!position_) return;
+    const auto found = std::find_if(records_.begin(), records_.end(), [](const Record& record) {
+      return record.offset == kMarkOffset;
+    });
+    *position_ = static_cast<std::uint32_t>(found - records_.begin());
+    records_[*position_].offset = offset_;
+  }
 
-int compareRecords(const Database& database, std::uint32_t a, std::uint32_t b,
-                   const FormatSettings& formats) {
-  return compareThroughLevels(sortLevels(database, formats), database.records[a].bytes(),
-                              database.records[b].bytes());
-}
+ private:
+  RecordStore& records_;
+  std::uint32_t* position_;
+  std::uint32_t offset_ = 0;
+};
 
-void sortRecords(Database& database, const FormatSettings& formats) {
+void sortAll(Database& database, const FormatSettings& formats) {
   const std::vector<SortLevel> levels = sortLevels(database, formats);
   if (levels.empty() || database.records.count() < 2) return;
   setDirty(database);
@@ -115,6 +129,25 @@ void sortRecords(Database& database, const FormatSettings& formats) {
     quickSort(elements, ValueOrder(database.records, levels));
     arrange(database.records, elements);
   }
+}
+
+}  // namespace
+
+int compareFieldValues(const Database& database, ByteView a, ByteView b, int slot, bool forward,
+                       const FormatSettings& formats) {
+  return compareThroughLevels({SortLevel(database, slot, forward, formats)}, a, b);
+}
+
+int compareRecords(const Database& database, std::uint32_t a, std::uint32_t b,
+                   const FormatSettings& formats) {
+  return compareThroughLevels(sortLevels(database, formats), database.records[a].bytes(),
+                              database.records[b].bytes());
+}
+
+void sortRecords(Database& database, const FormatSettings& formats, std::uint32_t* followed) {
+  FollowedRecord record(database.records, followed);
+  sortAll(database, formats);
+  record.find();
 }
 
 bool isInOrder(const Database& database, const FormatSettings& formats) {

@@ -30,8 +30,10 @@ int compareRecords(const Database& database, std::uint32_t a, std::uint32_t b,
                    const FormatSettings& formats);
 
 // Puts all records into order and marks the database dirty. Nothing happens without a level 1 or
-// with fewer than two records.
-void sortRecords(Database& database, const FormatSettings& formats);
+// with fewer than two records. `followed`, when given, is a record's position and stays that
+// record's.
+void sortRecords(Database& database, const FormatSettings& formats,
+                 std::uint32_t* followed = nullptr);
 
 // Whether every record compares equal to the next or before it, so that a sort is no need.
 bool isInOrder(const Database& database, const FormatSettings& formats);
