@@ -61,6 +61,7 @@ class DateScreen : public CommandScreen<DateScreen> {
     ShowCommands(dialog);
     onResize(dialog);
     GoTo(dialog, days_);
+    first_text_ = dialog.control(kDateBox).text();
   }
   void onResize(Dialog& dialog) override {
     const int line = dialog.textSize(u"X", 0).height;
@@ -106,6 +107,7 @@ class DateScreen : public CommandScreen<DateScreen> {
   Application& app_;
   const std::u16string name_;
   std::uint32_t days_;  // on which the month stands
+  std::u16string first_text_;
 };
 
 MonthGrid DateScreen::Grid(Dialog& dialog) const {
@@ -231,8 +233,10 @@ void DateScreen::Done(Dialog& dialog) {
   dialog.control(kDateBox).selectText();
 }
 
-// Where nobody is there to be asked, a text that is no date leaves the value as it was.
+// Nobody has taken a date who only looked at the month. Where nobody is there to be asked, a text
+// that is no date leaves the value as it was.
 bool DateScreen::OnAutoClose(Dialog& dialog) {
+  if (dialog.control(kDateBox).text() == first_text_) return true;
   if (Typed(dialog).ok() || !IsAlone(app_.closing)) {
     Done(dialog);
     return picked.has_value();

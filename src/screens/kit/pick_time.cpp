@@ -32,6 +32,7 @@ class TimeScreen : public CommandScreen<TimeScreen> {
   void onInit(Dialog& dialog) override {
     ShowCommands(dialog);
     ShowInBox(dialog, first_);
+    first_text_ = dialog.control(kTimeBox).text();
     ShowTyped(dialog);
     onResize(dialog);
     dialog.control(kHourBox).focus();
@@ -67,6 +68,7 @@ class TimeScreen : public CommandScreen<TimeScreen> {
   Application& app_;
   const std::u16string name_;
   const TimeValue first_;
+  std::u16string first_text_;
 };
 
 void TimeScreen::onNotice(Dialog& dialog, ControlId control, Notice notice) {
@@ -107,8 +109,10 @@ void TimeScreen::Done(Dialog& dialog) {
   dialog.control(kTimeBox).selectText();
 }
 
-// Where nobody is there to be asked, a text that is no time leaves the value as it was.
+// Nobody has taken a time who only looked at it. Where nobody is there to be asked, a text that is
+// no time leaves the value as it was.
 bool TimeScreen::OnAutoClose(Dialog& dialog) {
+  if (dialog.control(kTimeBox).text() == first_text_) return true;
   if (Typed(dialog).ok() || !IsAlone(app_.closing)) {
     Done(dialog);
     return picked.has_value();

@@ -4,6 +4,7 @@
 #include "screens/kit/pick_date.h"
 #include "screens/kit/pick_time.h"
 #include "screens/kit/screen_numbers.h"
+#include "services/modal.h"
 #include "support/phone_world.h"
 
 namespace tabelion {
@@ -23,6 +24,8 @@ class Pickers : public testing::Test {
   std::int64_t pick(std::uint32_t days) {
     Application app(world.platform);
     app.preferences.week_starts_monday = week_starts_monday;
+    app.preferences.auto_close_enabled = auto_closes;
+    app.preferences.auto_close_period_ms = 60000;
     std::optional<std::uint32_t> picked;
     world.phone.play([&] { picked = PickDate(app, u"Due", days); });
     return picked ? std::int64_t{*picked} : -1;
@@ -36,6 +39,7 @@ class Pickers : public testing::Test {
 
   PhoneWorld world;
   int week_starts_monday = 0;
+  bool auto_closes = false;
 };
 
 TEST_F(Pickers, MonthIsWalkedByKeys) {
@@ -111,6 +115,17 @@ TEST_F(Pickers, PressesReachWhatIsPainted) {
   });
   EXPECT_EQ(pick(0), daysSince1904(2, 14, 2025));
   EXPECT_EQ(WeekdayOf({3, 1, 2100}), 1);  // a Monday, though this calendar has a day before it
+}
+
+TEST_F(Pickers, LeftAloneTheyTakeWhatWasChangedAndNothingElse) {
+  const auto close = [](FakeDialog& dialog) { dialog.handler.onTimer(dialog, kAutoCloseTimer); };
+  auto_closes = true;
+  date().look(close);
+  EXPECT_EQ(pick(0), -1);
+  date().press(Key::kRight).look(close);
+  EXPECT_EQ(pick(5), 6);
+  date().type(u"13/").look(close);
+  EXPECT_EQ(pick(5), -1);
 }
 
 TEST_F(Pickers, TimeIsSteppedAndTyped) {
