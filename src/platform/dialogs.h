@@ -50,7 +50,8 @@ struct ControlTemplate {
   bool back_erases = false;  // edits: Escape is the Back key here as well, and takes a character
   int max_length = 0;        // edits: in UTF-16 units; 0 = no bound
   bool takes_focus = false;  // canvases: their keys come to onKey
-  int minimum = 0;           // spins
+  bool opened_by_handler = false;  // choices: they give kActivated instead of opening their texts
+  int minimum = 0;                 // spins
   int maximum = 0;
   Picture picture = Picture::kNone;
 };
@@ -90,6 +91,8 @@ class Control {
   virtual void select(int index) = 0;
   virtual Rect place() const = 0;
   virtual void setPlace(const Rect& place) = 0;
+  // Where the control ends on the screen, scrolled as it is: a menu of its own opens there.
+  virtual int bottomOnScreen() const = 0;
   virtual void setVisible(bool visible) = 0;
   virtual void setEnabled(bool enabled) = 0;
   virtual void setMasked(bool masked) = 0;
@@ -130,7 +133,7 @@ class Dialog;
 
 enum class Notice {
   kEdited,            // an edit, check box, choice or spin was changed by the user
-  kActivated,         // a button pressed, a list row double-clicked
+  kActivated,         // a button pressed, a list row double-clicked, a choice to be opened
   kSelectionChanged,  // a list's row selected by keys or pointer
   kFocusGained,
   kFocusLost,

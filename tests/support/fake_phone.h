@@ -73,6 +73,7 @@ class FakeControl : public ListControl {
   void select(int index) override { selection_ = index; }
   Rect place() const override { return face.place; }
   void setPlace(const Rect& place) override { face.place = place; }
+  int bottomOnScreen() const override { return face.place.y + face.place.height; }
   void setVisible(bool visible) override { face.visible = visible; }
   void setEnabled(bool enabled) override { face.enabled = enabled; }
   void setMasked(bool masked) override { face.masked = masked; }

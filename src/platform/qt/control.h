@@ -99,6 +99,10 @@ class ControlOf : public Interface, public ScreenControl {
   void setMasked(bool) override {}
   Rect place() const override { return area(); }
   void setPlace(const Rect& place) override { moveTo(place); }
+  int bottomOnScreen() const override {
+    const double scrolled = widget().parentWidget()->y() / host().scale().zoom();
+    return area().y + area().height + int(scrolled);
+  }
   void setVisible(bool visible) override { show(visible); }
   void setEnabled(bool enabled) override { enable(enabled); }
   void setFontPixels(int pixels) override { setFontHeight(pixels); }

@@ -2,6 +2,7 @@
 
 #include <QCursor>
 #include <QGuiApplication>
+#include <algorithm>
 #include <new>
 
 #include "platform/qt/accessibility.h"
@@ -74,6 +75,9 @@ CommandId QtDialogs::popupMenu(Point at, const std::vector<MenuEntry>& entries) 
   MenuOverlay::Opening opening;
   opening.anchor = MenuOverlay::Anchor::kPoint;
   opening.at = frame_->scale().rect(Rect{at.x, at.y, 1, 1});
+  const auto checked = std::find_if(entries.begin(), entries.end(),
+                                    [](const MenuEntry& entry) { return entry.checked; });
+  if (checked != entries.end()) opening.marked_row = int(checked - entries.begin());
   CommandId chosen = 0;
   GuardedLoop loop;
   bool done = false;

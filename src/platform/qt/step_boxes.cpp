@@ -122,7 +122,9 @@ class ChoiceControl final : public ControlOf<Control> {
     }
     return true;
   }
-  bool step(int by) { return choose(std::clamp(chosen_ + by, 0, int(texts_.size()) - 1)); }
+  bool step(int by) {
+    return texts_.empty() || choose(std::clamp(chosen_ + by, 0, int(texts_.size()) - 1));
+  }
   // The next text that begins with the letter, round the end.
   bool chooseByLetter(char32_t letter) {
     const QString start = QString::fromUcs4(&letter, 1);
@@ -134,6 +136,10 @@ class ChoiceControl final : public ControlOf<Control> {
     return true;
   }
   bool openList() {
+    if (madeFrom().opened_by_handler) {
+      host().notifyLater(id(), Notice::kActivated);  // it opens a menu in a loop of its own
+      return true;
+    }
     if (texts_.empty() || madeFrom().read_only) return true;
     host().openChoices(*this, texts_, chosen_, [this](int index) { choose(index); });
     return true;

@@ -118,7 +118,7 @@ bool EditRecordScreen::onKey(Dialog& dialog, const KeyPress& key) {
       Redo(dialog);
       return true;
     default:
-      return false;
+      return form_.OnKey(dialog, key);
   }
 }
 

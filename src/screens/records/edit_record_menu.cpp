@@ -36,6 +36,8 @@ CommandTable<EditRecordScreen> EditRecordScreen::Commands(Dialog& dialog) {
   const auto move = [](Move to) { return [to](Self& self, Dialog& on) { self.MoveTo(on, to); }; };
 
   std::vector<Command<Self>> menu{
+      {kPopupCommand, u"Popup", [](Self& self, Dialog& on) { self.form_.Popup(on); },
+       form_.CanPopup(dialog)},
       {kWiderCommand, u"Increase Width", change_width(kWidthStep)},
       {kNarrowerCommand, u"Decrease Width", change_width(-kWidthStep)},
       {kNewRecordCommand, u"New Record", &Self::NewRecord},

@@ -84,7 +84,8 @@ void RecordForm::FocusField(Dialog& dialog, std::optional<int> slot) {
 
 const RecordForm::Field* RecordForm::FocusedField(Dialog& dialog) const {
   const auto found = std::find_if(fields_.begin(), fields_.end(), [&](const Field& field) {
-    return dialog.control(FormValue(field.row.slot)).hasFocus();
+    return dialog.control(FormValue(field.row.slot)).hasFocus() ||
+           (field.has_quick && dialog.control(FormQuick(field.row.slot)).hasFocus());
   });
   return found == fields_.end() ? nullptr : &*found;
 }
@@ -105,6 +106,7 @@ RecordForm::Field RecordForm::MakeField(const FormRow& row, ByteView record, boo
   }
   field.text = field.shown;
   field.max_length = MaxTypedLength(definition);
+  field.has_quick = !field.read_only && !placeholderOf(row.type).empty();
   return field;
 }
 
@@ -129,8 +131,16 @@ void RecordForm::AddControls(Dialog& dialog, const Field& field) {
     value.text = ButtonFace(dialog, field);  // stays enabled: it shows what the button leads to
   } else {
     value.enabled = !field.read_only;
+    value.opened_by_handler = true;
   }
   Control& control = dialog.addControl(value);
+  if (field.has_quick) {
+    dialog.addControl({.id = FormQuick(slot),
+                       .kind = ControlKind::kChoice,
+                       .accessible_name = name + u", choices",
+                       .opened_by_handler = true});
+    PlaceRow(dialog, field);
+  }
   if (field.kind == ControlKind::kCheckBox) control.setChecked(field.shown.starts_with(u'1'));
 }
 
@@ -166,11 +176,10 @@ void RecordForm::Place(Dialog& dialog) {
     Field* field = FieldOf(FormValue(row.slot));
     if (field == nullptr) continue;
     field->row = row;
-    dialog.control(FormLabel(row.slot)).setPlace(row.label);
-    Control& value = dialog.control(FormValue(row.slot));
-    value.setPlace(row.value);
-    if (field->kind == ControlKind::kButton) value.setText(ButtonFace(dialog, *field));
-    if (row.icon) dialog.control(FormIcon(row.slot)).setPlace(*row.icon);
+    PlaceRow(dialog, *field);
+    if (field->kind == ControlKind::kButton) {
+      dialog.control(FormValue(row.slot)).setText(ButtonFace(dialog, *field));
+    }
   }
   dialog.setContentHeight(layout.height);
 }
@@ -182,6 +191,7 @@ void RecordForm::Clear(Dialog& dialog) {
     dialog.removeControl(FormLabel(field.row.slot));
     dialog.removeControl(FormValue(field.row.slot));
     if (field.row.icon) dialog.removeControl(FormIcon(field.row.slot));
+    if (field.has_quick) dialog.removeControl(FormQuick(field.row.slot));
   }
 }
 
@@ -345,16 +355,25 @@ std::u16string RecordForm::EditedText(const Field& field, const Bytes& value) co
       app_, editText(CurrentDatabase(app_), packed, field.row.slot, app_.level().formats).text);
 }
 
-void RecordForm::OnActivated(Dialog& dialog, ControlId value_control) {
-  Field* field = FieldOf(value_control);
-  if (field == nullptr || field->kind != ControlKind::kButton) return;
-  NoteText note{.title = ScreenText(app_, fieldName(Definition(field->row.slot))),
-                .text = field->text,
-                .max_length = field->max_length,
-                .read_only = field->read_only};
-  if (EditNoteText(app_, note) == kDialogClosed || field->read_only) return;
-  field->text = note.text;
-  dialog.control(value_control).setText(ButtonFace(dialog, *field));
+void RecordForm::OnActivated(Dialog& dialog, ControlId control) {
+  if (const Field* field = FieldOf(control - kFirstFormQuick + kFirstFormValue);
+      field != nullptr && control >= kFirstFormQuick) {
+    return ChooseQuickly(dialog, *field, false);
+  }
+  Field* field = FieldOf(control);
+  if (field == nullptr) return;
+  if (field->kind == ControlKind::kButton) ShowText(dialog, *field);
+  if (field->kind == ControlKind::kChoice) ChooseItem(dialog, *field);
+}
+
+void RecordForm::ShowText(Dialog& dialog, Field& field) {
+  NoteText note{.title = ScreenText(app_, fieldName(Definition(field.row.slot))),
+                .text = field.text,
+                .max_length = field.max_length,
+                .read_only = field.read_only};
+  if (EditNoteText(app_, note) == kDialogClosed || field.read_only) return;
+  field.text = note.text;
+  dialog.control(FormValue(field.row.slot)).setText(ButtonFace(dialog, field));
 }
 
 RecordForm::Field* RecordForm::FieldOf(ControlId value_control) {

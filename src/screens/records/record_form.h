@@ -26,6 +26,10 @@ inline constexpr ControlId FormValue(int slot) {
 inline constexpr ControlId FormIcon(int slot) {
   return kFirstFormIcon + slot;
 }
+inline constexpr ControlId kFirstFormQuick = 5000;
+inline constexpr ControlId FormQuick(int slot) {  // the quick choices beside a date or time box
+  return kFirstFormQuick + slot;
+}
 
 // What a value does to the others that is not accepted, or that would be stored as another than the
 // text shows without anybody having seen it: it is asked about, or stays as it was.
@@ -55,13 +59,20 @@ class RecordForm {
   bool CanChangeSign(Dialog& dialog) const;
   void ChangeSign(Dialog& dialog);
 
+  // The list of the field that has the focus, on a screen of its own: a pop-up's items, the quick
+  // choices of a date or time.
+  bool CanPopup(Dialog& dialog) const;
+  void Popup(Dialog& dialog);
+
   // Refuses what a number box must not hold.
   void OnEdited(Dialog& dialog, ControlId control);
   // A box of a date or time that is entered while empty makes room for typing; one that is left
   // shows what was understood, before it is stored.
   void OnFocus(Dialog& dialog, ControlId control, bool gained);
-  // Opens the text screen of a row that has a button.
+  // Opens the text screen of a row that has a button, or the menu of one that has choices.
   void OnActivated(Dialog& dialog, ControlId control);
+  // Up and Down go from value to value: quick choices take no step of their own.
+  bool OnKey(Dialog& dialog, const KeyPress& key);
 
  private:
   struct Field {
@@ -72,6 +83,7 @@ class RecordForm {
     std::u16string text;   // of a number box before the last key; of a button, its text now
     bool crlf = false;     // the stored text's lines end with carriage return and line feed
     int choice = -1;       // of a choice, as it was filled in
+    bool has_quick = false;
     int max_length = 0;
   };
 
@@ -80,6 +92,12 @@ class RecordForm {
   void AddControls(Dialog& dialog, const Field& field);
   void FillChoice(Dialog& dialog, Field& field, ByteView record);
   std::u16string ButtonFace(Dialog& dialog, const Field& field) const;
+  void PlaceRow(Dialog& dialog, const Field& field) const;
+  void ShowText(Dialog& dialog, Field& field);
+  void ChooseItem(Dialog& dialog, Field& field);
+  void ListItems(Dialog& dialog, Field& field);
+  void ChooseQuickly(Dialog& dialog, const Field& field, bool from_list);
+  Bytes ValueNow(Dialog& dialog, const Field& field) const;
   bool IsChanged(Dialog& dialog, const Field& field) const;
   std::u16string TypedText(const Control& control, const Field& field) const;
   std::u16string EditedText(const Field& field, const Bytes& value) const;
