@@ -11,6 +11,7 @@
 #include "app/file_reader.h"
 #include "app/program.h"
 #include "app/tour/arrange_scenes.h"
+#include "app/tour/list_scenes.h"
 #include "app/tour/record_scenes.h"
 #include "app/tour/tour_driver.h"
 #include "platform/qt/list_view.h"
@@ -289,6 +290,7 @@ void Tour::arrange() {
   selectDatabase(*main_);
   driver_.see(kRecordListScreen, "Opened it to search in it", "list-again",
               [this] { return recordList(*main_); });
+  editListAndPickDate(driver_);
   searchAndSwitchViews(driver_, kMark);
   driver_.press(kRecordListScreen, Qt::Key_Escape);
 }
