@@ -129,6 +129,17 @@ void settleUnread(std::array<FieldRecord, kFieldSlots>& fields) {
   }
 }
 
+// Why the file cannot be laid out. Data records are within their limit by the store.
+std::string layoutFault(const Database& database) {
+  for (std::size_t slot = 0; slot < database.fields.size(); ++slot) {
+    const std::size_t length = fieldRecordLength(database.fields[slot]);
+    if (length <= kMaxRecordSize) continue;
+    return fmt::format("the list of the field \"{}\" takes {} bytes; {} is the limit",
+                       fieldName(database.schema.fields[slot]), length, kMaxRecordSize);
+  }
+  return "it would be larger than 4 GiB, which is the most that a database can have";
+}
+
 // Gives every record its place in the file; the end of the last one.
 std::uint64_t assignOffsets(Database& database) {
   std::uint64_t offset = database.header.info_offset + kInfoBlockSize;
@@ -246,9 +257,7 @@ Status trySaveDatabase(Database& database, Engine& engine) {
   FileLayout layout;
   if (!layOutDatabase(database, layout)) {
     return makeError(ErrorKind::kRefused,
-                     fmt::format("Could not write {}: it would be larger than 4 GiB, which is the "
-                                 "most that a database can have",
-                                 database.path));
+                     fmt::format("Could not write {}: {}", database.path, layoutFault(database)));
   }
   const Status written = engine.files.replace(database.path, layout.pieces);
   if (!written.ok() && written.error().kind == ErrorKind::kRefused) return written;

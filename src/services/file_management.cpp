@@ -62,7 +62,9 @@ bool takeIn(Application& app, const std::string& package, const std::string& fol
     if (answer != Answer::kYes) return answer == Answer::kNo;
   }
   WaitCursor waiting(app);
-  return files.copy(package, target, replace).ok();
+  const Status copied = files.copy(package, target, replace);
+  if (!copied.ok()) ShowError(app, copied.error(), u"Copy?");
+  return copied.ok();
 }
 
 }  // namespace

@@ -95,6 +95,20 @@ TEST_F(Saving, FailedWriteClearsTheDirtyFlag) {
   EXPECT_EQ(database.records.count(), 1u);
 }
 
+TEST_F(Saving, AListThatNoRecordCanHoldIsNamed) {
+  addField(4, FieldType::kPopup, "Group");
+  save();
+  const Bytes before = file();
+  database.fields[4].items.assign(kMaxItems, {.text = std::string(1200, 'x')});
+  const Status saved = trySaveDatabase(database, engine);
+  ASSERT_FALSE(saved.ok());
+  EXPECT_EQ(
+      saved.error().text,
+      "Could not write /Test.PDB: the list of the field \"Group\" takes 73291 bytes; 65535 is "
+      "the limit");
+  EXPECT_EQ(file(), before);
+}
+
 TEST_F(Opening, MissingFileAndForeignFileAreReported) {
   EXPECT_EQ(open(), 0);
   EXPECT_EQ(messages, std::vector<std::string>{"ERROR: Cannot Open File: /Test.PDB for reading"});

@@ -98,6 +98,7 @@ TEST_F(FileManagement, ReceivedPackageGoesUnlessAWantedCopyFailed) {
   world.phone.asks(copy, u"Copy?", MessageAnswer::kYes);
   world.phone.asks(replace, u"Replace?", MessageAnswer::kYes);
   world.files.fail_replace_at = 100;
+  world.phone.says(u"Could not write /documents/Tabelion/Notes.PDB: the disk is full", u"Copy?");
   EXPECT_TRUE(receive());
   EXPECT_EQ(world.files.bytes(path), before);
   world.files.fail_replace_at.reset();
