@@ -144,6 +144,8 @@ TEST_F(ViewCommandTest, ReportsHavePicturesAsFilesAndAsBars) {
   EXPECT_EQ(files.bytes("/T.PDB"), database);
   EXPECT_EQ(run({"report", "/T.PDB", "Paid", "--json", "--chart", "-"}), 2);
   EXPECT_EQ(run({"report", "/T.PDB", "Paid", "--chart", ""}), 2);
+  files.fail_replace_at = 10;
+  EXPECT_EQ(run({"report", "/T.PDB", "Paid", "--chart", "/d.svg"}), 8) << err.text;
 }
 
 TEST_F(ViewCommandTest, BarsOfNegativeTotalsHoursAndItems) {
@@ -157,6 +159,9 @@ TEST_F(ViewCommandTest, BarsOfNegativeTotalsHoursAndItems) {
                                  "  after 1 ███████████████ -30\n"
                                  "  after 2                ██████████▊ 20\n"
                                  "  after 3                █████████████████████ 40\n"));
+  createFrom("/C.PDB", R"({"fields": [{"name": "Sum", "type": "integer"}]})", "Sum\n-1\n90001\n");
+  EXPECT_EQ(run({"report", "/C.PDB", "Sum", "--chart", "-"}), 0);
+  EXPECT_THAT(out.text, HasSubstr("  after 1 █ -1\n")) << "something is seen of it";
   EXPECT_EQ(run({"report", "/B.PDB", "On", "--chart", "-"}), 0);
   EXPECT_THAT(out.text, HasSubstr("  Feb 2031 0\n  Mar 2031 █"));
   EXPECT_THAT(out.text, EndsWith("Without a date: 1\n"));

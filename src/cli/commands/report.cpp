@@ -130,9 +130,10 @@ Status writeChart(const std::string& path, const std::string& svg, bool force,
   const BytePiece piece(reinterpret_cast<const std::uint8_t*>(svg.data()), svg.size());
   const Status written = context.files.replace(path, {&piece, 1});
   if (written.ok()) return written;
-  const std::string text = path + ": " + written.error().text;
-  if (written.error().kind != ErrorKind::kWarning) return makeError(written.error().kind, text);
-  context.say(text);
+  if (written.error().kind != ErrorKind::kWarning) {
+    return makeError(ErrorKind::kCannotWrite, written.error().text);
+  }
+  context.say(written.error().text);
   return Done{};
 }
 

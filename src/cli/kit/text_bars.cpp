@@ -57,7 +57,9 @@ class BarWriter {
  private:
   // Bars of negative values end where those of others begin.
   void putBar(const TextBar& bar, int label_width, int room, double least, double most) {
-    const int zero = static_cast<int>(std::round(partOf(0, least, most) * room));
+    const int least_room = least < 0 ? 1 : 0;
+    const int zero =
+        std::max(least_room, static_cast<int>(std::round(partOf(0, least, most) * room)));
     const int end = static_cast<int>(std::round(partOf(bar.value, least, most) * room * kEighths));
     const std::string label = cutToWidth(bar.label, static_cast<std::size_t>(label_width));
     text_ += "  ";
@@ -65,12 +67,13 @@ class BarWriter {
     text_ += label + ' ';
     const int whole = end / kEighths;
     if (bar.value < 0) {
-      text_.append(static_cast<std::size_t>(std::min(whole, zero - 1)), ' ');
-      for (int i = std::min(whole, zero - 1); i < zero; ++i) text_ += full();
+      const int from = std::min(whole, zero - 1);
+      text_.append(static_cast<std::size_t>(from), ' ');
+      for (int i = from; i < zero; ++i) text_ += full();
     } else {
       text_.append(static_cast<std::size_t>(zero), ' ');
       for (int i = zero; i < whole; ++i) text_ += full();
-      text_ += part(end % kEighths, bar.value > 0 && whole == zero);
+      if (whole >= zero) text_ += part(end % kEighths, bar.value > 0 && whole == zero);
     }
     text_ += (bar.value == 0 ? "" : " ") + bar.value_text + '\n';
   }

@@ -4,8 +4,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cmath>
-#include <map>
 
 #include "interchange/charts/chart_labels.h"
 #include "interchange/charts/chart_sheet.h"
@@ -246,7 +244,7 @@ void paintCalendar(const ChartSheet& sheet, const Rect& area, const ReportPictur
   }
   const int years = dateOfDayCount(picture.days.back().day).year -
                     dateOfDayCount(picture.days.front().day).year + 1;
-  if (years <= kMostYears) {
+  if (years <= kMostYears && area.width >= 3 * line + 2 * years) {
     return paintMonths(sheet, sheet.caption(area, kMonthsCaption), picture);
   }
   paintHistogram(sheet, area, yearsOf(picture.days), kYearsCaption);

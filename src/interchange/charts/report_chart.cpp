@@ -5,7 +5,6 @@
 #include "interchange/charts/chart_labels.h"
 #include "interchange/charts/chart_sheet.h"
 #include "interchange/svg_picture.h"
-#include "interchange/utf8.h"
 
 namespace tabelion {
 namespace {
@@ -79,8 +78,8 @@ void paintReportPicture(CanvasPainter& painter, Size size, const ReportPicture& 
     area.y += room.height + kChartGap;
     area.height -= room.height + kChartGap;
   }
-  // Where not even a caption has room, nothing is better than a blot.
-  if (area.width < 4 * room.height || area.height < 2 * room.height) return;
+  // Where a caption and labels have no room, nothing is better than a blot.
+  if (area.width < 6 * room.height || area.height < 4 * room.height) return;
   paintCharts(sheet, area, picture);
 }
 

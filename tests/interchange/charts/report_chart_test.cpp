@@ -129,6 +129,7 @@ TEST_F(Charts, NothingOverlapsOrLeavesTheCanvas) {
       dates(40000, 40200),
       dates(40000, 40900),
       dates(40000, 48000),
+      dates(40000, 54500),
       dates(1, 2957003),
       hours,
       items(0),
@@ -137,7 +138,8 @@ TEST_F(Charts, NothingOverlapsOrLeavesTheCanvas) {
   };
   for (const Size size : {Size{0, 0},
                           {40, 30},
-                          {110, 70},
+                          {104, 76},
+                          {110, 80},
                           {232, 150},
                           {312, 145},
                           {228, 226},
