@@ -9,12 +9,15 @@
 namespace tabelion {
 namespace {
 
+constexpr int kLeastBar = 20;  // room for the longest
 constexpr int kLargestRow = 40;
 constexpr int kLargestBar = 26;
 constexpr int kBarGap = 4;  // above and below a bar
 
-std::string countText(const ItemCount& item, std::uint32_t records) {
-  return fmt::format("{} ({})", item.count, percentText(item.count, records));
+std::string countText(const ItemCount& item, std::uint32_t records, bool with_part) {
+  std::string text = std::to_string(item.count);
+  if (with_part) text += " (" + percentText(item.count, records) + ")";
+  return text;
 }
 
 }  // namespace
@@ -27,6 +30,7 @@ void paintItems(const ChartSheet& sheet, const Rect& area, const ReportPicture& 
   const int rows = all <= fitting ? all : fitting - 1;
   int name_width = 0;
   int count_width = 0;
+  int plain_width = 0;  // of counts without their parts
   std::uint32_t most = 1;
   std::uint32_t rest = 0;
   for (int i = 0; i < all; ++i) {
@@ -36,10 +40,16 @@ void paintItems(const ChartSheet& sheet, const Rect& area, const ReportPicture& 
       continue;
     }
     name_width = std::max(name_width, sheet.widthOf(sheet.texts.encoding.toUtf8(item.text)));
-    count_width = std::max(count_width, sheet.widthOf(countText(item, picture.records)));
+    count_width = std::max(count_width, sheet.widthOf(countText(item, picture.records, true)));
+    plain_width = std::max(plain_width, sheet.widthOf(countText(item, picture.records, false)));
     most = std::max(most, item.count);
   }
   name_width = std::min(name_width, area.width * 2 / 5);
+  // Where all of it has no room beside a bar, the parts give way, then the names.
+  const int beside = area.width - 2 * kChartGap - kLeastBar;
+  const bool with_part = name_width + count_width <= beside;
+  if (!with_part) count_width = plain_width;
+  name_width = std::max(0, std::min(name_width, beside - count_width));
   const int left = area.x + name_width + kChartGap;
   const int room = std::max(1, area.x + area.width - left - kChartGap - count_width);
   const int height =
@@ -55,8 +65,8 @@ void paintItems(const ChartSheet& sheet, const Rect& area, const ReportPicture& 
     if (width > 0) {
       sheet.painter.fill({left, y + (height - bar) / 2, width, bar}, sheet.colors.mark);
     }
-    sheet.text({left + width + kChartGap, y, count_width, height}, countText(item, picture.records),
-               sheet.colors.muted, TextSide::kLeft);
+    sheet.text({left + width + kChartGap, y, count_width, height},
+               countText(item, picture.records, with_part), sheet.colors.muted, TextSide::kLeft);
   }
   // So that bars have a common foot, also those of nothing.
   if (rows > 0) {

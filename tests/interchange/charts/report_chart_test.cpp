@@ -116,7 +116,10 @@ TEST_F(Charts, NothingOverlapsOrLeavesTheCanvas) {
   hours.hours[0] = 1;
   hours.hours[23] = 2;
   const double largest = std::numeric_limits<double>::max();
+  ReportPicture many = items(1);
+  many.items[0].count = many.records = 65000;
   const ReportPicture pictures[] = {
+      many,
       {},
       numbers({}),
       numbers({std::numeric_limits<double>::infinity()}),
