@@ -68,6 +68,13 @@ class PhoneWorld {
     ASSERT_TRUE(packRecord(record, packed));
     ASSERT_NE(appendRecord(database, engine, packed, true), kNoPosition);
   }
+  // Its flagged values then show an X for each byte.
+  static void markEnciphered(Database& database, std::uint32_t record) {
+    const ByteView stored = database.records[record].bytes();
+    Bytes bytes(stored.begin(), stored.end());
+    bytes[1 + kStampFlagOffset] |= kRecordEncrypted;
+    ASSERT_TRUE(database.records.replace(record, bytes));
+  }
   std::string store(Database& database) {
     EXPECT_TRUE(files.makeFolder("/documents/Tabelion").ok());
     database.path = "/documents/Tabelion/" + areaText(database.header.name) + ".PDB";

@@ -104,7 +104,7 @@ TEST(RecordList, WideScreensShowTextsThatPhonesCut) {
   const std::string history(100, 'h');  // more than any column gets
   const TestRows rows = {{"1", town, history}};
   const auto widths = [&](int screen) {
-    std::vector<int> columns;
+    std::vector<int> found;
     PhoneWorld world({screen, 320});
     const auto database =
         world.make("Towns", {{"No"}, {"Town"}, {"History", FieldType::kText, 120}}, rows);
@@ -113,13 +113,12 @@ TEST(RecordList, WideScreensShowTextsThatPhonesCut) {
     Application app(world.platform);
     world.phone.at(kRecordListScreen)
         .look([&](FakeDialog& dialog) {
-          for (const ListColumn& column : dialog.fake(kRecordList).columns()) {
-            columns.push_back(column.width);
-          }
+          for (const auto& column : dialog.fake(kRecordList).columns())
+            found.push_back(column.width);
         })
         .choose({u"Menu", u"Close"});
     world.phone.play([&] { ShowRecordList(app, path); });
-    return columns;
+    return found;
   };
   EXPECT_EQ(widths(320), (std::vector<int>{75, 75, 75}));
   EXPECT_EQ(widths(480), (std::vector<int>{75, 92, 297})) << "all that is left";
@@ -178,11 +177,7 @@ TEST(RecordList, QuickFindPassesByWhatIsEnciphered) {
   const auto database = world.make("Towns", {{"Name"}}, {{"Alba"}, {"Xanten"}});
   database->schema.fields[0].encrypt_flag = 1;
   database->schema.encryption_mode = kEncryptRecordsByHand;
-  UnpackedRecord record = unpackRecord(database->records[0].bytes());
-  record.prefix[1 + kStampFlagOffset] |= kRecordEncrypted;  // it shows "XXXX"
-  Bytes packed;
-  ASSERT_TRUE(packRecord(record, packed));
-  ASSERT_TRUE(database->records.replace(0, packed));
+  world.markEnciphered(*database, 0);
   const std::string path = world.store(*database);
   Application app(world.platform);
   world.phone.at(kRecordListScreen)
@@ -298,11 +293,7 @@ TEST(RecordList, RefusesADatabaseWhoseFormCannotBe) {
   database->schema.label_width_adjustment = 86;
   database->schema.fields[0].encrypt_flag = 1;
   database->schema.encryption_mode = kEncryptWholeDatabase;
-  UnpackedRecord record = unpackRecord(database->records[0].bytes());
-  record.prefix[1 + kStampFlagOffset] |= kRecordEncrypted;
-  Bytes packed;
-  ASSERT_TRUE(packRecord(record, packed));
-  ASSERT_TRUE(database->records.replace(0, packed));
+  world.markEnciphered(*database, 0);
   const std::string path = world.store(*database);
   Application app(world.platform);
   world.phone.says(u"This database appears to be corrupt.", u"Open Database");

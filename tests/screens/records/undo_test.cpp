@@ -150,6 +150,42 @@ TEST_F(Undo, AFormWithoutRecordsCloses) {
   play();
 }
 
+TEST_F(Undo, AGroupOfRecordsIsOneStep) {
+  database = world.make("Songs", {{"Title"}, {"Bars", FieldType::kInteger}},
+                        {{"A", "1"}, {"B", "2"}, {"C", "3"}, {"D", "4"}, {"E", "5"}});
+  FilterBlock& criterion = database->schema.filters[0];
+  criterion.enabled = 1;
+  criterion.field = 1;
+  criterion.number1 = 2;
+  criterion.number2 = 4;
+  const auto delete_group = [this](const std::u16string& group, MessageAnswer answer) {
+    list().choose({u"Menu", u"Delete", group});
+    world.phone.asks(u"Records deletion is an irreversible operation, still continue?", u"Delete?",
+                     answer);
+  };
+  const auto leaves = [this](std::uint32_t count) {
+    return [=, this](FakeDialog&) { EXPECT_EQ(CurrentDatabase(*open_app).records.count(), count); };
+  };
+  list().row(kRecordList, 1);
+  delete_group(u"Within Filter", MessageAnswer::kNo);
+  delete_group(u"All Records", MessageAnswer::kNobody);  // silence is no Yes
+  list().look(lists("B[C]D"));
+  delete_group(u"Within Filter", MessageAnswer::kYes);
+  list().look(lists("")).look(leaves(2)).choose({u"Menu", u"Undo Delete of 3 records"});
+  list().look(lists("B[C]D"));
+  delete_group(u"Outside Filter", MessageAnswer::kYes);
+  list().look(lists("B[C]D")).look(leaves(3)).press(Key::kUndo);
+  delete_group(u"All Records", MessageAnswer::kYes);
+  list().look(leaves(0)).choose({u"Menu", u"Undo Delete of 5 records"}).look(lists("B[C]D"));
+  list().look([this](FakeDialog&) {
+    setSecurityCode(CurrentDatabase(*open_app).schema, Operation::kDelete, kCodeRefused);
+  });
+  list().choose({u"Menu", u"Delete", u"All Records"});
+  world.phone.says(u"Sorry, You do Not have Security Access to Perform this Operation!",
+                   u"ACCESS DENIED");
+  play();
+}
+
 TEST_F(Undo, ASaveMakesTheStatesBeforeItChangedOnes) {
   open(0);
   form().write(FormValue(1), u"5").choose({u"Done"});
