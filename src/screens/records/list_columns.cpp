@@ -8,7 +8,7 @@
 namespace tabelion {
 namespace {
 
-constexpr int kFoundMark = 2;  // the line below what was found
+constexpr int kFoundInset = 2;  // of the paper behind what was found
 
 Color backgroundOf(const RowColors& colors, int row, bool selected) {
   if (selected) return colors.selected;
@@ -71,15 +71,17 @@ void PaintListRow(Application& app, int row, const RowPainting& row_painting, Li
       cell.width -= 2;
     }
     const int slot = row_painting.slots[i];
+    const bool found = slot == row_painting.found_slot;
+    if (found) {  // stands out from the selected row
+      painter.fill({cell.x, cell.y + kFoundInset, cell.width, cell.height - 2 * kFoundInset},
+                   colors.odd);
+    }
     const std::u16string text = ListCellText(app, record, slot);
     if (database.schema.fields[static_cast<std::size_t>(slot)].type == FieldType::kCheckBox) {
       painter.picture({cell.x, cell.y},
                       text.starts_with(u'1') ? Picture::kChecked : Picture::kUnchecked);
     } else if (!text.empty()) {
-      painter.text(cell, text, ink, TextWeight::kNormal);
-    }
-    if (slot == row_painting.found_slot) {
-      painter.fill({cell.x, cell.y + cell.height - kFoundMark, cell.width, kFoundMark}, ink);
+      painter.text(cell, text, found ? colors.ink : ink, TextWeight::kNormal);
     }
   }
 }
