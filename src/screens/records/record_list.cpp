@@ -152,7 +152,7 @@ int RecordListScreen::RowOfCurrentRecord() const {
 }
 
 void RecordListScreen::SelectListRow(Dialog& dialog, int row) {
-  found_slot_ = -1;
+  ForgetFound(dialog);
   ListControl& list = dialog.list(kRecordList);
   list.selectRow(row);
   list.focus();
@@ -163,7 +163,7 @@ void RecordListScreen::onNotice(Dialog& dialog, ControlId control, Notice notice
   if (notice == Notice::kActivated) OpenSelected(dialog);
   if (notice == Notice::kSelectionChanged) {
     find_.clear(dialog);
-    found_slot_ = -1;
+    ForgetFound(dialog);
     const auto& index = CurrentDatabase(app_).record_index;
     const auto row = static_cast<std::size_t>(dialog.list(kRecordList).selectedRow());
     if (row < index.size()) app_.level().current_record = index[row];

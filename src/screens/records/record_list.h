@@ -63,6 +63,7 @@ class RecordListScreen : public CommandScreen<RecordListScreen> {
   void FindFirst(Dialog& dialog);
   void FindNext(Dialog& dialog);
   void ShowFound(Dialog& dialog, int slot);
+  void ForgetFound(Dialog& dialog);
   void Save(Dialog& dialog);
   void Undo(Dialog& dialog);
   void Redo(Dialog& dialog);

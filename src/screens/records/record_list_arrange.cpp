@@ -80,7 +80,7 @@ void RecordListScreen::FindNext(Dialog& dialog) {
   if (IsDatabaseOpen(app_)) ShowFound(dialog, FindAgain(app_));
 }
 
-// The found record is selected, its field marked and in sight.
+// The found record is selected, its field marked and in sight. One that has no column is named.
 void RecordListScreen::ShowFound(Dialog& dialog, int slot) {
   if (slot < 0) return;
   FillRecordList(dialog);
@@ -91,10 +91,19 @@ void RecordListScreen::ShowFound(Dialog& dialog, int slot) {
     const int right = left + list.columns()[i].width;
     if (slots_[i] == slot) {
       list.scrollSideways(-kFarSideways);
-      list.scrollSideways(std::clamp(right - list.place().width, 0, left));
+      return list.scrollSideways(std::clamp(right - list.place().width, 0, left));
     }
     left = right;
   }
+  const auto& fields = CurrentDatabase(app_).schema.fields;
+  const std::string name = fieldName(fields[static_cast<std::size_t>(slot)]);
+  find_.setTitle(dialog, u"Found in " + ScreenText(app_, name));
+}
+
+void RecordListScreen::ForgetFound(Dialog& dialog) {
+  if (found_slot_ < 0) return;
+  found_slot_ = -1;
+  find_.setTitle(dialog, ListTitle());
 }
 
 // With a filter, how many of how many records the list shows.

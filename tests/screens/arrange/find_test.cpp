@@ -13,13 +13,15 @@ constexpr char16_t kNotFound[] = u"Not Found in Database!";
 class FindScreens : public testing::Test {
  protected:
   void SetUp() override {
-    database = world.make("Plants", {{"Name"}, {"Kind"}, {"Shop"}, {"Bought", FieldType::kDate}},
-                          {{"Ash", "tree", "Garden"},
-                           {"Fern", "shade", "garden"},
-                           {"Iris", "bulb", "Hill"},
-                           {"Oak", "tree", "Hill"},
-                           {"Rue", "herb", "GARDEN"}});
+    database =
+        world.make("Plants", {{"Name"}, {"Kind"}, {"Shop"}, {"Bought", FieldType::kDate}, {"Tip"}},
+                   {{"Ash", "tree", "Garden"},
+                    {"Fern", "shade", "garden"},
+                    {"Iris", "bulb", "Hill", "", "dry"},
+                    {"Oak", "tree", "Hill"},
+                    {"Rue", "herb", "GARDEN"}});
     for (FieldDefinition& field : database->schema.fields) field.column_width = 100;
+    database->schema.fields[4].column_width = 0;
     database->schema.sort[0] = {0, 1};
   }
   void play() {
@@ -101,6 +103,13 @@ TEST_F(FindScreens, EachHitBecomesTheCurrentRecordUntilThereIsNoMore) {
   world.phone.says(kNotFound, u"Find");
   again();  // that search has found nothing yet
   world.phone.says(kNotFound, u"Find");
+  const auto titled = [](const std::u16string& title) {
+    return [title](FakeDialog& dialog) { EXPECT_EQ(dialog.title, title); };
+  };
+  find();
+  search().write(kSearchText, u"dry").choose({u"OK"});
+  list().look(stands("Iris")).look(titled(u"Found in Tip"));  // which has no column
+  list().press(Key::kUp).look(titled(u"Tabelion"));
   find();
   search().pick(kSearchField, u"Kind").write(kSearchText, u"tr").choose({u"OK"});
   list().look(stands("Ash"));
