@@ -55,16 +55,12 @@ void markDeciphered(DatabaseRecord& schema) {
   schema.head[kStampFlagOffset] &= static_cast<std::uint8_t>(~kDatabaseEncrypted);
 }
 
-EncryptSummary encryptRecords(Database& database, Engine& engine, const ExpandedKey& key,
-                              const RecordTest& wanted) {
+EncryptSummary encryptRecords(Database& database, Engine& engine, const ExpandedKey& key) {
   EncryptSummary summary;
   const std::size_t growth = mostGrowth(database.schema);
-  const auto isWanted = [&](ByteView record) {
-    return !isRecordEncrypted(record) && (!wanted || wanted(record));
-  };
   for (std::uint32_t i = 0; i < database.records.count(); ++i) {
     const ByteView record = database.records[i].bytes();
-    if (record.size() + growth > kMaxRecordSize && isWanted(record) &&
+    if (record.size() + growth > kMaxRecordSize && !isRecordEncrypted(record) &&
         !fitsEnciphered(database, record, key)) {
       summary.too_long = i;
       return summary;
@@ -75,7 +71,6 @@ EncryptSummary encryptRecords(Database& database, Engine& engine, const Expanded
   const StampSource stamp = [&] { return newStamp(database, engine); };
   forRecordsInClear(database, enciphered.old_size, [&](std::uint32_t position) {
     const ByteView record = database.records[position].bytes();
-    if (wanted && !wanted(record)) return;
     // Both fit, as was seen above.
     (void)encryptRecordFront(flagged, record, key, stamp, enciphered);
     (void)database.records.replaceFront(position, enciphered.old_size, enciphered.bytes);

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <string_view>
 #include <vector>
 
@@ -33,17 +32,14 @@ bool PasswordMatchesCheck(const DatabaseRecord& schema, std::string_view passwor
 // Takes back what says that the database is enciphered: its mark and the password check.
 void markDeciphered(DatabaseRecord& schema);
 
-// Enciphers every record that is in clear, or those of them that are `wanted`, and marks the
-// database dirty, and as enciphered where it is kept so as a whole. Either all of them or none: the
-// number of a record (from 0) that would become too long to be stored is kept in `too_long`, and
-// nothing has changed then.
+// Enciphers every record that is in clear, and marks the database dirty, and as enciphered where it
+// is kept so as a whole. Either all of them or none: the number of a record (from 0) that would
+// become too long to be stored is kept in `too_long`, and nothing has changed then.
 struct EncryptSummary {
   std::uint32_t enciphered = 0;
   std::uint32_t too_long = kNoPosition;
 };
-using RecordTest = std::function<bool(ByteView record)>;
-EncryptSummary encryptRecords(Database& database, Engine& engine, const ExpandedKey& key,
-                              const RecordTest& wanted = {});
+EncryptSummary encryptRecords(Database& database, Engine& engine, const ExpandedKey& key);
 
 // The records in clear that hold an overlong value, in record order.
 struct OverlongRecordValue {
