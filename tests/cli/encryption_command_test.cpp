@@ -55,6 +55,19 @@ TEST_F(EncryptionCommand, EncipheredFieldsNeedTheirPassword) {
   EXPECT_EQ(shown({}), "Name,Pin\nAnna,1111\nBert,2222\n");
 }
 
+// What was enciphered without the field could not be opened any more.
+TEST_F(EncryptionCommand, AFieldIsAddedToWhatIsEncipheredAlready) {
+  ASSERT_EQ(encrypt(), 0);
+  const auto before = files.bytes("/S.PDB");
+  EXPECT_EQ(run({"encrypt", "/S.PDB", "--field", "Name", "--password-file", "/other"}),
+            kPasswordCode);
+  EXPECT_EQ(files.bytes("/S.PDB"), before);
+  ASSERT_EQ(run({"encrypt", "/S.PDB", "--field", "Name", "--password-file", "/sesame"}), 0)
+      << err.text;
+  EXPECT_FALSE(fileHolds("Anna") || fileHolds("1111"));
+  EXPECT_EQ(shown(), "Name,Pin\nAnna,1111\nBert,2222\n");
+}
+
 TEST_F(EncryptionCommand, WhatIsChangedIsEncipheredAgain) {
   ASSERT_EQ(encrypt(), 0);
   files.put("/more.csv", std::string("Name,Pin\nCleo,3333\n"));

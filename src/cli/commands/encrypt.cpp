@@ -21,8 +21,11 @@ struct EncryptOptions {
 // In the order of the modes.
 constexpr const char* kKept[] = {"whole-database", "automatic", "by-record"};
 
-// Flags the fields that were asked for. A field that the records are sorted by cannot be one.
-Status flagFields(const EncryptOptions& options, Database& database, const TextEncoding& encoding) {
+// The slots that are to be flagged and are not yet. A field that the records are sorted by cannot
+// be one.
+Result<std::vector<int>> fieldsToFlag(const EncryptOptions& options, const Database& database,
+                                      const TextEncoding& encoding) {
+  std::vector<int> slots;
   for (const std::string& name : options.fields) {
     const Result<int> slot = chooseField(database, encoding, name);
     if (!slot.ok()) return slot.error();
@@ -34,10 +37,23 @@ Status flagFields(const EncryptOptions& options, Database& database, const TextE
                                      name));
       }
     }
-    database.schema.fields[static_cast<std::size_t>(*slot)].encrypt_flag = 1;
+    const FieldDefinition& field = database.schema.fields[static_cast<std::size_t>(*slot)];
+    if (field.encrypt_flag == 0) slots.push_back(*slot);
   }
-  if (hasFlaggedFields(database.schema)) return Done{};
+  if (!slots.empty() || hasFlaggedFields(database.schema)) return slots;
   return makeError(ErrorKind::kInvalid, "no field is to be enciphered; --field names one");
+}
+
+// Whether the password opened every enciphered record, for certain: they are written in clear then,
+// or under other flags.
+bool decipherAll(Database& database, const Password& password, PasswordAttempt& attempt) {
+  OpenedRecords deciphered;  // which are to stay in clear
+  attempt = deciphered.open(database, password, true);
+  if (attempt.isComplete()) {
+    deciphered.closeUncertain(database, OpenedRecords::Before::kWritingInClear);
+    attempt.doubtful = HasEncipheredRecords(database);
+  }
+  return attempt.isComplete();
 }
 
 // Texts that other devices could not read back; says each.
@@ -63,9 +79,24 @@ ExitCode runEncrypt(const EncryptOptions& options, CliContext& context) {
   const auto opened = context.openToChange(options.file, failure, CliContext::Opening::kAsItIs);
   if (!opened) return failure;
   Database& database = *opened->database;
-  const Status flagged = flagFields(options, database, opened->encoding);
-  if (!flagged.ok()) {
-    return context.fail({flagged.error().kind, options.file + ": " + flagged.error().text});
+  const auto to_flag = fieldsToFlag(options, database, opened->encoding);
+  if (!to_flag.ok()) {
+    return context.fail({to_flag.error().kind, options.file + ": " + to_flag.error().text});
+  }
+  const auto ask = [&] {
+    return context.askPassword(context.options().encryption_password, "Encryption password",
+                               opened->encoding, failure);
+  };
+  std::optional<Password> password;
+  // What is enciphered already was so without the new fields, and would be read with them.
+  if (!to_flag->empty() && HasEncipheredRecords(database)) {
+    password = ask();
+    if (!password) return failure;
+    PasswordAttempt attempt;
+    if (!decipherAll(database, *password, attempt)) return failWith(context, database, attempt);
+  }
+  for (const int slot : *to_flag) {
+    database.schema.fields[static_cast<std::size_t>(slot)].encrypt_flag = 1;
   }
   for (std::uint8_t mode = 0; mode < std::size(kKept); ++mode) {
     if (options.keep == kKept[mode]) database.schema.encryption_mode = mode;
@@ -74,12 +105,13 @@ ExitCode runEncrypt(const EncryptOptions& options, CliContext& context) {
     database.schema.encryption_mode = kEncryptWholeDatabase;
   }
   if (hasOverlongValues(options, *opened, context)) return ExitCode::kRefused;
-  const auto password = context.askPassword(context.options().encryption_password,
-                                            "Encryption password", opened->encoding, failure);
-  if (!password) return failure;
-  if (!PasswordMatchesCheck(database.schema, password->text())) {
-    context.say(options.file + ": another password enciphered records of this database");
-    return ExitCode::kWrongPassword;
+  if (!password) {
+    password = ask();
+    if (!password) return failure;
+    if (!PasswordMatchesCheck(database.schema, password->text())) {
+      context.say(options.file + ": another password enciphered records of this database");
+      return ExitCode::kWrongPassword;
+    }
   }
   ExpandedKey key;
   MakeKey(password->text(), key);
@@ -102,13 +134,8 @@ ExitCode runDecrypt(const EncryptOptions& options, CliContext& context) {
   const auto password = context.askPassword(context.options().encryption_password,
                                             "Encryption password", opened->encoding, failure);
   if (!password) return failure;
-  OpenedRecords deciphered;  // which are to stay in clear
-  PasswordAttempt attempt = deciphered.open(database, *password, true);
-  if (attempt.isComplete()) {
-    deciphered.closeUncertain(database, OpenedRecords::Before::kWritingInClear);
-    attempt.doubtful = HasEncipheredRecords(database);
-  }
-  if (!attempt.isComplete()) return failWith(context, database, attempt);
+  PasswordAttempt attempt;
+  if (!decipherAll(database, *password, attempt)) return failWith(context, database, attempt);
   database.schema.encryption_mode = kEncryptNever;
   markDeciphered(database.schema);
   setDirty(database);
