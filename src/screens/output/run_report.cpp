@@ -66,6 +66,7 @@ class ReportScreen : public CommandScreen<ReportScreen> {
   void onNotice(Dialog& dialog, ControlId control, Notice notice) override {
     if (control == kReportField && notice == Notice::kEdited) Run(dialog);
   }
+  bool onKey(Dialog& dialog, const KeyPress& key) override;
   void onPaintCanvas(Dialog& dialog, ControlId, CanvasPainter& painter) override;
   std::u16string canvasText(Dialog&, ControlId) override {
     const std::string about = title_.empty() ? "" : title_ + ": ";
@@ -213,6 +214,21 @@ void ReportScreen::ShowOther(Dialog& dialog) {
   Arrange(dialog);
   const ControlId shown = picture_in_turn_ ? kReportPicture : kReportText;
   dialog.control(shown).focus();
+}
+
+// From picture to picture, without a way back to the box of fields.
+bool ReportScreen::onKey(Dialog& dialog, const KeyPress& key) {
+  if (key.control != kReportPicture || (key.key != Key::kLeft && key.key != Key::kRight)) {
+    return false;
+  }
+  Control& field = dialog.control(kReportField);
+  const int next = std::clamp(field.selection() + (key.key == Key::kRight ? 1 : -1), 0,
+                              std::max(0, static_cast<int>(fields_.size()) - 1));
+  if (fields_.empty() || next == field.selection()) return true;
+  field.select(next);
+  picture_in_turn_ = true;
+  Run(dialog);
+  return true;
 }
 
 void ReportScreen::onPaintCanvas(Dialog& dialog, ControlId, CanvasPainter& painter) {

@@ -1,4 +1,5 @@
-// The screen that shows statistics over one field, and a picture of its values beside them.
+// The screen that shows statistics over one field, and a picture of its values beside them. In the
+// picture, Left and Right go to the report of the field before and behind.
 #pragma once
 
 #include "services/application.h"

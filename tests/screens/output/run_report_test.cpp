@@ -80,6 +80,14 @@ TEST_F(RunReport, ListsFieldsAsksForOneAndShowsItsTextAndPictureInTurn) {
         EXPECT_EQ(painted.fills.size(), 3u);
         EXPECT_EQ(dialog.menu_bar.left.text, u"Text");
       })
+      .press(Key::kRight, 2)  // to the last field
+      .look([](FakeDialog& dialog) {
+        EXPECT_EQ(dialog.fake(kReportField).selection(), 1);
+        EXPECT_NE(narrow(dialog.fake(kReportPicture).spoken()).find("Checked: 2, 67%"),
+                  std::string::npos);
+      })
+      .look(shows(false, true))
+      .press(Key::kLeft)
       .choose({u"Text"})
       .look(shows(true, false))
       .choose({u"Menu", u"Run Report"})
