@@ -9,6 +9,7 @@ namespace tabelion {
 namespace {
 
 constexpr std::size_t kSampledRows = 48;
+constexpr std::size_t kMeasuredTexts = 4;
 constexpr int kMostPixels = 320;  // one long text does not push the others out
 constexpr int kAir = 8;           // at a text's sides
 
@@ -17,13 +18,20 @@ int wantedWidth(Application& app, int slot, const std::u16string& heading,
                 const std::function<int(const std::u16string&)>& text_width) {
   const Database& database = CurrentDatabase(app);
   const auto& index = database.record_index;
-  int widest = text_width(heading);
+  std::vector<std::u16string> texts;
   if (database.schema.fields[static_cast<std::size_t>(slot)].type != FieldType::kCheckBox) {
     const std::size_t rows = std::min(index.size(), kSampledRows);
-    for (std::size_t i = 0; i < rows && widest < kMostPixels; ++i) {
-      const std::uint32_t record = index[i * index.size() / rows];
-      widest = std::max(widest, text_width(ListCellText(app, record, slot)));
+    for (std::size_t i = 0; i < rows; ++i) {
+      texts.push_back(ListCellText(app, index[i * index.size() / rows], slot));
     }
+  }
+  // Measuring takes longer than all else here, and the widest is among the longest.
+  const auto measured = static_cast<std::ptrdiff_t>(std::min(texts.size(), kMeasuredTexts));
+  std::partial_sort(texts.begin(), texts.begin() + measured, texts.end(),
+                    [](const auto& a, const auto& b) { return a.size() > b.size(); });
+  int widest = text_width(heading);
+  for (auto text = texts.begin(); text != texts.begin() + measured; ++text) {
+    widest = std::max(widest, text_width(*text));
   }
   return std::min(widest + kAir, kMostPixels);
 }
