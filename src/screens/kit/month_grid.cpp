@@ -25,13 +25,13 @@ constexpr std::array<MonthPress, kDaysPerWeek> kArrows = {
     MonthPress::kNothing,      MonthPress::kNothing,       MonthPress::kNextMonth,
     MonthPress::kNextYear};
 
-Size cellOf(const MonthGrid& grid) {
-  return {std::clamp(grid.size.width / kDaysPerWeek, 1, kLargestCell.width),
-          std::clamp(grid.size.height / kMonthGridRows, 1, kLargestCell.height)};
+Size cellOf(Size canvas) {
+  return {std::clamp(canvas.width / kDaysPerWeek, 1, kLargestCell.width),
+          std::clamp(canvas.height / kMonthGridRows, 1, kLargestCell.height)};
 }
 
 Rect cellAt(const MonthGrid& grid, int column, int row) {
-  const Size cell = cellOf(grid);
+  const Size cell = cellOf(grid.size);
   return {(grid.size.width - cell.width * kDaysPerWeek) / 2 + column * cell.width,
           row * cell.height, cell.width, cell.height};
 }
@@ -59,7 +59,7 @@ void paintArrow(CanvasPainter& painter, const Rect& cell, bool to_the_left, int 
 }
 
 void paintHead(CanvasPainter& painter, const MonthGrid& grid, const RowColors& colors) {
-  const Size cell = cellOf(grid);
+  const Size cell = cellOf(grid.size);
   for (int column = 0; column < kDaysPerWeek; ++column) {
     const MonthPress press = kArrows[static_cast<std::size_t>(column)];
     if (press != MonthPress::kNothing) {
@@ -72,12 +72,13 @@ void paintHead(CanvasPainter& painter, const MonthGrid& grid, const RowColors& c
                  std::u16string(kWeekdays[static_cast<std::size_t>(weekday)]).substr(0, 2),
                  colors.muted, TextWeight::kNormal, TextSide::kMiddle);
   }
+  std::u16string month = kMonths[static_cast<std::size_t>(grid.month - 1)];
+  if (grid.short_name) month.resize(3);
   Rect name = cellAt(grid, 2, 0);
-  name.width = cell.width * 3;
-  painter.text(name,
-               std::u16string(kMonths[static_cast<std::size_t>(grid.month - 1)]) + u" " +
-                   FromUtf8(std::to_string(grid.year)),
-               colors.ink, TextWeight::kSemiBold, TextSide::kMiddle);
+  name.width = MonthNameRoom(grid.size);
+  name.x -= (name.width - 3 * cell.width) / 2;
+  painter.text(name, month + u" " + FromUtf8(std::to_string(grid.year)), colors.ink,
+               TextWeight::kSemiBold, TextSide::kMiddle);
 }
 
 void paintFrame(CanvasPainter& painter, const Rect& cell, Color ink) {
@@ -90,6 +91,11 @@ void paintFrame(CanvasPainter& painter, const Rect& cell, Color ink) {
 }
 
 }  // namespace
+
+// Between the months' arrows, which stand in the middle of their cells.
+int MonthNameRoom(Size canvas) {
+  return cellOf(canvas).width * 11 / 3;
+}
 
 void PaintMonth(CanvasPainter& painter, const MonthGrid& grid) {
   const RowColors& colors = RowColorsOf(painter.scheme());
@@ -106,7 +112,7 @@ void PaintMonth(CanvasPainter& painter, const MonthGrid& grid) {
 }
 
 MonthHit MonthHitAt(const MonthGrid& grid, Point at) {
-  const Size cell = cellOf(grid);
+  const Size cell = cellOf(grid.size);
   const int x = at.x - cellAt(grid, 0, 0).x;
   const int column = x / cell.width;
   const int row = at.y / cell.height;

@@ -13,7 +13,8 @@ struct MonthGrid {
   int marked_day = 0;  // 0: none
   int today = 0;       // a day of this month, 0: none
   bool week_starts_monday = false;
-  Size size;  // of the canvas
+  Size size;                // of the canvas
+  bool short_name = false;  // the month's, where the long one has no room
 };
 
 enum class MonthPress { kNothing, kDay, kPreviousYear, kPreviousMonth, kNextMonth, kNextYear };
@@ -24,6 +25,9 @@ struct MonthHit {
 };
 
 inline constexpr int kMonthGridRows = 8;  // the name, the days' names and six weeks
+
+// For the month's name and year, in bold.
+int MonthNameRoom(Size canvas);
 
 void PaintMonth(CanvasPainter& painter, const MonthGrid& grid);
 MonthHit MonthHitAt(const MonthGrid& grid, Point at);

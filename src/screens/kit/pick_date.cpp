@@ -115,12 +115,14 @@ MonthGrid DateScreen::Grid(Dialog& dialog) const {
   const CalendarTime now = app_.platform.clock.local();
   const bool is_now = now.month == date.month && now.year == date.year;
   const Rect place = dialog.control(kMonthCanvas).place();
+  const int bold_width = dialog.textSize(u"September 2000", 0).width * 9 / 8;
   return {.month = date.month,
           .year = date.year,
           .marked_day = date.day,
           .today = is_now ? now.day : 0,
           .week_starts_monday = app_.preferences.week_starts_monday != 0,
-          .size = {place.width, place.height}};
+          .size = {place.width, place.height},
+          .short_name = bold_width > MonthNameRoom({place.width, place.height})};
 }
 
 // The box says the same as the month.

@@ -150,14 +150,12 @@ std::u16string RecordForm::ButtonFace(Dialog& dialog, const Field& field) const 
   return ButtonText(field.text, static_cast<std::size_t>(std::max(kFewestOnButton, characters)));
 }
 
-// The items in their order, each indented by its level, and "No Value" behind them.
+// The items in their order, and "No Value" behind them. Keys step through all of them, the menu of
+// the pop-up walks their tree.
 void RecordForm::FillChoice(Dialog& dialog, Field& field, ByteView record) {
   const FieldRecord& items = Items(field.row.slot);
   std::vector<std::u16string> texts;
-  for (const PopupItem& item : items.items) {
-    const auto indent = static_cast<std::size_t>(std::min(item.level(), 5)) * 2;
-    texts.push_back(std::u16string(indent, u' ') + ScreenText(app_, item.text));
-  }
+  for (const PopupItem& item : items.items) texts.push_back(ScreenText(app_, item.text));
   texts.push_back(FromUtf8(kNoValueText));
   field.choice = static_cast<int>(items.items.size());
   if (const auto stored = slotValue(record, field.row.slot)) {

@@ -85,8 +85,8 @@ TEST_F(PopupList, LevelsAreWalkedAndAnItemTaken) {
   list().look([](FakeDialog& dialog) {
     EXPECT_EQ(dialog.menu_bar.resource, 149);
     EXPECT_EQ(dialog.menuTexts({u"Menu"}),
-              (std::vector<std::u16string>{u"Back Level", u"-Next Level", u"Move Up", u"Move Down",
-                                           u"Demote", u"Promote", u"New", u"Rename", u"Delete",
+              (std::vector<std::u16string>{u"Back Level", u"Move Up", u"Move Down", u"Demote",
+                                           u"Promote", u"New", u"Rename", u"Delete", u"-Next Level",
                                            u"-Undo", u"-Redo", u"Cancel"}));
   });
   list().row(kPopupItems, 0).look([](FakeDialog& dialog) {

@@ -96,7 +96,7 @@ TEST_F(EditRecord, ShowsEveryValueAndStoresNothingUnchanged) {
         EXPECT_EQ(shown(kLong), u"a…");
         const FakeControl& kind = dialog.fake(FormValue(kKind));
         EXPECT_EQ(kind.choices,
-                  (std::vector<std::u16string>{u"Tool", u"  Hammer", u"Toy", u"No Value"}));
+                  (std::vector<std::u16string>{u"Tool", u"Hammer", u"Toy", u"No Value"}));
         EXPECT_EQ(kind.selection(), 0);
         EXPECT_FALSE(dialog.fake(FormValue(kPaid)).checked());
         EXPECT_EQ(dialog.fake(FormValue(kName)).face.accessible_name, u"Name");
@@ -116,7 +116,7 @@ TEST_F(EditRecord, StoresExactlyTheSlotsThatChanged) {
   open(0);
   form()
       .tick(FormValue(kPaid))
-      .pick(FormValue(kKind), u"  Hammer")
+      .pick(FormValue(kKind), u"Hammer")
       .write(FormValue(kHour), u"1:05 pm")  // the same minute: its seconds stay
       .write(FormValue(kDay), u"12/31/1931")
       .press(Key::kUp)
