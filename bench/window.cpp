@@ -29,6 +29,7 @@
 #include "records.h"
 #include "screens/arrange/sort_screen.h"
 #include "screens/kit/screen_numbers.h"
+#include "screens/records/record_form.h"
 #include "screens/records/record_list.h"
 
 namespace tabelion {
@@ -37,6 +38,7 @@ namespace {
 constexpr int kRounds = 9;
 constexpr int kPages = 200;
 constexpr int kLetters = 208;
+constexpr int kPopups = 4;  // a round
 constexpr char kOtherView[] = "Weights";
 
 double processorMs() {
@@ -115,6 +117,7 @@ class Walk {
   void sorts();
   void filters();
   void views();
+  void popups();
   void deletions();
   void leave();
 
@@ -129,13 +132,10 @@ class Walk {
   double began_ = 0;
   int all_ = 0;
   std::map<std::string, Samples> samples_{
-      {"open to the painted list", {100}},
-      {"page down", {4}},
-      {"a letter of quick find", {16, 0.99}},
-      {"OK in the sort dialog", {60}},
-      {"OK in the filter dialog", {25}},
-      {"choose a view with another sort and filter", {80}},
-      {"delete 30,000 records within a filter", {60}},
+      {"open to the painted list", {100}},    {"page down", {4}},
+      {"a letter of quick find", {16, 0.99}}, {"OK in the sort dialog", {60}},
+      {"OK in the filter dialog", {25}},      {"choose a view with another sort and filter", {80}},
+      {"open a pop-up of 60 items", {5}},     {"delete 30,000 records within a filter", {60}},
   };
 };
 
@@ -174,6 +174,7 @@ void Walk::plan() {
     }
     sorts();
     filters();
+    popups();
     views();
     deletions();
     leave();
@@ -240,6 +241,26 @@ void Walk::filters() {
   }
 }
 
+// In a record's form, until its menu is painted.
+void Walk::popups() {
+  press(kRecordListScreen, Qt::Key_Return);
+  at(kEditRecordScreen, [this] {
+    while (probe_.focus() != FormValue(kKindSlot)) probe_.press(Qt::Key_Down);
+  });
+  for (int i = 0; i < kPopups; ++i) {
+    timed(kEditRecordScreen, Qt::Key_Return);
+    at(
+        kEditRecordScreen,
+        [this] {
+          dialogs_.frame().menus().grab();
+          samples_.at("open a pop-up of 60 items").ms.push_back(processorMs() - began_);
+          probe_.press(Qt::Key_Escape);
+        },
+        [this] { return probe_.menu().size() > int(kMaxItems); });
+  }
+  press(kEditRecordScreen, Qt::Key_Escape);
+}
+
 void Walk::views() {
   choose({"Views", kOtherView});
   painted("choose a view with another sort and filter", fewerRows());
@@ -273,7 +294,16 @@ void Walk::print() const {
   }
 }
 
-// A copy with an order, and a view with another order and a filter.
+// A pop-up has as many items as it can.
+void fill(FieldRecord& field) {
+  for (std::size_t i = field.items.size(); i < kMaxItems; ++i) {
+    PopupItem item{.text = fmt::format("Item {}", i)};
+    item.key[0] = static_cast<std::uint8_t>(i);
+    field.items.push_back(std::move(item));
+  }
+}
+
+// A copy with an order, a full pop-up, and a view with another order and a filter.
 bool prepare(const std::string& from, const std::string& to) {
   StdFiles files;
   StdClock clock;
@@ -285,6 +315,7 @@ bool prepare(const std::string& from, const std::string& to) {
   DatabaseRecord& schema = database->schema;
   schema.sort = {SortKey{kTitleSlot, kSortForward}, SortKey{kCountSlot, 0},
                  SortKey{kDaySlot, kSortForward}};
+  fill(database->fields[kKindSlot]);
   sortRecords(*database, matchingSettings(LocaleInfo{}));
   viewsMenu(*database);  // makes the default one
   const int view = addView(*database);
