@@ -8,7 +8,10 @@ namespace tabelion {
 void RefuseBox(Application& app, Dialog& dialog, ControlId box, const std::u16string& why,
                const std::u16string& title) {
   Control& refused = dialog.control(box);
-  if (IsAlone(app.closing)) return app.not_stored.push_back(title + u": " + refused.text());
+  if (IsAlone(app.closing)) {
+    const std::string database = areaText(CurrentDatabase(app).header.name);
+    return app.not_stored.push_back(ScreenText(app, database) + u": " + refused.text());
+  }
   ShowMessage(app, why, title, MessageIcon::kExclamation);
   refused.focus();
   refused.selectText();

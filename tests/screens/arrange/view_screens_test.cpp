@@ -322,7 +322,7 @@ TEST_F(ViewScreens, ANameThatNobodyCanMendIsToldLater) {
       .write(kViewName, u"Default View")
       .fire(kAutoCloseTimer);
   world.phone.play([&] { EXPECT_EQ(ShowRecordList(app, path), kDialogAutoClosed); });
-  EXPECT_EQ(app.not_stored, Texts{u"Message: Default View"});
+  EXPECT_EQ(app.not_stored, Texts{u"Plants: Default View"});
   database = world.read(path);
   EXPECT_TRUE(viewSettings(database->schema, 1).live_update);
   EXPECT_EQ(viewName(database->schema, 1), "Trees");
