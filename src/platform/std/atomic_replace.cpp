@@ -135,9 +135,8 @@ Result<Replacement> Replacement::begin(const std::string& path, Existing existin
   if (::fstat(old_file.get(), &old) != 0) return replacement.failed(errno);
   if (Status found = replacement.findOtherNames(old); !found) return found.error();
   if (Status made = replacement.createSibling(0600); !made) return made.error();
-  if (const auto reason = keepAttributes(old_file.get(), old, replacement.file_.get())) {
-    return replacement.failed(*reason);
-  }
+  const Status kept = keepAttributes(old_file.get(), old, replacement.file_.get());
+  if (!kept.ok()) return replacement.failed(kept.error().text);
   if (privacy == Privacy::kOwnerOnly && ::fchmod(replacement.file_.get(), 0600) != 0) {
     return replacement.failed(errno);
   }

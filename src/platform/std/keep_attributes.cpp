@@ -83,37 +83,42 @@ bool keepsRights(int old_fd, const struct stat& old, const struct stat& fresh, c
   return (user & ~left) == 0;
 }
 
-// None when owner and group are kept, or need not be.
-std::optional<std::string> keepOwner(int old_fd, const struct stat& old, int file) {
+Error refused(std::string reason) {
+  return makeError(ErrorKind::kRefused, std::move(reason));
+}
+
+// Done where they need not be kept, too.
+Status keepOwner(int old_fd, const struct stat& old, int file) {
   struct stat fresh {};
-  if (::fstat(file, &fresh) != 0) return reasonInWords(errno);
-  if (old.st_uid == fresh.st_uid && old.st_gid == fresh.st_gid) return std::nullopt;
-  if (::fchown(file, old.st_uid, old.st_gid) == 0) return std::nullopt;
+  if (::fstat(file, &fresh) != 0) return refused(reasonInWords(errno));
+  if (old.st_uid == fresh.st_uid && old.st_gid == fresh.st_gid) return Done{};
+  if (::fchown(file, old.st_uid, old.st_gid) == 0) return Done{};
   // The group alone can be kept by its members.
   if (::fchown(file, static_cast<uid_t>(-1), old.st_gid) == 0) fresh.st_gid = old.st_gid;
   const User owner = lookUp(old.st_uid);
-  if (keepsRights(old_fd, old, fresh, owner)) return std::nullopt;
+  if (keepsRights(old_fd, old, fresh, owner)) return Done{};
   if (old.st_uid == fresh.st_uid) {
-    return "its group cannot be kept, and with another one not everybody would keep their rights";
+    return refused(
+        "its group cannot be kept, and with another one not everybody would keep their rights");
   }
-  return fmt::format(
+  return refused(fmt::format(
       "its owner ({}) cannot be kept, and with another one not everybody would keep their rights",
-      owner.name);
+      owner.name));
 }
 
 }  // namespace
 
-std::optional<std::string> keepAttributes(int old_fd, const struct stat& old, int fresh) {
-  if (auto reason = keepOwner(old_fd, old, fresh)) return reason;
+Status keepAttributes(int old_fd, const struct stat& old, int fresh) {
+  if (Status owner = keepOwner(old_fd, old, fresh); !owner.ok()) return owner;
   copyExtendedAttributes(old_fd, fresh);
   // Last, because a new owner takes bits away. A file system that knows no modes refuses, though
   // the new file has what all its files have.
   const mode_t mode = old.st_mode & 07777;
-  if (::fchmod(fresh, mode) == 0) return std::nullopt;
+  if (::fchmod(fresh, mode) == 0) return Done{};
   const int error_number = errno;
   struct stat now {};
-  if (::fstat(fresh, &now) == 0 && (now.st_mode & 07777) == mode) return std::nullopt;
-  return fmt::format("its mode could not be kept: {}", reasonInWords(error_number));
+  if (::fstat(fresh, &now) == 0 && (now.st_mode & 07777) == mode) return Done{};
+  return refused(fmt::format("its mode could not be kept: {}", reasonInWords(error_number)));
 }
 
 }  // namespace tabelion
