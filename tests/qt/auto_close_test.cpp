@@ -32,7 +32,7 @@ void AutoCloseTest::whatIsOnTheScreenIsStoredAndEverythingCloses_data() {
   QTest::newRow("menu") << QList<int>{menu} << kEditRecordScreen << true;
   QTest::newRow("choices") << QList<int>{Qt::Key_Down, Qt::Key_Down, Qt::Key_Return}
                            << kEditRecordScreen << true;
-  QTest::newRow("question") << QList<int>{menu, Qt::Key_4} << 0 << false;
+  QTest::newRow("question") << QList<int>{menu, Qt::Key_5} << 0 << false;
   QTest::newRow("note") << QList<int>{Qt::Key_Down, Qt::Key_Return} << kNoteScreen << false;
 }
 

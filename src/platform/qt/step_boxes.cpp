@@ -73,7 +73,9 @@ class ChoiceControl final : public ControlOf<Control> {
     box_->showValue(toQt(from.text));
     box_->pressed = [this](int) {
       focus();
-      openList();
+      // What the handler opens runs in a loop of its own, which the press is not to wait for.
+      if (!madeFrom().opened_by_handler) return void(openList());
+      host().notifyLater(id(), Notice::kActivated);
     };
   }
 
@@ -137,7 +139,7 @@ class ChoiceControl final : public ControlOf<Control> {
   }
   bool openList() {
     if (madeFrom().opened_by_handler) {
-      host().notifyLater(id(), Notice::kActivated);  // it opens a menu in a loop of its own
+      host().notify(id(), Notice::kActivated);
       return true;
     }
     if (texts_.empty() || madeFrom().read_only) return true;
