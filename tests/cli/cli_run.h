@@ -36,7 +36,7 @@ class CliRun : public ::testing::Test {
                     },
                     nullptr, confirm};
     streams.terminal = terminal;
-    CliPlatform platform{files, clock, locale, settings, [] { return 4u; }, {}, sleep};
+    CliPlatform platform{files, clock, locale, settings, [] { return 4u; }, ask_secret, sleep};
     return static_cast<int>(runCli(arguments, platform, streams));
   }
   // Makes a database from a description and CSV.
@@ -58,6 +58,7 @@ class CliRun : public ::testing::Test {
   std::string input;
   std::function<void(std::chrono::milliseconds)> sleep;
   std::function<bool(std::string_view)> confirm;  // the terminal's answer, if there is one
+  SecretPrompt ask_secret;                        // likewise
   TerminalForm terminal;
   StringSink out;
   StringSink err;

@@ -55,6 +55,33 @@ TEST_F(EncryptionCommand, EncipheredFieldsNeedTheirPassword) {
   EXPECT_EQ(shown({}), "Name,Pin\nAnna,1111\nBert,2222\n");
 }
 
+TEST_F(EncryptionCommand, ANewPasswordIsTypedTwiceOnTheTerminal) {
+  std::vector<std::string> typed;
+  ask_secret = [&](const std::string&) -> std::optional<std::string> {
+    if (typed.empty()) return std::nullopt;
+    const std::string next = typed.front();
+    typed.erase(typed.begin());
+    return next;
+  };
+  const auto before = files.bytes("/S.PDB");
+  for (const bool access : {false, true}) {
+    const std::vector<std::string> command =
+        access ? std::vector<std::string>{"passwd", "/S.PDB"}
+               : std::vector<std::string>{"encrypt", "/S.PDB", "--field", "Pin"};
+    typed = {"sesame", "seasme"};
+    EXPECT_EQ(run(command), kPasswordCode);
+    EXPECT_NE(err.text.find("differ"), std::string::npos) << err.text;
+    typed = {"sesame"};
+    EXPECT_EQ(run(command), kPasswordCode);
+  }
+  EXPECT_EQ(files.bytes("/S.PDB"), before);
+  typed = {"sesame", "sesame"};
+  EXPECT_EQ(run({"encrypt", "/S.PDB", "--field", "Pin"}), 0) << err.text;
+  typed = {"sesame"};  // known from then on
+  EXPECT_EQ(run({"encrypt", "/S.PDB"}), 0) << err.text;
+  EXPECT_EQ(shown(), "Name,Pin\nAnna,1111\nBert,2222\n");
+}
+
 // What was enciphered without the field could not be opened any more.
 TEST_F(EncryptionCommand, AFieldIsAddedToWhatIsEncipheredAlready) {
   ASSERT_EQ(encrypt(), 0);

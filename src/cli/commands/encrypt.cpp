@@ -84,8 +84,11 @@ ExitCode runEncrypt(const EncryptOptions& options, CliContext& context) {
     return context.fail({to_flag.error().kind, options.file + ": " + to_flag.error().text});
   }
   const auto ask = [&] {
-    return context.askPassword(context.options().encryption_password, "Encryption password",
-                               opened->encoding, failure);
+    const bool is_new =
+        database.schema.password_check_present == 0 && !HasEncipheredRecords(database);
+    const auto how = is_new ? &CliContext::askNewPassword : &CliContext::askPassword;
+    return (context.*how)(context.options().encryption_password, "Encryption password",
+                          opened->encoding, failure);
   };
   std::optional<Password> password;
   // What is enciphered already was so without the new fields, and would be read with them.

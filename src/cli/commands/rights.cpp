@@ -103,7 +103,7 @@ ExitCode runPasswd(const PasswdOptions& options, CliContext& context) {
   Password password;
   if (!options.clear) {
     const auto typed =
-        context.askPassword(options.new_password, "New access password", encoding, failure);
+        context.askNewPassword(options.new_password, "New access password", encoding, failure);
     if (!typed) return failure;
     password = *typed;
   }

@@ -165,6 +165,20 @@ std::optional<Password> CliContext::askPassword(const SecretSource& source,
   return password;
 }
 
+std::optional<Password> CliContext::askNewPassword(const SecretSource& source,
+                                                   const std::string& question,
+                                                   const TextEncoding& encoding,
+                                                   ExitCode& failure) {
+  auto password = askPassword(source, question, encoding, failure);
+  if (!password || !source.file.empty() || source.descriptor) return password;
+  const auto again = askPassword(source, question + ", once more", encoding, failure);
+  if (!again) return std::nullopt;
+  if (again->text() == password->text()) return password;
+  say("the two passwords differ; nothing was changed");
+  failure = ExitCode::kWrongPassword;
+  return std::nullopt;
+}
+
 ExitCode failWith(CliContext& context, const Database& database, const PasswordAttempt& attempt) {
   if (attempt.closed > 0) {
     context.say(fmt::format("{}: the password does not decipher {} of {} enciphered records",

@@ -86,6 +86,9 @@ class CliContext {
   // the database. On failure the message has been said and `failure` is set.
   std::optional<Password> askPassword(const SecretSource& source, const std::string& question,
                                       const TextEncoding& encoding, ExitCode& failure);
+  // The same for one that locks from now on: on the terminal it is typed twice.
+  std::optional<Password> askNewPassword(const SecretSource& source, const std::string& question,
+                                         const TextEncoding& encoding, ExitCode& failure);
   const GlobalOptions& options() const { return options_; }
 
   // The code page that the user has set or asked for.
