@@ -145,6 +145,8 @@ void FilterScreen::AddRows(Dialog& dialog, int criterion, std::vector<LayoutRow>
   rows.push_back(LabeledRow(id(Part::kFieldLabel), {BoxCell(id(Part::kField))}));
   const CriterionDraft draft = Draft(dialog, criterion);
   const CriterionKind kind = kindOfSlot(CurrentDatabase(app_), draft.slot);
+  const auto& fault = faults_[static_cast<std::size_t>(criterion)];
+  const bool first_is_faulty = fault && fault->box == DraftFault::Box::kFirst;
   const auto bound = [&](Part label, Part box, Part pick) {
     std::vector<LayoutCell> cells{BoxCell(id(box))};
     if (isPicked(kind)) cells.push_back(Glued(BoxCell(id(pick), kPickWidth)));
@@ -161,12 +163,16 @@ void FilterScreen::AddRows(Dialog& dialog, int criterion, std::vector<LayoutRow>
     rows.push_back(LabeledRow(id(Part::kFirstLabel), {BoxCell(id(Part::kFirst))}));
   } else if (isRange(kind) && draft.range == kCustomDateRange) {
     bound(Part::kFirstLabel, Part::kFirst, Part::kFirstPick);
+    if (first_is_faulty) rows.push_back(TextRow(id(Part::kNote)));
     bound(Part::kSecondLabel, Part::kSecond, Part::kSecondPick);
   } else if (kind == CriterionKind::kCheckBox || kind == CriterionKind::kItem) {
     const Part value = kind == CriterionKind::kItem ? Part::kItem : Part::kCheck;
     rows.push_back(LabeledRow(id(Part::kValueLabel), {BoxCell(id(value))}));
   }
-  if (!At(dialog, criterion, Part::kNote).text().empty()) rows.push_back(TextRow(id(Part::kNote)));
+  const bool placed = isRange(kind) && first_is_faulty;
+  if (!placed && !At(dialog, criterion, Part::kNote).text().empty()) {
+    rows.push_back(TextRow(id(Part::kNote)));
+  }
 }
 
 }  // namespace tabelion

@@ -66,6 +66,7 @@ TEST_F(SortDialog, SortsByThreeLevelsAsOneStepAndKeepsTheCurrentRecord) {
       .choose({u"Menu", u"Undo Sort"})
       .look(shows({u"Emma", u"Dubliners", u"Middlemarch", u"Alice"}))
       .look(selected(2))
+      .look([&](FakeDialog&) { EXPECT_FALSE(CurrentDatabase(app).dirty); })
       .choose({u"Menu", u"Redo Sort"});
   // The dialog shows what is in force; Cancel drops what was chosen.
   open().look([](FakeDialog& dialog) {
