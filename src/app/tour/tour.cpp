@@ -13,6 +13,7 @@
 #include "app/tour/arrange_scenes.h"
 #include "app/tour/list_scenes.h"
 #include "app/tour/record_scenes.h"
+#include "app/tour/sort_filter_scenes.h"
 #include "app/tour/tour_driver.h"
 #include "platform/qt/list_view.h"
 #include "platform/std/sole_instance.h"
@@ -292,6 +293,8 @@ void Tour::arrange() {
               [this] { return recordList(*main_); });
   editListAndPickDate(driver_);
   searchAndSwitchViews(driver_, kMark);
+  tourSort(driver_);
+  tourFilter(driver_);
   driver_.press(kRecordListScreen, Qt::Key_Escape);
 }
 
