@@ -236,11 +236,11 @@ void FilterScreen::PickBound(Dialog& dialog, int criterion, Part pick) {
 
 void FilterScreen::PickItem(Dialog& dialog, int criterion) {
   const auto i = static_cast<std::size_t>(criterion);
-  const Rect button = At(dialog, criterion, Part::kItem).place();
   PopupValue value{items_[i], {}};
-  const int chosen = ChoosePopupValue(
-      app_, CurrentDatabase(app_),
-      {.slot = fields_[i], .allow_no_value = true, .menu_top = button.y + button.height}, value);
+  const PopupMenu menu{.slot = fields_[i],
+                       .allow_no_value = true,
+                       .menu_top = At(dialog, criterion, Part::kItem).bottomOnScreen()};
+  const int chosen = ChoosePopupValue(app_, CurrentDatabase(app_), menu, value);
   if (chosen != kPopupChosen && chosen != kPopupNoValue) return;
   items_[i] = value.key;
   ShowItem(dialog, criterion);
