@@ -7,6 +7,7 @@
 
 #include "engine/calendar.h"
 #include "interchange/charts/axis.h"
+#include "interchange/svg_picture.h"
 
 namespace tabelion {
 namespace {
@@ -212,6 +213,19 @@ TEST_F(Charts, SvgIsAWholePictureWithItsWords) {
   EXPECT_THAT(svg, StartsWith("<svg xmlns="));
   EXPECT_THAT(svg, HasSubstr("<title>Trees &amp; &lt;Shrubs&gt;. 6 records. Item of a"));
   EXPECT_TRUE(svg.ends_with("</svg>\n"));
+}
+
+TEST(SvgPicture, HasEveryMarkWhereItIsPainted) {
+  SvgPicture picture({140, 20}, u"One\n");
+  picture.fill({20, 0, 20, 19}, {64, 188, 255});
+  picture.line({0, 19}, {139, 19}, {0, 0, 0}, 1);
+  picture.text({0, 0, 20, 20}, u"<&>", {0, 0, 0}, TextWeight::kNormal, TextSide::kMiddle);
+  const std::string svg = picture.file();
+  EXPECT_THAT(svg, HasSubstr(R"(width="140" height="20" viewBox)"));
+  EXPECT_THAT(svg, HasSubstr("<title>One </title>"));
+  EXPECT_THAT(svg, HasSubstr(R"(<rect x="20" y="0" width="20" height="19" fill="#40bcff"/>)"));
+  EXPECT_THAT(svg, HasSubstr(R"(<line x1="0.5" y1="19.5" x2="139.5" y2="19.5")"));
+  EXPECT_THAT(svg, HasSubstr(R"(text-anchor="middle" fill="#000000">&lt;&amp;&gt;</text>)"));
 }
 
 }  // namespace

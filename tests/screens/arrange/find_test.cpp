@@ -1,16 +1,14 @@
 // Search Database, Find and Find Again, from the list.
 #include "screens/arrange/search_database.h"
-#include "screens/kit/screen_numbers.h"
+#include "screens/list_test.h"
 #include "screens/records/record_form.h"
-#include "screens/records/record_list.h"
-#include "support/phone_world.h"
 
 namespace tabelion {
 namespace {
 
 constexpr char16_t kNotFound[] = u"Not Found in Database!";
 
-class FindScreens : public testing::Test {
+class FindScreens : public ListTest {
  protected:
   void SetUp() override {
     database =
@@ -24,54 +22,38 @@ class FindScreens : public testing::Test {
     database->schema.fields[4].column_width = 0;
     database->schema.sort[0] = {0, 1};
   }
-  void play() {
-    const std::string path = world.store(*database);
-    Application app(world.platform);
-    app.preferences.auto_save_on_close = true;
-    list().choose({u"Menu", u"Close"});
-    world.phone.play([&] { ShowRecordList(app, path); });
-    database = world.read(path);
-  }
-  ScreenScript list() { return world.phone.at(kRecordListScreen); }
   ScreenScript search() { return world.phone.at(kSearchScreen); }
   ScreenScript find() { return list().choose({u"Menu", u"Tools", u"Find"}); }
   ScreenScript again() { return list().choose({u"Menu", u"Tools", u"Find Again"}); }
-  static std::function<void(FakeDialog&)> stands(const std::string& name) {
+  static Look stands(const std::string& name) {
     return [name](FakeDialog& dialog) {
       FakeControl& rows = dialog.fake(kRecordList);
       EXPECT_EQ(narrow(rows.paintRow(rows.selectedRow()).words().at(0)), name);
     };
   }
-  static std::function<void(FakeDialog&)> scrolled(int pixels) {
+  static Look scrolled(int pixels) {
     return [pixels](FakeDialog& dialog) { EXPECT_EQ(dialog.fake(kRecordList).scrolled, pixels); };
   }
-
   // Where in the selected row the mark of what was found begins; -1: there is none.
-  static std::function<void(FakeDialog&)> marked(int x) {
+  static Look marked(int x) {
     return [x](FakeDialog& dialog) {
       FakeControl& rows = dialog.fake(kRecordList);
       const PaintedRow row = rows.paintRow(rows.selectedRow());
       EXPECT_EQ(row.fills.size() > 1 ? row.fills[1].area.x : -1, x);
     };
   }
-
-  PhoneWorld world;
-  std::unique_ptr<Database> database;
 };
 
 TEST_F(FindScreens, EachHitBecomesTheCurrentRecordUntilThereIsNoMore) {
   list().press(Key::kDown, 3);
   again();  // nothing was searched for yet
   search()
+      .look(hasFocus(kSearchText))
+      .look(selects(kSearchField, 0))
       .look([](FakeDialog& dialog) {
-        EXPECT_EQ(dialog.title, u"Search Database");
-        EXPECT_TRUE(dialog.fake(kSearchText).hasFocus());
-        const FakeControl& fields = dialog.fake(kSearchField);
-        ASSERT_EQ(fields.choices.size(), 101u);
-        EXPECT_EQ(fields.choices[0], u"All Fields");
-        EXPECT_EQ(fields.choices[3], u"Shop");
-        EXPECT_EQ(fields.choices[100], u"Field 100");
-        EXPECT_EQ(fields.selection(), 0);
+        const Texts& fields = dialog.fake(kSearchField).choices;
+        ASSERT_EQ(fields.size(), 101u);
+        EXPECT_EQ(fields[0] + fields[3] + fields[100], u"All FieldsShopField 100");
       })
       .type(u"Garden")
       .press(Key::kEnter);
@@ -90,10 +72,8 @@ TEST_F(FindScreens, EachHitBecomesTheCurrentRecordUntilThereIsNoMore) {
   list().look(stands("Rue"));
   find();
   search()
-      .look([](FakeDialog& dialog) {
-        EXPECT_EQ(dialog.fake(kSearchText).text(), u"Garden");
-        EXPECT_TRUE(dialog.fake(kSearchText).text_selected);
-      })
+      .look(reads(kSearchText, u"Garden"))
+      .look([](FakeDialog& dialog) { EXPECT_TRUE(dialog.fake(kSearchText).text_selected); })
       .pick(kSearchCase, u"Case Sensitive")
       .write(kSearchText, u"den")
       .choose({u"OK"});
@@ -103,9 +83,6 @@ TEST_F(FindScreens, EachHitBecomesTheCurrentRecordUntilThereIsNoMore) {
   world.phone.says(kNotFound, u"Find");
   again();  // that search has found nothing yet
   world.phone.says(kNotFound, u"Find");
-  const auto titled = [](const std::u16string& title) {
-    return [title](FakeDialog& dialog) { EXPECT_EQ(dialog.title, title); };
-  };
   find();
   search().write(kSearchText, u"dry").choose({u"OK"});
   list().look(stands("Iris")).look(titled(u"Found in Tip"));  // which has no column
@@ -144,7 +121,7 @@ TEST_F(FindScreens, RecordsThatMoveDoNotLeadTheSearchAstray) {
   setAreaText(database->schema.search_text, "a");
   again();
   list().look(stands("Ash")).press(Key::kEnter);
-  world.phone.at(kEditRecordScreen).write(FormValue(0), u"Pear").choose({u"Done"});
+  form().write(FormValue(0), u"Pear").choose({u"Done"});
   list().look(stands("Pear"));
   again();  // Pear stands behind Oak now
   world.phone.says(kNotFound, u"Find");

@@ -7,18 +7,15 @@
 #include "screens/arrange/fields_setup.h"
 #include "screens/arrange/filter_screen.h"
 #include "screens/arrange/sort_screen.h"
-#include "screens/kit/screen_numbers.h"
-#include "screens/records/record_list.h"
+#include "screens/list_test.h"
 #include "services/modal.h"
-#include "support/phone_world.h"
 
 namespace tabelion {
 namespace {
 
 using ::testing::ElementsAre;
-using Texts = std::vector<std::u16string>;
 
-class ViewScreens : public testing::Test {
+class ViewScreens : public ListTest {
  protected:
   void SetUp() override {
     database = world.make("Plants", {{"Name"}, {"Kind"}, {"Memo", FieldType::kNote}},
@@ -40,26 +37,6 @@ class ViewScreens : public testing::Test {
     trees.filters[0].field = 1;
     setAreaText(trees.filters[0].value1, "tree");
   }
-  // The list is closed in the end; what was changed is saved.
-  void play() {
-    const std::string path = world.store(*database);
-    Application app(world.platform);
-    app.preferences.auto_save_on_close = true;
-    open_app = &app;
-    list().choose({u"Menu", u"Close"});
-    world.phone.play([&] { ShowRecordList(app, path); });
-    database = world.read(path);
-  }
-  Texts names() const {
-    Texts names;
-    for (int view = 0; view < viewCount(database->schema); ++view) {
-      const std::string name = viewName(database->schema, view);
-      names.emplace_back(name.begin(), name.end());
-    }
-    return names;
-  }
-
-  ScreenScript list() { return world.phone.at(kRecordListScreen); }
   ScreenScript views() { return world.phone.at(kEditViewsScreen); }
   ScreenScript view() { return world.phone.at(kEditViewScreen); }
   ScreenScript fields() { return world.phone.at(kFieldsSetupScreen); }
@@ -71,7 +48,7 @@ class ViewScreens : public testing::Test {
     return views();
   }
   // Headings, rows with the selected one in brackets, and the view's name.
-  std::function<void(FakeDialog&)> lists(const std::string& expected) {
+  static Look lists(const std::string& expected) {
     return [expected](FakeDialog& dialog) {
       FakeControl& rows = dialog.fake(kRecordList);
       std::string text;
@@ -83,13 +60,20 @@ class ViewScreens : public testing::Test {
       EXPECT_EQ(text + " " + narrow(dialog.fake(kViewLabel).text()), expected);
     };
   }
-  static std::function<void(FakeDialog&)> offers(const Texts& path, const Texts& expected) {
-    return [=](FakeDialog& dialog) { EXPECT_EQ(dialog.menuTexts(path), expected); };
+  Look unchanged() {
+    return [this](FakeDialog&) { EXPECT_FALSE(isDirty(CurrentDatabase(app))); };
   }
-
-  PhoneWorld world;
-  Application* open_app = nullptr;
-  std::unique_ptr<Database> database;
+  static Look showsView(int row, const std::u16string& text) {
+    return [=](FakeDialog& dialog) {
+      EXPECT_EQ(dialog.handler.rowText(dialog, kViewList, row), text);
+    };
+  }
+  static Look standsAt(int row, int of) {
+    return [=](FakeDialog& dialog) {
+      EXPECT_EQ(dialog.fake(kViewList).selectedRow(), row);
+      EXPECT_EQ(dialog.fake(kViewList).rowCount(), of);
+    };
+  }
 };
 
 TEST_F(ViewScreens, AViewArrangesTheListAndUndoBringsTheOldOneBack) {
@@ -104,9 +88,8 @@ TEST_F(ViewScreens, AViewArrangesTheListAndUndoBringsTheOldOneBack) {
       .choose({u"Menu", u"Redo Choice of view"})
       .look(lists("Name [Oak]Ash Trees"));
   choose(u"Trees").look(lists("Name [Oak]Ash Trees"));  // nothing changes, so no step
-  list().choose({u"Menu", u"Undo Choice of view"}).look([this](FakeDialog& dialog) {
+  list().choose({u"Menu", u"Undo Choice of view"}).look(unchanged()).look([](FakeDialog& dialog) {
     EXPECT_THAT(dialog.menuTexts({u"Menu"}), testing::Contains(u"-Undo"));
-    EXPECT_FALSE(isDirty(CurrentDatabase(*open_app)));
   });
   play();
 }
@@ -124,42 +107,24 @@ TEST_F(ViewScreens, TheFirstOfANameIsChosen) {
 
 TEST_F(ViewScreens, AViewComesIntoBeingWithOkAlone) {
   editViews()
-      .look([](FakeDialog& dialog) {
-        EXPECT_EQ(dialog.menuTexts({u"Menu"}),
-                  (Texts{u"New", u"Copy", u"Edit View", u"Fields Setup", u"Sort", u"Filter",
-                         u"-Delete"}));
-      })
+      .look(offers({u"Menu"}, {u"New", u"Copy", u"Edit View", u"Fields Setup", u"Sort", u"Filter",
+                               u"-Delete"}))
       .choose({u"Menu", u"New"});
-  view()
-      .look([](FakeDialog& dialog) {
-        EXPECT_EQ(dialog.fake(kViewName).text(), u"New View");
-        EXPECT_FALSE(dialog.fake(kViewTarget).takesFocus());
-      })
-      .type(u"x")
-      .choose({u"Cancel"});
-  views()
-      .look([this](FakeDialog& dialog) {
-        EXPECT_EQ(dialog.fake(kViewList).rowCount(), 1);
-        EXPECT_FALSE(isDirty(CurrentDatabase(*open_app)));
-      })
-      .choose({u"Menu", u"Copy"});
+  view().look(reads(kViewName, u"New View")).look(takesFocus(kViewTarget, false));
+  view().type(u"x").choose({u"Cancel"});
+  views().look(standsAt(0, 1)).look(unchanged()).choose({u"Menu", u"Copy"});
   view().choose({u"OK"});  // a view before it has that name
   world.phone.says(u"The view with the same name already exists in the list", u"Message");
   view().write(kViewName, u" ").choose({u"OK"});
   world.phone.says(u"A view needs a name.", u"Edit View");
   view().write(kViewName, u"Mine").pick(kViewLiveUpdate, u"Live Update").choose({u"OK"});
-  views().look([](FakeDialog& dialog) {
-    EXPECT_EQ(dialog.fake(kViewList).selectedRow(), 1);
-    EXPECT_EQ(dialog.handler.rowText(dialog, kViewList, 0), u"Default View");
-    EXPECT_EQ(dialog.fake(kViewList).paintRow(1).words(), Texts{u"Mine"});
-  });
-  views().choose({u"Done"});
+  views().look(standsAt(1, 2)).look(showsView(1, u"Mine")).choose({u"Done"});
   list()
       .choose({u"Menu", u"Undo Copy of view"})
       .look(offers({u"Menu", u"Views"}, {u"Default View", u"Edit Views "}))
       .press(Key::kRedo);
   play();
-  EXPECT_EQ(names(), (Texts{u"Default View", u"Mine"}));
+  EXPECT_THAT(viewsMenu(*database), ElementsAre("Default View", "Mine"));
   EXPECT_TRUE(viewSettings(database->schema, 1).live_update);
 }
 
@@ -167,10 +132,8 @@ TEST_F(ViewScreens, TheTwentyFirstIsRefusedAndADeletionAsks) {
   for (int view = 1; view < kViewSlots; ++view) add("View " + std::to_string(view));
   database->schema.current_view = 19;
   editViews()
-      .look([](FakeDialog& dialog) {
-        EXPECT_EQ(dialog.fake(kViewList).selectedRow(), 19);
-        EXPECT_EQ(dialog.handler.rowText(dialog, kViewList, 19), u"View 19 (current)");
-      })
+      .look(standsAt(19, 20))
+      .look(showsView(19, u"View 19 (current)"))
       .look(offers({u"Menu"}, {u"New", u"-Copy", u"Edit View", u"Fields Setup", u"Sort", u"Filter",
                                u"Delete"}))
       .choose({u"Menu", u"New"});
@@ -180,12 +143,7 @@ TEST_F(ViewScreens, TheTwentyFirstIsRefusedAndADeletionAsks) {
   world.phone.asks(u"Do you want to delete the view \"View 19\"?", u"Delete?", MessageAnswer::kNo);
   views().choose({u"Menu", u"Delete"});
   world.phone.asks(u"Do you want to delete the view \"View 19\"?", u"Delete?", MessageAnswer::kYes);
-  views()
-      .look([](FakeDialog& dialog) {
-        EXPECT_EQ(dialog.fake(kViewList).rowCount(), 19);
-        EXPECT_EQ(dialog.fake(kViewList).selectedRow(), 18);
-      })
-      .press(Key::kBack);
+  views().look(standsAt(18, 19)).press(Key::kBack);
   list().look(lists("Name Kind [Ash]FernOakRue Default View"));  // none is current
   list().press(Key::kUndo).look(lists("Name Kind [Ash]FernOakRue View 19"));
   play();
@@ -193,47 +151,32 @@ TEST_F(ViewScreens, TheTwentyFirstIsRefusedAndADeletionAsks) {
 
 TEST_F(ViewScreens, FieldsAreSetUpTogetherOrNotAtAll) {
   const auto setUp = [this] { views().choose({u"Menu", u"Fields Setup"}); };
-  const auto drop = [this] {
-    fields()
-        .pick(kSetupInRecord, u"Not Visible")
-        .pick(kSetupField, u"Kind")
-        .pick(kSetupExport, u"Do Not Export")
-        .press(Key::kBack);
-  };
   editViews().press(Key::kEnter);
   view().choose({u"OK"});  // as it was
   setUp();
-  drop();
+  fields().pick(kSetupInRecord, u"Not Visible").pick(kSetupField, u"Kind").press(Key::kBack);
   setUp();
   fields().choose({u"OK"});  // as it was
-  views().look([this](FakeDialog&) { EXPECT_FALSE(isDirty(CurrentDatabase(*open_app))); });
+  views().look(unchanged());
   setUp();
   fields()
-      .look([](FakeDialog& dialog) {
-        EXPECT_EQ(dialog.fake(kSetupField).choices, (Texts{u"Name", u"Kind", u"Memo"}));
-        EXPECT_EQ(dialog.fake(kSetupWidth).text(), u"58");
-        EXPECT_EQ(dialog.fake(kSetupInRecord).selection(), 1);
-      })
+      .look(reads(kSetupWidth, u"58"))
+      .look(selects(kSetupInRecord, 1))
       .write(kSetupWidth, u"0")
       .pick(kSetupField, u"Kind");
   world.phone.says(u"A column is 1 to 32767 pixels wide.", u"Fields Setup");
   fields()
-      .look([](FakeDialog& dialog) { EXPECT_EQ(dialog.fake(kSetupField).selection(), 0); })
+      .look(selects(kSetupField, 0))
       .pick(kSetupInList, u"Not Visible")
-      .look([](FakeDialog& dialog) { EXPECT_FALSE(dialog.fake(kSetupWidth).takesFocus()); })
+      .look(takesFocus(kSetupWidth, false))
       .pick(kSetupField, u"Memo")
-      .look([](FakeDialog& dialog) {  // no list has a text for a note
-        EXPECT_EQ(dialog.fake(kSetupInList).selection(), 0);
-        EXPECT_FALSE(dialog.fake(kSetupInList).takesFocus());
-      })
+      .look(selects(kSetupInList, 0))
+      .look(takesFocus(kSetupInList, false))  // no list has a text for a note
       .pick(kSetupExport, u"Do Not Export")
       .choose({u"Menu", u"Move Up"})
-      .look([](FakeDialog& dialog) {
-        EXPECT_EQ(dialog.fake(kSetupField).choices, (Texts{u"Name", u"Memo", u"Kind"}));
-        EXPECT_EQ(dialog.fake(kSetupPlace).text(), u"Field 2 of 3");
-      })
-      .press(Key::kPageDown)  // Kind, the last
-      .press(Key::kPageDown)
+      .look(choosesFrom(kSetupField, {u"Name", u"Memo", u"Kind"}))
+      .look(reads(kSetupPlace, u"Field 2 of 3"))
+      .press(Key::kPageDown, 2)  // Kind, the last
       .write(kSetupWidth, u"90")
       .look(offers({u"Menu"}, {u"Move Up", u"-Move Down", u"Cancel"}))
       .choose({u"OK"});
@@ -248,7 +191,6 @@ TEST_F(ViewScreens, FieldsAreSetUpTogetherOrNotAtAll) {
   EXPECT_EQ(viewFieldSettings(schema, 0, 0).column_width, 58);  // for when it shows again
   EXPECT_TRUE(viewFieldSettings(schema, 0, 0).in_record_view);
   EXPECT_FALSE(viewFieldSettings(schema, 0, 2).exported);
-  EXPECT_EQ(schema.views[0].entries[2].column_width, 58);
 }
 
 TEST_F(ViewScreens, TheCurrentViewFollowsWhatItsEditorChanged) {
@@ -284,26 +226,16 @@ TEST_F(ViewScreens, AnotherDatabaseOpensInPlaceOfThisOne) {
   editViews().row(kViewList, 1).press(Key::kEnter);
   view()
       .pick(kViewAction, u"Switch DB")
-      .look([](FakeDialog& dialog) {
-        EXPECT_EQ(dialog.fake(kViewTarget).choices, (Texts{u"Plants", u"Tools"}));
-      })
+      .look(choosesFrom(kViewTarget, {u"Plants", u"Tools"}))
       .pick(kViewTarget, u"Tools")
       .choose({u"OK"});
-  views()
-      .look([](FakeDialog& dialog) {
-        EXPECT_EQ(dialog.handler.rowText(dialog, kViewList, 1), u"Shed (Switch DB: Tools)");
-      })
-      .row(kViewList, 2)
-      .press(Key::kEnter);
+  views().look(showsView(1, u"Shed (Switch DB: Tools)")).row(kViewList, 2).press(Key::kEnter);
   view()
-      .look([](FakeDialog& dialog) {  // what is stored stays, though it is gone
-        EXPECT_EQ(dialog.fake(kViewTarget).choices.back(), u"Gone");
-        EXPECT_EQ(dialog.fake(kViewTarget).selection(), 2);
-      })
+      .look(choosesFrom(kViewTarget, {u"Plants", u"Tools", u"Gone"}))  // stored, so it stays
+      .look(selects(kViewTarget, 2))
       .choose({u"OK"});
   views().press(Key::kBack);
-  list().choose({u"Menu", u"Views", u"Shed"}).look(lists("Tool [Hoe]Rake Default View"));
-  list().look([](FakeDialog& dialog) { EXPECT_EQ(dialog.fake(kNameLabel).text(), u"Tools"); });
+  choose(u"Shed").look(lists("Tool [Hoe]Rake Default View")).look(reads(kNameLabel, u"Tools"));
   play();
   EXPECT_EQ(viewSettings(database->schema, 1).target, "Tools");  // saved on the way
   EXPECT_TRUE(world.files.lock("/documents/Tabelion/Plants.PDB", "test").ok());
@@ -312,7 +244,6 @@ TEST_F(ViewScreens, AnotherDatabaseOpensInPlaceOfThisOne) {
 TEST_F(ViewScreens, ANameThatNobodyCanMendIsToldLater) {
   addTrees();
   world.set("AutoCloseOption", "1");
-  Application app(world.platform);
   const std::string path = world.store(*database);
   app.preferences.auto_close_enabled = true;
   app.preferences.auto_close_period_ms = 1000;

@@ -5,6 +5,7 @@
 #include "screens/kit/pick_time.h"
 #include "screens/kit/screen_numbers.h"
 #include "services/modal.h"
+#include "support/looks.h"
 #include "support/phone_world.h"
 
 namespace tabelion {
@@ -16,30 +17,22 @@ class Pickers : public testing::Test {
   ScreenScript date() { return world.phone.at(kPickDateScreen); }
   ScreenScript time() { return world.phone.at(kPickTimeScreen); }
   ScreenScript& saysDate(ScreenScript&& screen, const std::u16string& words) {
-    return screen.look([words](FakeDialog& dialog) {
-      EXPECT_EQ(dialog.fake(kMonthCanvas).spoken(), u"Calendar, " + words);
-    });
+    return screen.look(speaks(kMonthCanvas, u"Calendar, " + words));
   }
   // What the user picks, as a count of days; -1 for nothing.
   std::int64_t pick(std::uint32_t days) {
-    Application app(world.platform);
-    app.preferences.week_starts_monday = week_starts_monday;
-    app.preferences.auto_close_enabled = auto_closes;
-    app.preferences.auto_close_period_ms = 60000;
     std::optional<std::uint32_t> picked;
     world.phone.play([&] { picked = PickDate(app, u"Due", days); });
     return picked ? std::int64_t{*picked} : -1;
   }
   std::optional<TimeValue> pick(const TimeValue& from) {
-    Application app(world.platform);
     std::optional<TimeValue> picked;
     world.phone.play([&] { picked = PickTime(app, u"At", from); });
     return picked;
   }
 
   PhoneWorld world;
-  int week_starts_monday = 0;
-  bool auto_closes = false;
+  Application app{world.platform};
 };
 
 TEST_F(Pickers, MonthIsWalkedByKeys) {
@@ -55,11 +48,7 @@ TEST_F(Pickers, MonthIsWalkedByKeys) {
   date().press(Key::kPageDown).press(Key::kHome);
   saysDate(date(), u"Saturday, 1 April 2023");
   date().choose({u"Menu", u"Next Year (+)"}).choose({u"Menu", u"Previous Month"});
-  date().look([](FakeDialog& dialog) {
-    EXPECT_EQ(dialog.fake(kDateBox).text(), u"3/1/2024");
-    EXPECT_TRUE(dialog.fake(kMonthCanvas).hasFocus());
-  });
-  date().press(Key::kEnter);
+  date().look(reads(kDateBox, u"3/1/2024")).look(hasFocus(kMonthCanvas)).press(Key::kEnter);
   EXPECT_EQ(pick(0), daysSince1904(3, 1, 2024));
 
   date().press(Key::kPageUp).press(Key::kHome).press(Key::kBack);
@@ -84,15 +73,14 @@ TEST_F(Pickers, DigitsTypeADateAsTheFormReadsIt) {
   saysDate(date(), u"This is not a date from 1904 to 9999 like 12/31/2025.");
   date().press(Key::kEnter);
   world.phone.says(u"\"Due\" is not a date from 1904 to 9999 like 12/31/2025.", u"Choose Date");
-  date().look([](FakeDialog& dialog) { EXPECT_TRUE(dialog.fake(kDateBox).hasFocus()); });
-  date().press(Key::kBack).type(u"no date");
+  date().look(hasFocus(kDateBox)).press(Key::kBack).type(u"no date");
   saysDate(date(), u"No Date");
   date().press(Key::kEnter);
   EXPECT_EQ(pick(1), 0);
 }
 
 TEST_F(Pickers, PressesReachWhatIsPainted) {
-  week_starts_monday = 1;
+  app.preferences.week_starts_monday = 1;
   date().look([](FakeDialog& dialog) {
     FakeControl& canvas = dialog.fake(kMonthCanvas);
     const auto at = [&](const std::u16string& words) {
@@ -104,8 +92,7 @@ TEST_F(Pickers, PressesReachWhatIsPainted) {
     EXPECT_EQ(at(u"Mo").x, at(u"5").x);  // Monday, 5 February
     EXPECT_LT(at(u"Mo").x, at(u"Su").x);
     EXPECT_EQ(at(u"4").x, at(u"Su").x);
-    const PaintedCanvas painted = canvas.paintCanvas();
-    EXPECT_EQ(painted.fills.back().area.y, at(u"29").y - 1);
+    EXPECT_EQ(canvas.paintCanvas().fills.back().area.y, at(u"29").y - 1);
     dialog.handler.onCanvasPressed(dialog, kMonthCanvas, {at(u"Su").x, at(u"February 2024").y});
     EXPECT_EQ(canvas.spoken(), u"Calendar, Friday, 28 February 2025");
     dialog.handler.onCanvasPressed(dialog, kMonthCanvas, at(u"Su"));  // nothing there
@@ -119,7 +106,8 @@ TEST_F(Pickers, PressesReachWhatIsPainted) {
 
 TEST_F(Pickers, LeftAloneTheyTakeWhatWasChangedAndNothingElse) {
   const auto close = [](FakeDialog& dialog) { dialog.handler.onTimer(dialog, kAutoCloseTimer); };
-  auto_closes = true;
+  app.preferences.auto_close_enabled = true;
+  app.preferences.auto_close_period_ms = 60000;
   date().look(close);
   EXPECT_EQ(pick(0), -1);
   date().press(Key::kRight).look(close);
@@ -129,33 +117,25 @@ TEST_F(Pickers, LeftAloneTheyTakeWhatWasChangedAndNothingElse) {
 }
 
 TEST_F(Pickers, TimeIsSteppedAndTyped) {
-  const auto step = [](FakeDialog& dialog, ControlId box, int value) {
-    dialog.fake(box).select(value);
-    dialog.handler.onNotice(dialog, box, Notice::kEdited);
+  const auto step = [](ControlId box, int value) {
+    return [=](FakeDialog& dialog) {
+      dialog.fake(box).select(value);
+      dialog.handler.onNotice(dialog, box, Notice::kEdited);
+    };
   };
-  time().look([&](FakeDialog& dialog) {
-    EXPECT_EQ(dialog.fake(kTimeBox).text(), u"1:05:09PM");
-    step(dialog, kHourBox, 14);
-    EXPECT_EQ(dialog.fake(kTimeWords).text(), u"2:05:00PM");
-    step(dialog, kHourBox, 13);
-    EXPECT_EQ(dialog.fake(kTimeBox).text(), u"1:05:09PM");
-    step(dialog, kMinuteBox, 59);
-  });
-  time().press(Key::kEnter);
+  time().look(reads(kTimeBox, u"1:05:09PM"));
+  time().look(step(kHourBox, 14)).look(reads(kTimeWords, u"2:05:00PM"));
+  time().look(step(kHourBox, 13)).look(reads(kTimeBox, u"1:05:09PM"));
+  time().look(step(kMinuteBox, 59)).press(Key::kEnter);
   EXPECT_EQ(pick(TimeValue{9, 5, 13, 7}), (TimeValue{0, 59, 13, 7}));
 
   time().write(kTimeBox, u"25:00").press(Key::kEnter);
   world.phone.says(u"\"At\" is not a time like 5:05:00PM.", u"Choose Time");
-  time().write(kTimeBox, u"7.15 pm").look([](FakeDialog& dialog) {
-    EXPECT_EQ(dialog.fake(kHourBox).selection(), 19);
-    EXPECT_EQ(dialog.fake(kMinuteBox).selection(), 15);
-  });
+  time().write(kTimeBox, u"7.15 pm").look(selects(kHourBox, 19)).look(selects(kMinuteBox, 15));
   time().press(Key::kEnter);
   EXPECT_EQ(pick(TimeValue{}), (TimeValue{0, 15, 19}));
 
-  time().look([](FakeDialog& dialog) {
-    EXPECT_EQ(dialog.fake(kTimeWords).text(), u"1:00:00PM");  // now
-  });
+  time().look(reads(kTimeWords, u"1:00:00PM"));  // now
   time().focus(kHourBox).press(Key::kBack);
   EXPECT_EQ(pick(TimeValue{}), std::nullopt);
 }

@@ -26,8 +26,9 @@ class ChoosePopup : public testing::Test {
     }
     return {{0xEE}};
   }
-  // The texts that the menus of the walk offer, then the result.
-  void walk(int result, const std::string& text) {
+  // What is chosen in each menu, one after the other, then the result.
+  void walk(const std::vector<const char16_t*>& chosen, int result, const std::string& text) {
+    for (const char16_t* choice : chosen) world.phone.offers(choice);
     Application app(world.platform);
     world.phone.play([&] {
       EXPECT_EQ(ChoosePopupValue(app, database, menu, value), result);
@@ -43,46 +44,30 @@ class ChoosePopup : public testing::Test {
 
 TEST_F(ChoosePopup, WalksTheTreeToAnItemThatHasNoneBelow) {
   fill({"0a", "1b", "2c", "1d", "0e", "1f"});
-  world.phone.offers(u"0a");
-  world.phone.offers(u"1b");
-  world.phone.offers(u"<- Back");
-  world.phone.offers(u"1d");  // and not those below 0e
-  walk(kPopupChosen, "1d");
+  walk({u"0a", u"1b", u"<- Back", u"1d"}, kPopupChosen, "1d");  // and not those below 0e
   EXPECT_EQ(value.key, keyOf("1d"));
 
   value = {keyOf("2c"), u"2c"};  // opens where it stands
-  world.phone.offers(u"<- Back");
-  world.phone.offers(u"<- Back");
-  world.phone.offers(u"0e");
-  world.phone.offers(u"No Value");
-  walk(kPopupNoValue, "No Value");
+  walk({u"<- Back", u"<- Back", u"0e", u"No Value"}, kPopupNoValue, "No Value");
   EXPECT_EQ(value.key, PopupKey{});
 
   value = {keyOf("gone"), u"before"};
-  world.phone.offers(u"0a");  // at the top level
-  world.phone.offers(u"");
-  walk(kPopupDismissed, "before");
+  walk({u"0a", u""}, kPopupDismissed, "before");  // from the top level
   EXPECT_EQ(value.key, keyOf("gone"));
-  world.phone.offers(u"Edit Popup List");
-  walk(kPopupEditList, "before");
 }
 
 TEST_F(ChoosePopup, GoesFiveLevelsDown) {
   fill({"0a", "1b", "2c", "3d", "4e", "5f"});
-  for (const char16_t* name : {u"0a", u"1b", u"2c", u"3d", u"4e"}) world.phone.offers(name);
-  walk(kPopupChosen, "4e");
+  walk({u"0a", u"1b", u"2c", u"3d", u"4e"}, kPopupChosen, "4e");
   value.key = keyOf("5f");  // from a program that knew more levels
-  world.phone.offers(u"0a");
-  world.phone.offers(u"");
-  walk(kPopupDismissed, "4e");
+  walk({u"0a", u""}, kPopupDismissed, "4e");
 }
 
 TEST_F(ChoosePopup, EmptyListIsAnEmptyValueOrAskedToBeFilled) {
   value = {keyOf("gone"), u"before"};
-  world.phone.offers(u"Edit Popup List");
-  walk(kPopupEditList, "before");
+  walk({u"Edit Popup List"}, kPopupEditList, "before");
   menu.allow_edit = false;
-  walk(kPopupChosen, "");
+  walk({}, kPopupChosen, "");
   EXPECT_EQ(value.key, PopupKey{});
 }
 

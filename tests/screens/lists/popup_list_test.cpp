@@ -1,11 +1,9 @@
 #include "screens/lists/popup_list.h"
 
-#include "screens/kit/screen_numbers.h"
+#include "screens/list_test.h"
 #include "screens/lists/popup_text.h"
 #include "screens/records/record_form.h"
-#include "screens/records/record_list.h"
 #include "security/access_rights.h"
-#include "support/phone_world.h"
 
 namespace tabelion {
 namespace {
@@ -13,7 +11,7 @@ namespace {
 enum Slot { kName, kKind };
 
 // A database of things of several kinds, and the list of kinds opened from the first one's form.
-class PopupList : public testing::Test {
+class PopupList : public ListTest {
  protected:
   void SetUp() override {
     database = world.make("Things", {{"Name"}, {"Kind", FieldType::kPopup}}, {});
@@ -31,33 +29,24 @@ class PopupList : public testing::Test {
       items.push_back(item);
     }
   }
-  static std::string lineOf(const Database& in) {
+  std::string tree() const {
     std::string line;
-    for (const PopupItem& item : in.fields[kKind].items) {
+    for (const PopupItem& item : database->fields[kKind].items) {
       line += std::string(static_cast<std::size_t>(item.level()), '.') + item.text;
     }
     return line;
   }
   void addThing(const std::string& kind) { world.addRow(*database, {"thing", kind}); }
 
-  void play() {
-    const std::string path = world.store(*database);
-    Application app(world.platform);
-    app.preferences.auto_save_on_close = true;
-    world.phone.at(kRecordListScreen).choose({u"Menu", u"Close"});
-    world.phone.play([&] { ShowRecordList(app, path); });
-    after = world.read(path);
-  }
-  ScreenScript form() { return world.phone.at(kEditRecordScreen); }
-  ScreenScript list() { return world.phone.at(kPopupListScreen); }
+  ScreenScript popups() { return world.phone.at(kPopupListScreen); }
   ScreenScript text() { return world.phone.at(kPopupTextScreen); }
   void open(int row = 0) {
-    world.phone.at(kRecordListScreen).row(kRecordList, row).press(Key::kEnter);
+    list().row(kRecordList, row).press(Key::kEnter);
     form().focus(FormValue(kKind)).choose({u"Menu", u"Popup"});
   }
   // The level shown, as "title: rows", the selected one in brackets.
   void sees(const std::u16string& level) {
-    list().look([level](FakeDialog& dialog) {
+    popups().look([level](FakeDialog& dialog) {
       FakeControl& items = dialog.fake(kPopupItems);
       std::u16string seen = dialog.title + u":";
       for (int row = 0; row < items.rowCount(); ++row) {
@@ -70,43 +59,32 @@ class PopupList : public testing::Test {
     });
   }
   std::string kindOf(std::uint32_t record) {
-    return fieldText(*after, after->records[record].bytes(), kKind, isoSettings()).text;
+    return fieldText(*database, database->records[record].bytes(), kKind, isoSettings()).text;
   }
-
-  PhoneWorld world;
-  std::unique_ptr<Database> database;
-  std::unique_ptr<Database> after;
 };
 
 TEST_F(PopupList, LevelsAreWalkedAndAnItemTaken) {
   addThing("c");
   open();
   sees(u"Kind: b: No Value [c]");
-  list().look([](FakeDialog& dialog) {
-    EXPECT_EQ(dialog.menu_bar.resource, 149);
-    EXPECT_EQ(dialog.menuTexts({u"Menu"}),
-              (std::vector<std::u16string>{u"Back Level", u"Move Up", u"Move Down", u"Demote",
-                                           u"Promote", u"New", u"Rename", u"Delete", u"-Next Level",
-                                           u"-Undo", u"-Redo", u"Cancel"}));
-  });
-  list().row(kPopupItems, 0).look([](FakeDialog& dialog) {
-    std::vector<std::u16string> enabled;
-    for (const std::u16string& text : dialog.menuTexts({u"Menu"})) {
-      if (!text.starts_with(u'-')) enabled.push_back(text);
-    }
-    EXPECT_EQ(enabled, (std::vector<std::u16string>{u"New", u"Cancel"}));
-  });
-  list().press(Key::kLeft);
+  popups()
+      .look(
+          offers({u"Menu"}, {u"Back Level", u"Move Up", u"Move Down", u"Demote", u"Promote", u"New",
+                             u"Rename", u"Delete", u"-Next Level", u"-Undo", u"-Redo", u"Cancel"}))
+      .row(kPopupItems, 0)
+      .look(offers({u"Menu"},
+                   {u"-Back Level", u"-Move Up", u"-Move Down", u"-Demote", u"-Promote", u"New",
+                    u"-Rename", u"-Delete", u"-Next Level", u"-Undo", u"-Redo", u"Cancel"}));
+  popups().press(Key::kLeft);
   sees(u"Kind: a: No Value [b>] d");
-  list().choose({u"Menu", u"Back Level"});
+  popups().choose({u"Menu", u"Back Level"});
   sees(u"Kind: No Value [a>] e");
-  list().type(u"E").press(Key::kRight);  // nothing lies below it
-  list().press(Key::kEnter);
-  form().look([](FakeDialog& dialog) { EXPECT_EQ(dialog.fake(FormValue(kKind)).selection(), 4); });
-  form().choose({u"Done"});
+  popups().type(u"E").press(Key::kRight);  // nothing lies below it
+  popups().press(Key::kEnter);
+  form().look(selects(FormValue(kKind), 4)).choose({u"Done"});
   play();
   EXPECT_EQ(kindOf(0), "e");
-  EXPECT_EQ(lineOf(*after), "a.b..c.de");
+  EXPECT_EQ(tree(), "a.b..c.de");
 }
 
 TEST_F(PopupList, EditsAreStepsThatUndoTakesBack) {
@@ -114,38 +92,38 @@ TEST_F(PopupList, EditsAreStepsThatUndoTakesBack) {
   addThing("d");
   open(1);
   sees(u"Kind: a: No Value b> [d]");
-  list().choose({u"Menu", u"New"});
+  popups().choose({u"Menu", u"New"});
   text().press(Key::kEnter);
   world.phone.says(u"You must enter a Popup Value", u"Popup Error");
   text().type(u"b").press(Key::kEnter);
   world.phone.says(u"There is a \"b\" on this level already.", u"Popup Error");
   text().type(u"N").press(Key::kEnter);
   sees(u"Kind: a: No Value b> d [N]");
-  list().choose({u"Menu", u"Demote"});
+  popups().choose({u"Menu", u"Demote"});
   sees(u"Kind: d: No Value [N]");
-  list().choose({u"Menu", u"Demote"});
+  popups().choose({u"Menu", u"Demote"});
   world.phone.says(u"There is no item before it on this level to go below.", u"Demote");
-  list().press(Key::kLeft).choose({u"Menu", u"Move Up"});
+  popups().press(Key::kLeft).choose({u"Menu", u"Move Up"});
   sees(u"Kind: a: No Value [d>] b>");
-  list().choose({u"Menu", u"Promote"});
+  popups().choose({u"Menu", u"Promote"});
   sees(u"Kind: No Value a> [d>] e");
-  list().choose({u"Menu", u"Promote"});
+  popups().choose({u"Menu", u"Promote"});
   world.phone.says(u"The item is on the top level already.", u"Promote");
-  list().choose({u"Menu", u"Rename"});
+  popups().choose({u"Menu", u"Rename"});
   text().write(kPopupTextBox, u"Dog").press(Key::kEnter);
   sees(u"Kind: No Value a> [Dog>] e");
-  list().choose({u"Menu", u"Undo Rename of popup item"});
-  list().press(Key::kRedo).press(Key::kUndo).press(Key::kUndo);
+  popups().choose({u"Menu", u"Undo Rename of popup item"});
+  popups().press(Key::kRedo).press(Key::kUndo).press(Key::kUndo);
   sees(u"Kind: a: No Value [d>] b>");
-  list().choose({u"Menu", u"Redo Promotion of popup item"}).choose({u"Menu", u"Cancel"});
+  popups().choose({u"Menu", u"Redo Promotion of popup item"}).choose({u"Menu", u"Cancel"});
   form().choose({u"Menu", u"Undo Promotion of popup item"}).choose({u"Menu", u"Popup"});
-  list().look([](FakeDialog& dialog) {  // what was done before this screen is not its to undo
+  popups().look([](FakeDialog& dialog) {  // what was done before this screen is not its to undo
     EXPECT_EQ(dialog.menuTexts({u"Menu"})[9], u"-Undo");
   });
-  list().press(Key::kBack);
+  popups().press(Key::kBack);
   form().choose({u"Done"});
   play();
-  EXPECT_EQ(lineOf(*after), "a.d..N.b..ce");
+  EXPECT_EQ(tree(), "a.d..N.b..ce");
   EXPECT_EQ(kindOf(0) + kindOf(1), "cd");
 }
 
@@ -153,21 +131,21 @@ TEST_F(PopupList, NewItemsGoBehindTheSelectedOneOrBelowTheParentShown) {
   addThing("a");
   open();
   const auto add = [&](const std::u16string& name) {
-    list().choose({u"Menu", u"New"});
+    popups().choose({u"Menu", u"New"});
     text().type(name).press(Key::kEnter);
   };
   add(u"N");  // behind all that lies below a
   sees(u"Kind: No Value a> [N] e");
-  list().row(kPopupItems, 1).press(Key::kRight).row(kPopupItems, 0);
+  popups().row(kPopupItems, 1).press(Key::kRight).row(kPopupItems, 0);
   add(u"F");
   sees(u"Kind: a: No Value [F] b> d");
-  list().press(Key::kLeft).row(kPopupItems, 0);
+  popups().press(Key::kLeft).row(kPopupItems, 0);
   add(u"Z");
   sees(u"Kind: No Value a> N e [Z]");
-  list().choose({u"Done"});
+  popups().choose({u"Done"});
   form().choose({u"Done"});
   play();
-  EXPECT_EQ(lineOf(*after), "a.F.b..c.dNeZ");
+  EXPECT_EQ(tree(), "a.F.b..c.dNeZ");
   EXPECT_EQ(kindOf(0), "Z");
 }
 
@@ -176,35 +154,30 @@ TEST_F(PopupList, DeletedItemsAreAskedAboutWhereRecordsUseThem) {
   addThing("b");
   addThing("e");
   open(2);
-  const auto remove = [&] { list().choose({u"Menu", u"Delete"}); };
-  remove();
-  world.phone.asks(u"\"e\" is used by 1 record, which will show \"No Value\". Delete it?",
-                   u"Confirm Delete", MessageAnswer::kYes);
-  sees(u"Kind: No Value [a>]");
-  list().press(Key::kRight);
-  remove();
-  world.phone.asks(
+  const auto remove = [&](const std::u16string& question = {}, bool yes = true) {
+    popups().choose({u"Menu", u"Delete"});
+    if (question.empty()) return;
+    world.phone.asks(question, u"Confirm Delete", yes ? MessageAnswer::kYes : MessageAnswer::kNo);
+  };
+  const char16_t branch[] =
       u"\"b\" and the 1 item below it are used by 2 records, which will show \"No Value\". "
-      u"Delete them?",
-      u"Confirm Delete", MessageAnswer::kNo);
-  list().row(kPopupItems, 2);
+      u"Delete them?";
+  remove(u"\"e\" is used by 1 record, which will show \"No Value\". Delete it?");
+  sees(u"Kind: No Value [a>]");
+  popups().press(Key::kRight);
+  remove(branch, false);
+  popups().row(kPopupItems, 2);
   remove();  // nobody would miss it
   sees(u"Kind: a: No Value [b>]");
-  remove();
-  world.phone.asks(
-      u"\"b\" and the 1 item below it are used by 2 records, which will show \"No Value\". "
-      u"Delete them?",
-      u"Confirm Delete", MessageAnswer::kYes);
+  remove(branch);
   sees(u"Kind: No Value [a]");
-  list().choose({u"Menu", u"Undo Delete of 2 popup items"}).press(Key::kBack);
-  form().look([](FakeDialog& dialog) {
-    EXPECT_EQ(dialog.fake(FormValue(kKind)).selection(), 3);  // "No Value"
-  });
+  popups().choose({u"Menu", u"Undo Delete of 2 popup items"}).press(Key::kBack);
+  form().look(selects(FormValue(kKind), 3));  // "No Value"
   form().write(FormValue(kName), u"kept").choose({u"Done"});
   play();
-  EXPECT_EQ(lineOf(*after), "a.b..c");
+  EXPECT_EQ(tree(), "a.b..c");
   EXPECT_EQ(kindOf(0) + kindOf(1) + kindOf(2), "cbNo Value");
-  EXPECT_EQ((*slotValue(after->records[2].bytes(), kKind))[0], 'e')
+  EXPECT_EQ((*slotValue(database->records[2].bytes(), kKind))[0], 'e')
       << "the value stays, in case the item comes back";
 }
 
@@ -213,36 +186,34 @@ TEST_F(PopupList, SortedRecordsFollowANewNameAndTheFormItsRecord) {
   addThing("a");
   addThing("e");
   open();
-  list().choose({u"Menu", u"Rename"});
+  popups().choose({u"Menu", u"Rename"});
   text().write(kPopupTextBox, u"zebra").press(Key::kEnter);
-  list().press(Key::kBack);
+  popups().press(Key::kBack);
   form().write(FormValue(kName), u"striped").choose({u"Done"});
   play();
   EXPECT_EQ(kindOf(0) + " " + kindOf(1), "e zebra");
-  EXPECT_EQ(fieldText(*after, after->records[1].bytes(), kName, isoSettings()).text, "striped");
+  EXPECT_EQ(fieldText(*database, database->records[1].bytes(), kName, isoSettings()).text,
+            "striped");
 }
 
 TEST_F(PopupList, FullListsTakeNoMore) {
   fill(std::string(60, 'a'));
   addThing("");
   open();
-  list().choose({u"Menu", u"New"});
+  popups().choose({u"Menu", u"New"});
   world.phone.says(u"You have reached the maximum number of popups allowed!", u"Sorry!");
-  list().choose({u"Menu", u"Cancel"});
+  popups().choose({u"Menu", u"Cancel"});
   form().choose({u"Done"});
   play();
-  EXPECT_EQ(after->fields[kKind].items.size(), 60u);
+  EXPECT_EQ(database->fields[kKind].items.size(), 60u);
 }
 
 TEST_F(PopupList, WithoutTheRightItemsAreOnlyChosen) {
   setSecurityCode(database->schema, Operation::kEditPopups, kCodeRefused);
   addThing("c");
   open();
-  list().look([](FakeDialog& dialog) {
-    EXPECT_EQ(dialog.menu_bar.resource, 102);
-    EXPECT_EQ(dialog.menu_bar.right.text, u"Back Level");
-  });
-  list().choose({u"Back Level"}).choose({u"Back Level"}).choose({u"Cancel"});
+  popups().look([](FakeDialog& dialog) { EXPECT_EQ(dialog.menu_bar.right.text, u"Back Level"); });
+  popups().choose({u"Back Level"}).choose({u"Back Level"}).choose({u"Cancel"});
   form().activate(FormValue(kKind));
   world.phone.offers(u"No Value");
   form().choose({u"Done"});

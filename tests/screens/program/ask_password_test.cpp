@@ -1,6 +1,7 @@
 #include "screens/program/ask_password.h"
 
 #include "screens/kit/screen_numbers.h"
+#include "support/looks.h"
 #include "support/phone_world.h"
 
 namespace tabelion {
@@ -45,9 +46,7 @@ TEST(AskPassword, HidesWhatIsTypedAsTheUserWants) {
       .choose({u"OK"});
   world.phone.at(kPasswordScreen)
       .look(masked(true))
-      .look([](FakeDialog& dialog) {
-        EXPECT_EQ(dialog.fake(kPasswordLabel).text(), u"Enter Encryption Password");
-      })
+      .look(reads(kPasswordLabel, u"Enter Encryption Password"))
       .choose({u"OK"});
   world.phone.play([&] {
     AskPassword(app, {}, &typed);

@@ -2,6 +2,7 @@
 
 #include "screens/kit/screen_numbers.h"
 #include "screens/records/record_list.h"
+#include "support/looks.h"
 #include "support/phone_world.h"
 
 namespace tabelion {
@@ -12,14 +13,6 @@ class PreferencesDialog : public testing::Test {
   ScreenScript screen() { return world.phone.at(kPreferencesScreen); }
   void run(int expected) {
     world.phone.play([&] { EXPECT_EQ(ShowPreferences(app), expected); });
-  }
-  static auto shows(const std::vector<ControlId>& ids, bool visible) {
-    return [=](FakeDialog& dialog) {
-      for (const ControlId id : ids) EXPECT_EQ(dialog.fake(id).face.visible, visible) << id;
-    };
-  }
-  static auto reads(ControlId id, const std::u16string& text) {
-    return [=](FakeDialog& dialog) { EXPECT_EQ(narrow(dialog.fake(id).text()), narrow(text)); };
   }
   static auto command(CommandId number) {
     return [=](FakeDialog& dialog) { dialog.handler.onCommand(dialog, number); };
@@ -41,15 +34,13 @@ class PreferencesDialog : public testing::Test {
 TEST_F(PreferencesDialog, DoneStoresInTwoSteps) {
   int restarted = 0;
   app.restart_auto_save = [&] { ++restarted; };
-  screen().look(shows(seconds, false)).look(shows(minutes, false)).tick(kSaveOnCloseBox);
-  screen().tick(kSaveByTimeBox).look(reads(kSaveSeconds, u"60")).look(shows(seconds, true));
+  screen().look(visible(seconds, false)).look(visible(minutes, false)).tick(kSaveOnCloseBox);
+  screen().tick(kSaveByTimeBox).look(reads(kSaveSeconds, u"60")).look(visible(seconds, true));
   screen().write(kSaveSeconds, u"4x5").tick(kAutoEncryptBox);
   screen().tick(kAutoCloseBox).look(reads(kAutoCloseBox, u"Auto Close All DBs after"));
-  screen().look(shows(minutes, true));
-  const char16_t* presets[] = {u"1", u"3", u"5", u"10", u"30"};
-  for (int i = 5; i >= 1; --i) {
-    screen().look(stepTo(i)).look(reads(kCloseMinutes, presets[i - 1]));
-  }
+  screen().look(visible(minutes, true));
+  screen().look(stepTo(5)).look(reads(kCloseMinutes, u"30"));
+  screen().look(stepTo(1)).look(reads(kCloseMinutes, u"1"));
   screen().write(kCloseMinutes, u"5").pick(kWeekStartChoice, u"Monday").choose({u"Done"});
   run(kDialogDone);
   EXPECT_TRUE(app.preferences.auto_save_on_close);
@@ -70,7 +61,7 @@ TEST_F(PreferencesDialog, DoneStoresInTwoSteps) {
   EXPECT_EQ(restarted, 1);
 
   // No minutes and no seconds switch both off.
-  screen().tick(kSaveByTimeBox).look(shows(seconds, false)).write(kCloseMinutes, u"0");
+  screen().tick(kSaveByTimeBox).look(visible(seconds, false)).write(kCloseMinutes, u"0");
   screen().press(Key::kEnter);
   run(kDialogDone);
   EXPECT_EQ(world.setting("AutoSaveSeconds"), "0");
