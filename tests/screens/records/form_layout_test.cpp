@@ -25,43 +25,36 @@ FormLayout layOut(const DatabaseRecord& schema, int width) {
 // On a screen of 168 pixels S is 160, so with adjustment 0 the value column is 80 wide.
 TEST(FormLayout, PlacesEveryRowByItsType) {
   struct Case {
-    FieldType type;
+    std::vector<FieldType> types;
     Rect label;
     Rect value;
     bool icon;
     int step;
   };
+  using enum FieldType;
   const Case cases[] = {
-      {FieldType::kText, {9, 7, 68, 16}, {80, 5, 80, 22}, true, 24},
-      {FieldType::kInteger, {9, 7, 68, 16}, {80, 5, 80, 22}, true, 24},
-      {FieldType::kFloat, {9, 7, 68, 16}, {80, 5, 80, 22}, true, 24},
-      {FieldType::kLongText, {9, 7, 68, 16}, {80, 5, 80, 22}, true, 24},
-      {FieldType::kTextVariant, {9, 7, 68, 16}, {80, 5, 80, 22}, true, 24},
-      {FieldType::kPopup, {9, 7, 68, 16}, {80, 7, 80, 22}, true, 26},
-      {FieldType::kDate, {9, 7, 68, 16}, {80, 5, 80, 24}, true, 26},
-      {FieldType::kTime, {9, 7, 68, 16}, {80, 5, 80, 24}, true, 26},
-      {FieldType::kCheckBox, {1, 8, 77, 16}, {80, 5, 80, 24}, false, 26},
-      {FieldType::kAutoNumber, {1, 7, 77, 16}, {80, 7, 80, 22}, false, 24},
-      {FieldType::kCalculated, {1, 7, 77, 16}, {80, 7, 80, 22}, false, 24},
-      {FieldType::kText254, {1, 7, 77, 16}, {80, 7, 80, 22}, false, 24},
-      {FieldType::kNote, {1, 7, 77, 16}, {80, 5, 80, 24}, false, 26},
-      {FieldType::kLinkedField, {1, 5, 77, 24}, {80, 5, 80, 24}, false, 26},
-      {FieldType::kExternal, {1, 5, 77, 24}, {80, 5, 80, 24}, false, 26},
-      {FieldType::kLinkField, {1, 5, 77, 24}, {80, 8, 80, 24}, false, 26},
-      {FieldType::kLookup, {1, 5, 77, 24}, {80, 8, 80, 24}, false, 26},
+      {{kText, kInteger, kFloat}, {9, 7, 68, 16}, {80, 5, 80, 22}, true, 24},
+      {{kLongText, kTextVariant}, {9, 7, 68, 16}, {80, 5, 80, 22}, true, 24},
+      {{kPopup}, {9, 7, 68, 16}, {80, 7, 80, 22}, true, 26},
+      {{kDate, kTime}, {9, 7, 68, 16}, {80, 5, 80, 24}, true, 26},
+      {{kCheckBox}, {1, 8, 77, 16}, {80, 5, 80, 24}, false, 26},
+      {{kAutoNumber, kCalculated, kText254}, {1, 7, 77, 16}, {80, 7, 80, 22}, false, 24},
+      {{kNote}, {1, 7, 77, 16}, {80, 5, 80, 24}, false, 26},
+      {{kLinkedField, kExternal}, {1, 5, 77, 24}, {80, 5, 80, 24}, false, 26},
+      {{kLinkField, kLookup}, {1, 5, 77, 24}, {80, 8, 80, 24}, false, 26},
   };
   for (const Case& expected : cases) {
-    const FormLayout layout = layOut(*schemaOf({expected.type, expected.type}), 168);
-    ASSERT_EQ(layout.rows.size(), 2u) << codeOf(expected.type);
-    EXPECT_EQ(layout.rows[0].label, expected.label) << codeOf(expected.type);
-    EXPECT_EQ(layout.rows[0].value, expected.value) << codeOf(expected.type);
-    EXPECT_EQ(layout.rows[0].icon,
-              expected.icon ? std::optional(Rect{1, 12, 20, 20}) : std::nullopt)
-        << codeOf(expected.type);
-    EXPECT_EQ(layout.rows[1].value.y - layout.rows[0].value.y, expected.step)
-        << codeOf(expected.type);
-    EXPECT_EQ(layout.rows[1].label.y - layout.rows[0].label.y, expected.step)
-        << codeOf(expected.type);
+    for (const FieldType type : expected.types) {
+      SCOPED_TRACE(codeOf(type));
+      const FormLayout layout = layOut(*schemaOf({type, type}), 168);
+      ASSERT_EQ(layout.rows.size(), 2u);
+      const FormRow& row = layout.rows[0];
+      EXPECT_EQ(row.label, expected.label);
+      EXPECT_EQ(row.value, expected.value);
+      EXPECT_EQ(row.icon, expected.icon ? std::optional(Rect{1, 12, 20, 20}) : std::nullopt);
+      EXPECT_EQ(layout.rows[1].value.y - row.value.y, expected.step);
+      EXPECT_EQ(layout.rows[1].label.y - row.label.y, expected.step);
+    }
   }
 }
 
