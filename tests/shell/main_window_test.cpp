@@ -73,7 +73,7 @@ TEST_F(Chooser, ShowsOneCategoryAtATime) {
       .look(shows({u"Plans", u"Tasks", u"Wines"}))
       .look([](FakeDialog& dialog) {
         EXPECT_EQ(dialog.menuTexts({u"All"}),
-                  (std::vector<std::u16string>{u"All", u"Work", u"Unfiled"}));
+                  (std::vector<std::u16string>{u"*All", u"Work", u"Unfiled"}));
         EXPECT_EQ(dialog.fake(kDatabaseList).headings(),
                   std::vector<std::u16string>{u"Choose Database:"});
         EXPECT_EQ(dialog.fake(kDatabaseList).columns()[0].width, 230);

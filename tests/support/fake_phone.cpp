@@ -332,7 +332,7 @@ void FakeDialog::choose(const std::vector<std::u16string>& path) {
 std::vector<std::u16string> FakeDialog::menuTexts(const std::vector<std::u16string>& path) {
   std::vector<std::u16string> texts;
   for (const MenuEntry& entry : openMenu(path)->children) {
-    texts.push_back((entry.enabled ? u"" : u"-") + entry.text);
+    texts.push_back((!entry.enabled ? u"-" : entry.checked ? u"*" : u"") + entry.text);
   }
   return texts;
 }

@@ -149,7 +149,8 @@ class FakeDialog : public Dialog {
   void press(Key key, char32_t character = 0);
   void choose(const std::vector<std::u16string>& path);
   void fire(int timer);
-  // The texts of the entries under a path of a soft-key menu; a disabled one starts with "-".
+  // The texts of the entries under a path of a soft-key menu; a disabled one starts with "-", a
+  // checked one with "*".
   std::vector<std::u16string> menuTexts(const std::vector<std::u16string>& path);
 
   FakePhone& phone;

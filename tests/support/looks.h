@@ -37,7 +37,8 @@ inline Look visible(const std::vector<ControlId>& ids, bool expected) {
     for (const ControlId id : ids) EXPECT_EQ(dialog.fake(id).face.visible, expected) << id;
   };
 }
-// The entries under a path of a soft-key menu; a disabled one starts with "-".
+// The entries under a path of a soft-key menu; a disabled one starts with "-", a checked one
+// with "*".
 inline Look offers(const Texts& path, const Texts& entries) {
   return [=](FakeDialog& dialog) { EXPECT_EQ(dialog.menuTexts(path), entries); };
 }

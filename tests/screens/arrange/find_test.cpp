@@ -23,8 +23,15 @@ class FindScreens : public ListTest {
     database->schema.sort[0] = {0, 1};
   }
   ScreenScript search() { return world.phone.at(kSearchScreen); }
-  ScreenScript find() { return list().choose({u"Menu", u"Tools", u"Find"}); }
+  ScreenScript find() {
+    list().choose({u"Menu", u"Tools", u"Find"});
+    return search();
+  }
   ScreenScript again() { return list().choose({u"Menu", u"Tools", u"Find Again"}); }
+  void findNoMore() {
+    again();
+    world.phone.says(kNotFound, u"Find");
+  }
   static Look stands(const std::string& name) {
     return [name](FakeDialog& dialog) {
       FakeControl& rows = dialog.fake(kRecordList);
@@ -65,30 +72,23 @@ TEST_F(FindScreens, EachHitBecomesTheCurrentRecordUntilThereIsNoMore) {
   list().look(stands("Fern")).press(Key::kUp).look(marked(-1)).press(Key::kUp);
   again();  // from the one that was found last, wherever the user went
   list().look(stands("Rue"));
-  again();
-  world.phone.says(kNotFound, u"Find");
-  again();
-  world.phone.says(kNotFound, u"Find");
+  findNoMore();
+  findNoMore();
   list().look(stands("Rue"));
-  find();
-  search()
+  find()
       .look(reads(kSearchText, u"Garden"))
       .look([](FakeDialog& dialog) { EXPECT_TRUE(dialog.fake(kSearchText).text_selected); })
       .pick(kSearchCase, u"Case Sensitive")
       .write(kSearchText, u"den")
       .choose({u"OK"});
   list().look(stands("Ash"));
-  find();
-  search().pick(kSearchMatch, u"Field begins with...").choose({u"OK"});
+  find().pick(kSearchMatch, u"Field begins with...").choose({u"OK"});
   world.phone.says(kNotFound, u"Find");
-  again();  // that search has found nothing yet
-  world.phone.says(kNotFound, u"Find");
-  find();
-  search().write(kSearchText, u"dry").choose({u"OK"});
+  findNoMore();  // that search has found nothing yet
+  find().write(kSearchText, u"dry").choose({u"OK"});
   list().look(stands("Iris")).look(titled(u"Found in Tip"));  // which has no column
   list().press(Key::kUp).look(titled(u"Tabelion"));
-  find();
-  search().pick(kSearchField, u"Kind").write(kSearchText, u"tr").choose({u"OK"});
+  find().pick(kSearchField, u"Kind").write(kSearchText, u"tr").choose({u"OK"});
   list().look(stands("Ash"));
   again();
   list().look(stands("Oak")).look(scrolled(2 * 150 - 240));
@@ -99,12 +99,10 @@ TEST_F(FindScreens, EachHitBecomesTheCurrentRecordUntilThereIsNoMore) {
 
 TEST_F(FindScreens, CancelKeepsTheOldSearchAndUndoBringsItBack) {
   setAreaText(database->schema.search_text, "hill");
-  find();
-  search().type(u"tree").press(Key::kBack).choose({u"Cancel"});
+  find().type(u"tree").press(Key::kBack).choose({u"Cancel"});
   again();
   list().look(stands("Iris"));
-  find();
-  search().write(kSearchText, u"tree").choose({u"OK"});
+  find().write(kSearchText, u"tree").choose({u"OK"});
   list().look(stands("Ash")).choose({u"Menu", u"Undo Change of search"});
   list().look(stands("Iris"));
   again();
@@ -123,15 +121,13 @@ TEST_F(FindScreens, RecordsThatMoveDoNotLeadTheSearchAstray) {
   list().look(stands("Ash")).press(Key::kEnter);
   form().write(FormValue(0), u"Pear").choose({u"Done"});
   list().look(stands("Pear"));
-  again();  // Pear stands behind Oak now
-  world.phone.says(kNotFound, u"Find");
+  findNoMore();  // Pear stands behind Oak now
   play();
 }
 
 TEST_F(FindScreens, WhatTakesTooManyBytesIsNotCut) {
   setAreaText(database->schema.code_page, "UTF-8");
-  find();
-  search().type(std::u16string(18, u'\u017E')).choose({u"OK"});
+  find().type(std::u16string(18, u'\u017E')).choose({u"OK"});
   world.phone.says(u"The text is longer than fits here.", u"Search Database");
   search().press(Key::kBack).write(kSearchText, u"Iris").choose({u"OK"});
   list().look(stands("Iris"));

@@ -88,6 +88,7 @@ TEST_F(ViewScreens, AViewArrangesTheListAndUndoBringsTheOldOneBack) {
       .choose({u"Menu", u"Redo Choice of view"})
       .look(lists("Name [Oak]Ash Trees"));
   choose(u"Trees").look(lists("Name [Oak]Ash Trees"));  // nothing changes, so no step
+  list().look(offers({u"Menu", u"Views"}, {u"Default View", u"*Trees", u"Edit Views "}));
   list().choose({u"Menu", u"Undo Choice of view"}).look(unchanged()).look([](FakeDialog& dialog) {
     EXPECT_THAT(dialog.menuTexts({u"Menu"}), testing::Contains(u"-Undo"));
   });

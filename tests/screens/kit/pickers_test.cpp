@@ -16,8 +16,8 @@ class Pickers : public testing::Test {
  protected:
   ScreenScript date() { return world.phone.at(kPickDateScreen); }
   ScreenScript time() { return world.phone.at(kPickTimeScreen); }
-  ScreenScript& saysDate(ScreenScript&& screen, const std::u16string& words) {
-    return screen.look(speaks(kMonthCanvas, u"Calendar, " + words));
+  static Look is(const std::u16string& words) {
+    return speaks(kMonthCanvas, u"Calendar, " + words);
   }
   // What the user picks, as a count of days; -1 for nothing.
   std::int64_t pick(std::uint32_t days) {
@@ -36,17 +36,14 @@ class Pickers : public testing::Test {
 };
 
 TEST_F(Pickers, MonthIsWalkedByKeys) {
-  saysDate(date(), u"Thursday, 29 February 2024, today");
-  date().press(Key::kRight);
-  saysDate(date(), u"Friday, 1 March 2024");
-  date().press(Key::kUp).press(Key::kLeft);
-  saysDate(date(), u"Thursday, 22 February 2024");
+  date().look(is(u"Thursday, 29 February 2024, today"));
+  date().press(Key::kRight).look(is(u"Friday, 1 March 2024"));
+  date().press(Key::kUp).press(Key::kLeft).look(is(u"Thursday, 22 February 2024"));
   date().press(Key::kDown).type(u"+");
-  saysDate(date(), u"Friday, 28 February 2025");  // the month is shorter there
-  date().type(u"--").press(Key::kEnd).press(Key::kPageDown).press(Key::kEnd);
-  saysDate(date(), u"Friday, 31 March 2023");
-  date().press(Key::kPageDown).press(Key::kHome);
-  saysDate(date(), u"Saturday, 1 April 2023");
+  date().look(is(u"Friday, 28 February 2025")).type(u"--");  // the month is shorter there
+  date().press(Key::kEnd).press(Key::kPageDown).press(Key::kEnd);
+  date().look(is(u"Friday, 31 March 2023"));
+  date().press(Key::kPageDown).press(Key::kHome).look(is(u"Saturday, 1 April 2023"));
   date().choose({u"Menu", u"Next Year (+)"}).choose({u"Menu", u"Previous Month"});
   date().look(reads(kDateBox, u"3/1/2024")).look(hasFocus(kMonthCanvas)).press(Key::kEnter);
   EXPECT_EQ(pick(0), daysSince1904(3, 1, 2024));
@@ -62,20 +59,19 @@ TEST_F(Pickers, MonthIsWalkedByKeys) {
 }
 
 TEST_F(Pickers, DigitsTypeADateAsTheFormReadsIt) {
-  date().type(u"5/9/31");
-  saysDate(date(), u"Saturday, 9 May 1931");
-  date().press(Key::kBack, 2).type(u"2031");
-  saysDate(date(), u"Friday, 9 May 2031");
-  date().press(Key::kEnter);
+  date().type(u"5/9/31").look(is(u"Saturday, 9 May 1931"));
+  date().press(Key::kBack, 2).type(u"2031").look(is(u"Friday, 9 May 2031")).press(Key::kEnter);
   EXPECT_EQ(pick(1), daysSince1904(5, 9, 2031));
 
   date().type(u"13/1/2024");
-  saysDate(date(), u"This is not a date from 1904 to 9999 like 12/31/2025.");
-  date().press(Key::kEnter);
+  date().look(is(u"This is not a date from 1904 to 9999 like 12/31/2025.")).press(Key::kEnter);
   world.phone.says(u"\"Due\" is not a date from 1904 to 9999 like 12/31/2025.", u"Choose Date");
-  date().look(hasFocus(kDateBox)).press(Key::kBack).type(u"no date");
-  saysDate(date(), u"No Date");
-  date().press(Key::kEnter);
+  date()
+      .look(hasFocus(kDateBox))
+      .press(Key::kBack)
+      .type(u"no date")
+      .look(is(u"No Date"))
+      .press(Key::kEnter);
   EXPECT_EQ(pick(1), 0);
 }
 

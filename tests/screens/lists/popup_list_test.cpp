@@ -38,6 +38,11 @@ class PopupList : public ListTest {
   }
   void addThing(const std::string& kind) { world.addRow(*database, {"thing", kind}); }
 
+  // The form is left with Done.
+  void play() {
+    form().choose({u"Done"});
+    ListTest::play();
+  }
   ScreenScript popups() { return world.phone.at(kPopupListScreen); }
   ScreenScript text() { return world.phone.at(kPopupTextScreen); }
   void open(int row = 0) {
@@ -45,8 +50,8 @@ class PopupList : public ListTest {
     form().focus(FormValue(kKind)).choose({u"Menu", u"Popup"});
   }
   // The level shown, as "title: rows", the selected one in brackets.
-  void sees(const std::u16string& level) {
-    popups().look([level](FakeDialog& dialog) {
+  static Look sees(const std::u16string& level) {
+    return [level](FakeDialog& dialog) {
       FakeControl& items = dialog.fake(kPopupItems);
       std::u16string seen = dialog.title + u":";
       for (int row = 0; row < items.rowCount(); ++row) {
@@ -55,8 +60,8 @@ class PopupList : public ListTest {
                                         : items.paintRow(row).words()[0];
         seen += row == items.selectedRow() ? u" [" + name + u"]" : u" " + name;
       }
-      EXPECT_EQ(seen, level);
-    });
+      EXPECT_EQ(narrow(seen), narrow(level));
+    };
   }
   std::string kindOf(std::uint32_t record) {
     return fieldText(*database, database->records[record].bytes(), kKind, isoSettings()).text;
@@ -66,8 +71,8 @@ class PopupList : public ListTest {
 TEST_F(PopupList, LevelsAreWalkedAndAnItemTaken) {
   addThing("c");
   open();
-  sees(u"Kind: b: No Value [c]");
   popups()
+      .look(sees(u"Kind: b: No Value [c]"))
       .look(
           offers({u"Menu"}, {u"Back Level", u"Move Up", u"Move Down", u"Demote", u"Promote", u"New",
                              u"Rename", u"Delete", u"-Next Level", u"-Undo", u"-Redo", u"Cancel"}))
@@ -75,13 +80,11 @@ TEST_F(PopupList, LevelsAreWalkedAndAnItemTaken) {
       .look(offers({u"Menu"},
                    {u"-Back Level", u"-Move Up", u"-Move Down", u"-Demote", u"-Promote", u"New",
                     u"-Rename", u"-Delete", u"-Next Level", u"-Undo", u"-Redo", u"Cancel"}));
-  popups().press(Key::kLeft);
-  sees(u"Kind: a: No Value [b>] d");
-  popups().choose({u"Menu", u"Back Level"});
-  sees(u"Kind: No Value [a>] e");
+  popups().press(Key::kLeft).look(sees(u"Kind: a: No Value [b>] d"));
+  popups().choose({u"Menu", u"Back Level"}).look(sees(u"Kind: No Value [a>] e"));
   popups().type(u"E").press(Key::kRight);  // nothing lies below it
   popups().press(Key::kEnter);
-  form().look(selects(FormValue(kKind), 4)).choose({u"Done"});
+  form().look(selects(FormValue(kKind), 4));
   play();
   EXPECT_EQ(kindOf(0), "e");
   EXPECT_EQ(tree(), "a.b..c.de");
@@ -91,37 +94,30 @@ TEST_F(PopupList, EditsAreStepsThatUndoTakesBack) {
   addThing("c");
   addThing("d");
   open(1);
-  sees(u"Kind: a: No Value b> [d]");
-  popups().choose({u"Menu", u"New"});
+  popups().look(sees(u"Kind: a: No Value b> [d]")).choose({u"Menu", u"New"});
   text().press(Key::kEnter);
   world.phone.says(u"You must enter a Popup Value", u"Popup Error");
   text().type(u"b").press(Key::kEnter);
   world.phone.says(u"There is a \"b\" on this level already.", u"Popup Error");
   text().type(u"N").press(Key::kEnter);
-  sees(u"Kind: a: No Value b> d [N]");
-  popups().choose({u"Menu", u"Demote"});
-  sees(u"Kind: d: No Value [N]");
-  popups().choose({u"Menu", u"Demote"});
+  popups().look(sees(u"Kind: a: No Value b> d [N]")).choose({u"Menu", u"Demote"});
+  popups().look(sees(u"Kind: d: No Value [N]")).choose({u"Menu", u"Demote"});
   world.phone.says(u"There is no item before it on this level to go below.", u"Demote");
-  popups().press(Key::kLeft).choose({u"Menu", u"Move Up"});
-  sees(u"Kind: a: No Value [d>] b>");
-  popups().choose({u"Menu", u"Promote"});
-  sees(u"Kind: No Value a> [d>] e");
+  popups().press(Key::kLeft).choose({u"Menu", u"Move Up"}).look(sees(u"Kind: a: No Value [d>] b>"));
+  popups().choose({u"Menu", u"Promote"}).look(sees(u"Kind: No Value a> [d>] e"));
   popups().choose({u"Menu", u"Promote"});
   world.phone.says(u"The item is on the top level already.", u"Promote");
   popups().choose({u"Menu", u"Rename"});
   text().write(kPopupTextBox, u"Dog").press(Key::kEnter);
-  sees(u"Kind: No Value a> [Dog>] e");
+  popups().look(sees(u"Kind: No Value a> [Dog>] e"));
   popups().choose({u"Menu", u"Undo Rename of popup item"});
-  popups().press(Key::kRedo).press(Key::kUndo).press(Key::kUndo);
-  sees(u"Kind: a: No Value [d>] b>");
+  popups().press(Key::kRedo).press(Key::kUndo, 2).look(sees(u"Kind: a: No Value [d>] b>"));
   popups().choose({u"Menu", u"Redo Promotion of popup item"}).choose({u"Menu", u"Cancel"});
   form().choose({u"Menu", u"Undo Promotion of popup item"}).choose({u"Menu", u"Popup"});
   popups().look([](FakeDialog& dialog) {  // what was done before this screen is not its to undo
     EXPECT_EQ(dialog.menuTexts({u"Menu"})[9], u"-Undo");
   });
   popups().press(Key::kBack);
-  form().choose({u"Done"});
   play();
   EXPECT_EQ(tree(), "a.d..N.b..ce");
   EXPECT_EQ(kindOf(0) + kindOf(1), "cd");
@@ -135,15 +131,12 @@ TEST_F(PopupList, NewItemsGoBehindTheSelectedOneOrBelowTheParentShown) {
     text().type(name).press(Key::kEnter);
   };
   add(u"N");  // behind all that lies below a
-  sees(u"Kind: No Value a> [N] e");
-  popups().row(kPopupItems, 1).press(Key::kRight).row(kPopupItems, 0);
+  popups().look(sees(u"Kind: No Value a> [N] e")).row(kPopupItems, 1);
+  popups().press(Key::kRight).row(kPopupItems, 0);
   add(u"F");
-  sees(u"Kind: a: No Value [F] b> d");
-  popups().press(Key::kLeft).row(kPopupItems, 0);
+  popups().look(sees(u"Kind: a: No Value [F] b> d")).press(Key::kLeft).row(kPopupItems, 0);
   add(u"Z");
-  sees(u"Kind: No Value a> N e [Z]");
-  popups().choose({u"Done"});
-  form().choose({u"Done"});
+  popups().look(sees(u"Kind: No Value a> N e [Z]")).choose({u"Done"});
   play();
   EXPECT_EQ(tree(), "a.F.b..c.dNeZ");
   EXPECT_EQ(kindOf(0), "Z");
@@ -163,17 +156,16 @@ TEST_F(PopupList, DeletedItemsAreAskedAboutWhereRecordsUseThem) {
       u"\"b\" and the 1 item below it are used by 2 records, which will show \"No Value\". "
       u"Delete them?";
   remove(u"\"e\" is used by 1 record, which will show \"No Value\". Delete it?");
-  sees(u"Kind: No Value [a>]");
-  popups().press(Key::kRight);
+  popups().look(sees(u"Kind: No Value [a>]")).press(Key::kRight);
   remove(branch, false);
   popups().row(kPopupItems, 2);
   remove();  // nobody would miss it
-  sees(u"Kind: a: No Value [b>]");
+  popups().look(sees(u"Kind: a: No Value [b>]"));
   remove(branch);
-  sees(u"Kind: No Value [a]");
+  popups().look(sees(u"Kind: No Value [a]"));
   popups().choose({u"Menu", u"Undo Delete of 2 popup items"}).press(Key::kBack);
   form().look(selects(FormValue(kKind), 3));  // "No Value"
-  form().write(FormValue(kName), u"kept").choose({u"Done"});
+  form().write(FormValue(kName), u"kept");
   play();
   EXPECT_EQ(tree(), "a.b..c");
   EXPECT_EQ(kindOf(0) + kindOf(1) + kindOf(2), "cbNo Value");
@@ -189,7 +181,7 @@ TEST_F(PopupList, SortedRecordsFollowANewNameAndTheFormItsRecord) {
   popups().choose({u"Menu", u"Rename"});
   text().write(kPopupTextBox, u"zebra").press(Key::kEnter);
   popups().press(Key::kBack);
-  form().write(FormValue(kName), u"striped").choose({u"Done"});
+  form().write(FormValue(kName), u"striped");
   play();
   EXPECT_EQ(kindOf(0) + " " + kindOf(1), "e zebra");
   EXPECT_EQ(fieldText(*database, database->records[1].bytes(), kName, isoSettings()).text,
@@ -203,7 +195,6 @@ TEST_F(PopupList, FullListsTakeNoMore) {
   popups().choose({u"Menu", u"New"});
   world.phone.says(u"You have reached the maximum number of popups allowed!", u"Sorry!");
   popups().choose({u"Menu", u"Cancel"});
-  form().choose({u"Done"});
   play();
   EXPECT_EQ(database->fields[kKind].items.size(), 60u);
 }
@@ -216,7 +207,6 @@ TEST_F(PopupList, WithoutTheRightItemsAreOnlyChosen) {
   popups().choose({u"Back Level"}).choose({u"Back Level"}).choose({u"Cancel"});
   form().activate(FormValue(kKind));
   world.phone.offers(u"No Value");
-  form().choose({u"Done"});
   play();
   EXPECT_EQ(kindOf(0), "No Value");
 }
