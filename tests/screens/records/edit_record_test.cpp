@@ -1,8 +1,8 @@
 #include "screens/records/edit_record.h"
 
-#include "record_screens.h"
 #include "screens/records/note_text.h"
 #include "screens/records/record_details.h"
+#include "screens/records/record_screens.h"
 #include "security/access_rights.h"
 
 namespace tabelion {
@@ -70,7 +70,7 @@ TEST_F(EditRecord, ShowsEveryValueAndStoresNothingUnchanged) {
       })
       .look(standsAt(kName))
       .choose({u"Done"});
-  closeAndPlay();
+  closeAndRun();
   EXPECT_EQ(changedSlots(0), std::vector<int>{});
   EXPECT_EQ(world.files.replaces, 1);  // only the one that made the file
 }
@@ -93,7 +93,7 @@ TEST_F(EditRecord, StoresExactlyTheSlotsThatChanged) {
       .type(u"\n3")
       .choose({u"Done"});
   form().press(Key::kPageDown).look(shows(kName, u"Dragon")).choose({u"Done"});
-  closeAndPlay();
+  closeAndRun();
   EXPECT_EQ(changedSlots(1), std::vector<int>{kName});
   EXPECT_EQ(changedSlots(0), (std::vector<int>{kKind, kPaid, kRemark, kDay}));
   EXPECT_EQ(text(0, kKind), "Hammer");
@@ -110,7 +110,7 @@ TEST_F(EditRecord, DatesAndTimesShowWhatWasUnderstood) {
   open(0);
   form().write(FormValue(kDay), u"3/4/06").focus(FormValue(kHour)).look(shows(kDay, u"3/4/1906"));
   form().write(FormValue(kDay), u"").choose({u"Done"});
-  closeAndPlay();
+  closeAndRun();
   EXPECT_EQ(changedSlots(1), std::vector<int>{kName});
   EXPECT_EQ(text(0, kDay), "NO DATE");
 }
@@ -137,7 +137,7 @@ TEST_F(EditRecord, NoDateIsStoredThatNobodyTypedOrSaw) {
   form().look(typed(u"5/6/26")).type(u"5/6/2026").write(FormValue(kHour), u"17:05");
   form().press(Key::kEnter);
   world.phone.asks(u"\"Hour\" is understood as 5:05:00PM. Store it?", title, MessageAnswer::kYes);
-  closeAndPlay();
+  closeAndRun();
   EXPECT_EQ(text(0, kDay), "2026-05-06");
   EXPECT_EQ(text(0, kHour), "17:05:00");
   EXPECT_EQ(after->records.count(), 2u);
@@ -148,7 +148,7 @@ TEST_F(EditRecord, TypingInABoxThatOneArrivesAtReplacesItsText) {
   database->schema.fields[kCount].type = FieldType::kUnused;
   open(0);
   form().type(u"1").focus(FormValue(kHour)).press(Key::kUp).type(u"12/31/2031").choose({u"Done"});
-  closeAndPlay();
+  closeAndRun();
   EXPECT_EQ(text(0, kPrice), "12.501");
   EXPECT_EQ(text(0, kDay), "2031-12-31");
 }
@@ -158,7 +158,7 @@ TEST_F(EditRecord, LeavingByBackSavesAndCancelDoesNot) {
   form().write(FormValue(kName), u"Axe").focus(FormValue(kPaid)).press(Key::kBack);
   open(1);
   form().write(FormValue(kName), u"Lost").choose({u"Menu", u"Cancel"});
-  closeAndPlay();
+  closeAndRun();
   EXPECT_EQ(text(0, kName), "Axe");
   EXPECT_EQ(text(1, kName), "Kite");
 }
@@ -175,7 +175,7 @@ TEST_F(EditRecord, RefusesWhatAFieldCannotHold) {
   form().write(FormValue(kHour), u"").write(FormValue(kCount), u"many").choose({u"Done"});
   world.phone.says(u"\"Count\" is not a whole number.", u"Edit Record");
   form().write(FormValue(kCount), u"-7").choose({u"Done"});
-  closeAndPlay();
+  closeAndRun();
   EXPECT_EQ(text(0, kName), "a\x80");
   EXPECT_EQ(text(0, kCount), "-7");
   EXPECT_EQ(text(0, kPrice), "1.5");
@@ -204,7 +204,7 @@ TEST_F(EditRecord, NumberBoxesGetTheirSignFromTheMenu) {
   form().focus(FormValue(kPrice)).choose(change_sign).choose({u"Done"});  // a sign alone
   world.phone.says(u"\"Price\" is not a number.", u"Edit Record");
   form().type(u"3").choose(change_sign).look(shows(kPrice, u"-3")).choose({u"Done"});
-  closeAndPlay();
+  closeAndRun();
   EXPECT_EQ(text(0, kPrice), "-12.501");
   EXPECT_EQ(text(1, kPrice), "-3");
 }
@@ -235,7 +235,7 @@ TEST_F(EditRecord, DetailsTellWhenTheRecordWasMadeAndChanged) {
   form().press(Key::kPageDown);
   details(u"Not recorded", u"Not recorded");
   form().choose({u"Menu", u"Cancel"});
-  closeAndPlay();
+  closeAndRun();
 }
 
 TEST_F(EditRecord, NewRecordsGetNumberStampAndDefaults) {
@@ -248,7 +248,7 @@ TEST_F(EditRecord, NewRecordsGetNumberStampAndDefaults) {
   form().type(u"Lamp").choose({u"Menu", u"New Record"});
   form().look(shows(kName, u"")).type(u"Rug").choose({u"Done"});
   list().look(hasRows(4)).look(selects(3));
-  closeAndPlay();
+  closeAndRun();
   ASSERT_EQ(after->records.count(), 4u);
   EXPECT_EQ(text(2, kName), "Lamp");
   EXPECT_EQ(text(2, kNumber), "3");
@@ -268,7 +268,7 @@ TEST_F(EditRecord, MovesThroughTheRecordsAndStaysAtTheEnds) {
   form().focus(FormValue(kRemark)).press(Key::kPageUp).look(shows(kName, u"Saw"));
   form().look(standsAt(kRemark)).choose({u"Menu", u"New Record"}).look(standsAt(kName));
   form().choose({u"Menu", u"Cancel"});
-  closeAndPlay();
+  closeAndRun();
   EXPECT_EQ(text(1, kName), "Moved");
 }
 
@@ -280,7 +280,7 @@ TEST_F(EditRecord, DeletesAfterAQuestion) {
   }
   list().look(hasRows(1)).look(selects(0)).choose({u"New Record"});
   form().type(u"x").choose({u"Menu", u"Delete Record"});  // was never stored
-  closeAndPlay();
+  closeAndRun();
   EXPECT_EQ(after->records.count(), 1u);
   EXPECT_EQ(text(0, kName), "Saw");
 }
@@ -299,7 +299,7 @@ TEST_F(EditRecord, WidthChangesKeepWhatIsTyped) {
   };
   list().look(adjustment(72)).choose({u"Menu", u"Undo Change of width"}).look(adjustment(76));
   list().press(Key::kRedo);
-  closeAndPlay();
+  closeAndRun();
   EXPECT_EQ(after->schema.label_width_adjustment, 72);
   EXPECT_EQ(text(0, kName), "Saw");
 }
@@ -323,7 +323,7 @@ TEST_F(EditRecord, RecordsThatMayOnlyBeLookedAtTakeNoInput) {
   list().choose({u"New Record"});  // adding is another right
   form().look([](FakeDialog& d) { EXPECT_EQ(d.title, u"Edit Record"); });
   form().type(u"New").choose({u"Done"});
-  closeAndPlay();
+  closeAndRun();
   EXPECT_EQ(changedSlots(0), std::vector<int>{});
   EXPECT_EQ(text(2, kName), "New");
 }
@@ -337,7 +337,7 @@ TEST_F(EditRecord, EncryptedValuesAreShownAsXAndKept) {
   });
   form().write(FormValue(kName), u"mine");
   form().write(FormValue(kCount), u"4").choose({u"Done"});
-  closeAndPlay();
+  closeAndRun();
   EXPECT_EQ(changedSlots(0), std::vector<int>{kCount});
 }
 
@@ -360,7 +360,7 @@ TEST_F(EditRecord, RecordThatCannotBeStoredStaysInTheForm) {
       .choose({u"Done"});
   list().choose({u"New Record"});
   world.phone.says(full, u"New Record");
-  closeAndPlay();
+  closeAndRun();
   ASSERT_EQ(after->records.count(), 65000u);
   EXPECT_EQ(text(64999, kName), "Late");
 }

@@ -1,8 +1,8 @@
 // Enciphered databases and records, from the list and the form.
 #include <algorithm>
 
-#include "record_screens.h"
 #include "screens/files/save_question.h"
+#include "screens/records/record_screens.h"
 
 namespace tabelion {
 namespace {
@@ -67,7 +67,7 @@ TEST_F(Encryption, WholeDatabaseOpensWithItsPasswordAndIsEncipheredAgain) {
   close();
   newPassword(u"anotehr", u"another", kOtherPassword);
   newPassword(u"another", u"another", kOtherPassword);
-  play();
+  run();
   EXPECT_TRUE(isEnciphered(0) && isEnciphered(1));
   EXPECT_EQ(pin(1, "another"), "3333");
   EXPECT_TRUE(PasswordMatchesCheck(after->schema, "another"));
@@ -84,7 +84,7 @@ TEST_F(Encryption, ARememberedPasswordIsNotAskedForAndGuardsEverySave) {
   save();
   list().look([&](FakeDialog&) { EXPECT_FALSE(fileHolds("3333") || fileHolds("2222")); });
   list().look(lists(u"3333"));
-  closeAndPlay();
+  closeAndRun();
   EXPECT_EQ(pin(0, "sesame"), "3333");
   EXPECT_EQ(pin(1, "sesame"), "2222");
 }
@@ -104,14 +104,14 @@ TEST_F(Encryption, LookingAtADatabaseChangesNothingInItsFile) {
       cancelPassword();
       world.phone.asks(unchanged, u"QUESTION", MessageAnswer::kYes);
     }
-    play();
+    run();
     EXPECT_EQ(world.files.bytes(path), stored);
   }
   password(u"guess");
   world.phone.says(kTryAgain, u"ACCESS DENIED");
   cancelPassword();
   list().look(lists(u"XXXXX"));
-  closeAndPlay();
+  closeAndRun();
   EXPECT_EQ(world.files.bytes(path), stored);
 }
 
@@ -132,7 +132,7 @@ TEST_F(Encryption, DiscardingLeavesNothingInClear) {
     close();
     world.phone.at(kSaveQuestionScreen).activate(kDiscardChangesButton);
     if (!has_password) newPassword(u"sesame", u"sesame", kOnlyThisOpensThem);
-    play();
+    run();
     EXPECT_FALSE(fileHolds("3333") || fileHolds("4444") || fileHolds("2222"));
     EXPECT_EQ(pin(0, "sesame"), "3333");
   }
@@ -147,7 +147,7 @@ TEST_F(Encryption, ClosingWithoutAPasswordAsksBeforeLeavingRecordsUnprotected) {
   world.phone.asks(unprotected, u"QUESTION", MessageAnswer::kNo);
   cancelPassword();
   world.phone.asks(unprotected, u"QUESTION", MessageAnswer::kYes);
-  play();
+  run();
   EXPECT_FALSE(isEnciphered(0) || isEnciphered(1));
   EXPECT_EQ(text(0, kName), "Anne");
 }
@@ -164,7 +164,7 @@ TEST_F(Encryption, TextsThatOthersCannotReadBackAreNamedFirst) {
   close();
   world.phone.asks(named, u"QUESTION", MessageAnswer::kYes);
   newPassword(u"sesame", u"sesame", kOnlyThisOpensThem);
-  play();
+  run();
   EXPECT_EQ(pin(2, "sesame"), std::string(300, 'x'));
 }
 
@@ -188,7 +188,7 @@ TEST_F(Encryption, SavingEnciphersRecordByRecord) {
       u" Continue anyway?",
       u"QUESTION", MessageAnswer::kNo);
   password(u"sesame");
-  closeAndPlay();
+  closeAndRun();
   EXPECT_EQ(pin(0, "sesame"), "3333");
   EXPECT_EQ(pin(1, "sesame"), "4444");
 }
@@ -208,7 +208,7 @@ TEST_F(Encryption, OneRecordIsEncipheredAndDecipheredByHand) {
   form().look(shows(kPin, u"1111")).choose({u"Menu", u"Encrypt Record"});
   password(u"sesame");
   form().choose({u"Done"});
-  closeAndPlay();
+  closeAndRun();
   EXPECT_EQ(pin(0, "sesame"), "1111");
   EXPECT_FALSE(isEnciphered(1));
 }

@@ -1,8 +1,8 @@
-#include "record_screens.h"
 #include "screens/kit/pick_date.h"
 #include "screens/kit/pick_time.h"
 #include "screens/lists/moment_choices.h"
 #include "screens/records/record_form.h"
+#include "screens/records/record_screens.h"
 
 namespace tabelion {
 namespace {
@@ -26,7 +26,7 @@ class FormChoices : public RecordScreens {
   std::string stores() {
     form().choose({u"Done"});
     close();
-    playFile();
+    runFile();
     return text(0, kDay) + " " + text(0, kHour);
   }
 };

@@ -1,7 +1,7 @@
 #include "screens/records/record_list.h"
 
-#include "record_screens.h"
 #include "screens/records/list_columns.h"
+#include "screens/records/record_screens.h"
 #include "services/open_database.h"
 
 namespace tabelion {
@@ -52,7 +52,7 @@ TEST_F(RecordList, ShowsColumnsAndPaintsRows) {
     EXPECT_TRUE(list.paintRow(3).texts.empty());
     EXPECT_EQ(dialog.handler.rowText(dialog, kRecordList, 0), u"Emma, 474, 1");
   });
-  EXPECT_EQ(closeAndPlay(), kDialogClosed);
+  EXPECT_EQ(closeAndRun(), kDialogClosed);
   EXPECT_FALSE(IsDatabaseOpen(app));
 }
 
@@ -78,7 +78,7 @@ TEST_F(RecordList, FitsTheScreen) {
         })
         .press(Key::kLeft)
         .look([](FakeDialog& dialog) { EXPECT_EQ(dialog.fake(kRecordList).scrolled, 0); });
-    closeAndPlay();
+    closeAndRun();
   }
 }
 
@@ -94,7 +94,7 @@ TEST_F(RecordList, WideScreensShowTextsThatPhonesCut) {
     list().look([&](FakeDialog& dialog) {
       for (const auto& column : dialog.fake(kRecordList).columns()) found.push_back(column.width);
     });
-    closeAndPlay();
+    closeAndRun();
     return found;
   };
   EXPECT_EQ(widths(320), (std::vector<int>{75, 75, 75}));
@@ -119,7 +119,7 @@ TEST_F(RecordList, QuickFindSelectsTheFirstThatBeginsSo) {
   list().type(std::u16string(40, u'z')).look(selects(4));  // only 29 count
   list().press(Key::kBack, 28).type(u"Z").look(selects(4));
   list().press(Key::kUp).press(Key::kBack);  // after a move Back leaves the screen
-  play();
+  run();
 }
 
 TEST_F(RecordList, QuickFindPassesByWhatIsEnciphered) {
@@ -128,7 +128,7 @@ TEST_F(RecordList, QuickFindPassesByWhatIsEnciphered) {
   database->schema.encryption_mode = kEncryptRecordsByHand;
   world.markEnciphered(*database, 0);
   list().type(u"x").look(selects(1));
-  closeAndPlay();
+  closeAndRun();
 }
 
 // Compat: whatever the order.
@@ -145,7 +145,7 @@ TEST_F(RecordList, FirstRowOpensRecordZero) {
   form().look(shows(0, u"a")).choose({u"Menu", u"Cancel"});
   open(1);
   form().look(shows(0, u"b")).choose({u"Menu", u"Cancel"});
-  closeAndPlay();
+  closeAndRun();
 }
 
 TEST_F(RecordList, EmptyDatabaseOpensAFormThatTakesNothing) {
@@ -155,7 +155,7 @@ TEST_F(RecordList, EmptyDatabaseOpensAFormThatTakesNothing) {
     EXPECT_FALSE(dialog.fake(FormValue(1)).face.enabled);
   });
   form().choose({u"Done"});
-  closeAndPlay();
+  closeAndRun();
 }
 
 TEST_F(RecordList, SavesAndComesBackToTheSameRecord) {
@@ -168,10 +168,10 @@ TEST_F(RecordList, SavesAndComesBackToTheSameRecord) {
       u"full",
       u"Update");
   close();
-  playFile();
+  runFile();
   list().look(selects(2));
   close();
-  playFile();
+  runFile();
   ASSERT_EQ(world.phone.boxes.size(), 2u);
   EXPECT_EQ(world.phone.boxes[0].icon, MessageIcon::kInformation);
   EXPECT_EQ(world.phone.boxes[1].icon, MessageIcon::kError);
@@ -209,7 +209,7 @@ TEST_F(RecordList, RefusesADatabaseWhoseFormCannotBe) {
   database->schema.encryption_mode = kEncryptWholeDatabase;
   world.markEnciphered(*database, 0);
   world.phone.says(u"This database appears to be corrupt.", u"Open Database");
-  EXPECT_EQ(play(), kDialogClosed);
+  EXPECT_EQ(run(), kDialogClosed);
   EXPECT_FALSE(IsDatabaseOpen(app));
 }
 
@@ -219,9 +219,9 @@ TEST_F(RecordList, AskingForThePasswordGoesOnAfterAWrongOne) {
   setAreaText(database->schema.access_password, "sesame");
   password(u"sesam");
   world.phone.says(u"Invalid Password", u"Error");
-  closeAndPlay();
+  closeAndRun();
   cancelPassword();
-  playFile();
+  runFile();
 }
 
 }  // namespace

@@ -1,21 +1,18 @@
-// The record list and the form over one database, and the steps that scripts for them share.
+// The record list and the form over one database, compared before and after, and the steps that
+// scripts for them share.
 #pragma once
 
 #include <gmock/gmock.h>
 
-#include "screens/kit/screen_numbers.h"
+#include "screens/list_test.h"
 #include "screens/program/ask_password.h"
 #include "screens/records/edit_record.h"
-#include "screens/records/record_list.h"
 #include "security/database_encryption.h"
-#include "support/phone_world.h"
 
 namespace tabelion {
 
-class RecordScreens : public testing::Test {
+class RecordScreens : public ListTest {
  protected:
-  using Look = std::function<void(FakeDialog&)>;
-
   // Names, and PINs that are to be enciphered.
   void makeSafe(EncryptionMode mode) {
     database = world.make("Safe", {{"Name"}, {"Pin"}}, {{"Anna", "1111"}, {"Bert", "2222"}});
@@ -29,12 +26,12 @@ class RecordScreens : public testing::Test {
     SetPasswordCheck(database->schema, with_password, world.engine.random);
   }
 
-  // Plays the script on the database, which becomes a file.
-  int play() {
+  // Runs the script on the database, which becomes a file.
+  int run() {
     path = world.store(*database);
-    return playFile();
+    return runFile();
   }
-  int playFile() {
+  int runFile() {
     stored = world.files.bytes(path);
     before = world.read(path);
     int result = 0;
@@ -43,13 +40,11 @@ class RecordScreens : public testing::Test {
     return result;
   }
 
-  int closeAndPlay() {
+  int closeAndRun() {
     close();
-    return play();
+    return run();
   }
 
-  ScreenScript list() { return world.phone.at(kRecordListScreen); }
-  ScreenScript form() { return world.phone.at(kEditRecordScreen); }
   void open(int row) { list().row(kRecordList, row).press(Key::kEnter); }
   void change(int row, int slot, const std::u16string& text) {
     open(row);
@@ -65,13 +60,8 @@ class RecordScreens : public testing::Test {
   }
   void cancelPassword() { world.phone.at(kPasswordScreen).choose({u"Cancel"}); }
 
-  static Look shows(int slot, const std::u16string& text) {
-    return [=](FakeDialog& dialog) { EXPECT_EQ(dialog.fake(FormValue(slot)).text(), text); };
-  }
-  static Look standsAt(int slot) {
-    return
-        [=](FakeDialog& dialog) { EXPECT_TRUE(dialog.fake(FormValue(slot)).hasFocus()) << slot; };
-  }
+  static Look shows(int slot, const std::u16string& text) { return reads(FormValue(slot), text); }
+  static Look standsAt(int slot) { return hasFocus(FormValue(slot)); }
   static Look selects(int row) {
     return [=](FakeDialog& dialog) { EXPECT_EQ(dialog.fake(kRecordList).selectedRow(), row); };
   }
@@ -94,9 +84,6 @@ class RecordScreens : public testing::Test {
     return fieldText(*after, clear, 1, isoSettings()).text;
   }
 
-  PhoneWorld world;
-  Application app{world.platform};
-  std::unique_ptr<Database> database;
   std::string path;
   std::vector<std::uint8_t> stored;  // the file before the script,
   std::unique_ptr<Database> before;  // what it holds,

@@ -1,7 +1,7 @@
 // Undo and Redo in the list and the form.
 #include "screens/records/undo.h"
 
-#include "record_screens.h"
+#include "screens/records/record_screens.h"
 #include "security/access_rights.h"
 
 namespace tabelion {
@@ -16,8 +16,8 @@ class Undo : public RecordScreens {
     database->schema.sort[0] = {0, 1};
   }
   // Whatever is in the list at the end is closed without a question: nothing may be left to save.
-  void playWithoutTrace() {
-    closeAndPlay();
+  void runWithoutTrace() {
+    closeAndRun();
     EXPECT_EQ(world.files.bytes(path), stored);
   }
   // Rows in the list, the selected one in brackets.
@@ -62,7 +62,7 @@ TEST_F(Undo, TheListTakesBackWhatTheFormDid) {
   list().choose({u"Menu", u"Redo Delete of record"}).press(Key::kRedo).look(lists("A[B]X"));
   list().press(Key::kUndo, 3).look(lists("A[B]C"));
   list().look(offers({u"-Undo", u"Redo Edit of record"}));
-  playWithoutTrace();
+  runWithoutTrace();
 }
 
 TEST_F(Undo, InTheFormTypingComesFirstAndIsNeverLost) {
@@ -77,7 +77,7 @@ TEST_F(Undo, InTheFormTypingComesFirstAndIsNeverLost) {
   form().choose({u"Menu", u"Undo Edit of record"}).write(FormValue(1), u"7");
   form().look(offers({u"Undo Edit of record", u"-Redo Edit of record"}));
   form().press(Key::kRedo).look(shows(1, u"7")).choose({u"Menu", u"Cancel"});
-  playWithoutTrace();
+  runWithoutTrace();
 }
 
 TEST_F(Undo, ANewRecordGoesAndTheOneBeforeItIsShown) {
@@ -87,7 +87,7 @@ TEST_F(Undo, ANewRecordGoesAndTheOneBeforeItIsShown) {
   form().press(Key::kRedo).look(shows(0, u"Aa")).press(Key::kPageDown).look(shows(0, u"B"));
   form().press(Key::kUndo).look(shows(0, u"B")).choose({u"Done"});
   list().look(lists("A[B]C"));
-  playWithoutTrace();
+  runWithoutTrace();
 }
 
 TEST_F(Undo, AFormWithoutRecordsCloses) {
@@ -95,7 +95,7 @@ TEST_F(Undo, AFormWithoutRecordsCloses) {
   list().choose({u"New Record"});
   form().write(FormValue(0), u"X").press(Key::kPageUp).press(Key::kUndo);
   list().look(lists("")).press(Key::kRedo).look(lists("[X]")).press(Key::kUndo);
-  playWithoutTrace();
+  runWithoutTrace();
 }
 
 TEST_F(Undo, AGroupOfRecordsIsOneStep) {
@@ -131,7 +131,7 @@ TEST_F(Undo, AGroupOfRecordsIsOneStep) {
   list().choose({u"Menu", u"Delete", u"All Records"});
   world.phone.says(u"Sorry, You do Not have Security Access to Perform this Operation!",
                    u"ACCESS DENIED");
-  playWithoutTrace();
+  runWithoutTrace();
 }
 
 TEST_F(Undo, ASaveMakesTheStatesBeforeItChangedOnes) {
@@ -139,7 +139,7 @@ TEST_F(Undo, ASaveMakesTheStatesBeforeItChangedOnes) {
   change(0, 1, u"5");
   save();
   list().press(Key::kUndo).look([&](FakeDialog&) { EXPECT_TRUE(isDirty(CurrentDatabase(app))); });
-  closeAndPlay();
+  closeAndRun();
   EXPECT_EQ(text(0, 1), "1");
 }
 
@@ -164,7 +164,7 @@ TEST_F(Undo, AnEncipheredRecordIsItsOldSelfAgainForWhoKnowsThePassword) {
   form().look(shows(1, u"XX")).press(Key::kUndo);
   password(u"sesame");
   form().look(shows(1, u"1")).choose({u"Done"});
-  playWithoutTrace();
+  runWithoutTrace();
 }
 
 }  // namespace
