@@ -184,9 +184,6 @@ TEST_F(EditRecord, RefusesWhatAFieldCannotHold) {
 
 TEST_F(EditRecord, NumberBoxesGetTheirSignFromTheMenu) {
   const std::vector<std::u16string> change_sign{u"Menu", u"Change Sign"};
-  const auto refused = [this] {
-    world.phone.says(u"Wrong Float Value Entered.", u"ACCESS DENIED");
-  };
   open(0);
   form()
       .look([](FakeDialog& d) {
@@ -195,10 +192,10 @@ TEST_F(EditRecord, NumberBoxesGetTheirSignFromTheMenu) {
       .focus(FormValue(kKind))
       .press(Key::kUp)  // the whole price is selected: typing replaces it
       .type(u"-");
-  refused();
+  world.phone.says(u"Wrong Float Value Entered.", u"ACCESS DENIED");
   form().look(shows(kPrice, u"12.50")).choose(change_sign).look(shows(kPrice, u"-12.50"));
   form().type(u"1").look(shows(kPrice, u"-12.501")).type(u"-");
-  refused();
+  world.phone.says(u"Wrong Float Value Entered.", u"ACCESS DENIED");
   form().choose({u"Done"});
   open(1);
   form().focus(FormValue(kPrice)).choose(change_sign).choose({u"Done"});  // a sign alone

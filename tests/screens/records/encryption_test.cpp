@@ -17,25 +17,12 @@ const std::u16string kOtherPassword =
 const std::u16string kOnlyThisOpensThem =
     u"From now on only this password opens the encrypted records. Please enter it once more.";
 
-const std::u16string kOnlyThisOpensIt =
-    u"From now on only this password opens the record. Please enter it once more.";
-
 enum Slot { kName, kPin };
 
 class Encryption : public RecordScreens {
  protected:
   void SetUp() override { app.preferences.auto_save_on_close = true; }
 
-  // A password that nothing tells the truth of is asked for twice.
-  void newPassword(const std::u16string& typed, const std::u16string& again,
-                   const std::u16string& notice) {
-    password(typed);
-    world.phone.says(notice, u"Update");
-    password(again);
-    if (again != typed) {
-      world.phone.says(u"The two passwords differ. Nothing has been encrypted.", u"Error");
-    }
-  }
   static Look lists(const std::u16string& pin) {
     return [pin](FakeDialog& d) {
       EXPECT_EQ(d.fake(kRecordList).paintRow(0).words(),

@@ -26,8 +26,7 @@ FormLayout layOut(const DatabaseRecord& schema, int width) {
 TEST(FormLayout, PlacesEveryRowByItsType) {
   struct Case {
     std::vector<FieldType> types;
-    Rect label;
-    Rect value;
+    Rect label, value;
     bool icon;
     int step;
   };
@@ -53,7 +52,6 @@ TEST(FormLayout, PlacesEveryRowByItsType) {
       EXPECT_EQ(row.value, expected.value);
       EXPECT_EQ(row.icon, expected.icon ? std::optional(Rect{1, 12, 20, 20}) : std::nullopt);
       EXPECT_EQ(layout.rows[1].value.y - row.value.y, expected.step);
-      EXPECT_EQ(layout.rows[1].label.y - row.label.y, expected.step);
     }
   }
 }

@@ -11,6 +11,9 @@
 
 namespace tabelion {
 
+inline const std::u16string kOnlyThisOpensIt =
+    u"From now on only this password opens the record. Please enter it once more.";
+
 class RecordScreens : public ListTest {
  protected:
   // Names, and PINs that are to be enciphered.
@@ -57,6 +60,16 @@ class RecordScreens : public ListTest {
   void close() { list().choose({u"Menu", u"Close"}); }
   void password(const std::u16string& typed) {
     world.phone.at(kPasswordScreen).type(typed).choose({u"OK"});
+  }
+  // A password that nothing tells the truth of is asked for twice.
+  void newPassword(const std::u16string& typed, const std::u16string& again,
+                   const std::u16string& notice) {
+    password(typed);
+    world.phone.says(notice, u"Update");
+    password(again);
+    if (again != typed) {
+      world.phone.says(u"The two passwords differ. Nothing has been encrypted.", u"Error");
+    }
   }
   void cancelPassword() { world.phone.at(kPasswordScreen).choose({u"Cancel"}); }
 

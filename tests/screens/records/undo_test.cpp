@@ -148,10 +148,7 @@ TEST_F(Undo, AnEncipheredRecordIsItsOldSelfAgainForWhoKnowsThePassword) {
   database->schema.encryption_mode = kEncryptRecordsByHand;
   open(0);
   form().choose({u"Menu", u"Encrypt Record"});
-  password(u"sesame");
-  world.phone.says(u"From now on only this password opens the record. Please enter it once more.",
-                   u"Update");
-  password(u"sesame");
+  newPassword(u"sesame", u"sesame", kOnlyThisOpensIt);
   form().look(shows(1, u"XX")).choose({u"Menu", u"Decrypt Record"});
   password(u"sesame");
   form().look(shows(1, u"1")).choose({u"Menu", u"Undo Decryption of record"});
