@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "query/number_text.h"
 #include "query/report_picture.h"
@@ -17,6 +18,12 @@ constexpr double kLongestNumber = 1e15;
 constexpr int kMostDecimals = 3;  // of numbers that have a unit
 constexpr int kMostDigits = 12;
 constexpr double kNoRest = 1e-6;
+constexpr double kMostTicks = 1e15;  // that can be counted one by one
+
+// Of the larger one; the end of a range may lie beyond all numbers.
+double sizeOf(double least, double most) {
+  return std::min(std::max(std::fabs(least), std::fabs(most)), std::numeric_limits<double>::max());
+}
 
 int decimalsOf(double step) {
   for (int decimals = 0; decimals < kMostDigits; ++decimals) {
@@ -33,6 +40,8 @@ Ticks ticksAround(double least, double most, int wanted, bool whole) {
   const double raw = (most / 2 - least / 2) / std::max(1, wanted - 1) * 2;
   if (raw > 0) ticks.step = roundStep(raw);
   if (whole) ticks.step = std::max(1.0, ticks.step);
+  const double size = sizeOf(least, most);
+  if (size / ticks.step > kMostTicks) ticks.step = roundStep(size / kMostTicks);
   ticks.first = static_cast<std::int64_t>(std::floor(least / ticks.step));
   ticks.last = static_cast<std::int64_t>(std::ceil(most / ticks.step));
   if (ticks.last == ticks.first) ++ticks.last;
@@ -70,7 +79,7 @@ std::string NumberScale::unit() const {
 
 NumberScale scaleFor(double least, double most, double step, bool decimal_comma) {
   NumberScale scale{.decimal_comma = decimal_comma};
-  const double size = std::max(std::fabs(least), std::fabs(most));
+  const double size = sizeOf(least, most);
   if (size == 0 || (size >= kLeastNumber && size < kLargeNumber)) return scale;
   scale.exponent = 3 * static_cast<int>(std::floor(std::log10(size) / 3));
   // Numbers that differ in their last digits alone are clearer whole.

@@ -193,6 +193,10 @@ TEST_F(Charts, AxesAreRound) {
   EXPECT_EQ(ticks.step, 5);
   EXPECT_EQ(ticks.least(), -5);
   EXPECT_EQ(ticks.most(), 20);
+  const Ticks far = ticksAround(1e300, 1e300, 5, false);  // more steps of 1 than can be counted
+  EXPECT_LE(far.least(), 1e300);
+  EXPECT_GT(far.most(), 1e300);
+  EXPECT_EQ(scaleFor(0, std::numeric_limits<double>::infinity(), 1e307, false).exponent, 306);
   const std::tuple<double, double, const char*, const char*> numbers[] = {
       {1500000, 500000, "1,5", ", in millions"},
       {-2e9, 1e9, "-2", ", in billions"},
