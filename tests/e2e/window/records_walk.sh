@@ -104,9 +104,18 @@ shows "sign changed" F2 7
 shows "pop-up values" Down space
 shows "pop-up value" n Return
 shows "pop-up list" F2 1
-shows "new item" F2 7
+shows "new item" F2 6
 xdotool type Seed
 shows "item made" F1
+shows "rename" F2 7
+xdotool type Stone
+shows "item renamed" F1
+shows "item moved up" F2 2
+shows "item moved down" F2 3
+shows "item demoted" F2 4
+shows "item promoted" F2 5
+shows "item's deletion" F2 8
+shows "taken back" ctrl+z
 shows "pop-up list left" F1
 shows "checked" Down space
 shows "note" Down Down Return
@@ -124,7 +133,7 @@ saves "changed" has Seen
 has '-1.5' || fail "the sign is not in the file"
 has '2024-03-07' || fail "the date is not in the file"
 has "08:30" || fail "the time is not in the file"
-described '"Seed"' || fail "the item is not in the file"
+described '"Stone"' || fail "the item is not in the file"
 
 # A new record given up, a new one made, one deleted and taken back.
 shows "new given up" F1

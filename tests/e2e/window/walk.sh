@@ -1,9 +1,10 @@
 # What the walks in the real window share; each sources it with the arguments
 #   TABELION TABELION-CLI SAMPLES PICTURES
 # and leaves a picture of every step in PICTURES. Needs Xvfb, xdotool and import. Folders, settings
-# and the display are the walk's own.
+# and the display are the walk's own. WALK_SCREEN=320x240 in the environment walks on that screen.
 set -euo pipefail
 tabelion=$1 cli=$2 samples=$3 pictures=$4
+screen=${WALK_SCREEN:-240x320}
 
 work=$(mktemp -d)
 documents=$work/documents card=$work/card
@@ -64,12 +65,12 @@ settle() {
 }
 picture() {
   step=$((step + 1))
-  import -window root -crop 260x340+0+0 "$pictures/$(printf '%02d' $step)-$1.png" 2>/dev/null || true
+  import -window root -crop "$screen+0+0" "$pictures/$(printf '%02d' $step)-$1.png" 2>/dev/null || true
 }
 
 has_window() { xdotool search --onlyvisible --pid "$program" . >/dev/null 2>&1; }
 start() {
-  "$tabelion" --zoom 1 --documents "$documents" --card "$card" --samples "$samples" "$@" \
+  "$tabelion" --screen "$screen" --zoom 1 --documents "$documents" --card "$card" --samples "$samples" "$@" \
     >"$work/program.log" 2>&1 &
   program=$!
   until_true 30 has_window || fail "no window: $(cat "$work/program.log")"
