@@ -60,7 +60,8 @@ void SvgPicture::line(Point from, Point to, Color color, int width) {
                  from.x, from.y, to.x, to.y, colorText(color), width);
 }
 
-// An inner picture of the area's size cuts off what is too long.
+// An inner picture of the area's size cuts off what is too long. Many viewers cannot put the middle
+// of a text somewhere, so its line is put where the middle is that far above.
 void SvgPicture::text(const Rect& area, const std::u16string& text, Color color, TextWeight weight,
                       TextSide side) {
   if (text.empty() || area.width <= 0 || area.height <= 0) return;
@@ -72,7 +73,7 @@ void SvgPicture::text(const Rect& area, const std::u16string& text, Color color,
                                             : area.width;
   fmt::format_to(std::back_inserter(body_),
                  "<svg x=\"{}\" y=\"{}\" width=\"{}\" height=\"{}\"><text x=\"{}\" y=\"50%\" "
-                 "dominant-baseline=\"central\" text-anchor=\"{}\" fill=\"{}\"{}>{}</text></svg>\n",
+                 "dy=\"0.35em\" text-anchor=\"{}\" fill=\"{}\"{}>{}</text></svg>\n",
                  area.x, area.y, area.width, area.height, x, anchor, colorText(color),
                  weight == TextWeight::kSemiBold ? " font-weight=\"600\"" : "", escaped(text));
 }

@@ -1,6 +1,7 @@
 #include "interchange/charts/report_chart.h"
 
 #include <algorithm>
+#include <string_view>
 
 #include "interchange/charts/chart_labels.h"
 #include "interchange/charts/chart_sheet.h"
@@ -22,6 +23,7 @@ constexpr int kSvgFewestRows = 4;
 constexpr int kSvgCharacter = 8;
 constexpr int kSvgWideCharacter = 13;
 constexpr char16_t kFirstWide = 0x1100;
+constexpr std::u16string_view kWideLetters = u"MWmw@%";
 constexpr int kSvgLine = 15;
 
 void paintNumbers(const ChartSheet& sheet, const Rect& area, const ReportPicture& picture) {
@@ -62,7 +64,10 @@ void paintCharts(const ChartSheet& sheet, const Rect& area, const ReportPicture&
 
 int svgWidth(const std::u16string& text) {
   int width = 0;
-  for (const char16_t c : text) width += c < kFirstWide ? kSvgCharacter : kSvgWideCharacter;
+  for (const char16_t c : text) {
+    const bool is_wide = c >= kFirstWide || kWideLetters.find(c) != std::u16string_view::npos;
+    width += is_wide ? kSvgWideCharacter : kSvgCharacter;
+  }
   return width;
 }
 

@@ -229,7 +229,9 @@ TEST(SvgPicture, HasEveryMarkWhereItIsPainted) {
   EXPECT_THAT(svg, HasSubstr("<title>One </title>"));
   EXPECT_THAT(svg, HasSubstr(R"(<rect x="20" y="0" width="20" height="19" fill="#40bcff"/>)"));
   EXPECT_THAT(svg, HasSubstr(R"(<line x1="0.5" y1="19.5" x2="139.5" y2="19.5")"));
-  EXPECT_THAT(svg, HasSubstr(R"(text-anchor="middle" fill="#000000">&lt;&amp;&gt;</text>)"));
+  EXPECT_THAT(
+      svg,
+      HasSubstr(R"(y="50%" dy="0.35em" text-anchor="middle" fill="#000000">&lt;&amp;&gt;</text>)"));
 }
 
 }  // namespace
