@@ -8,6 +8,8 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
