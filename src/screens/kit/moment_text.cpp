@@ -2,6 +2,8 @@
 
 #include "query/field_text.h"
 #include "query/field_value.h"
+#include "services/message.h"
+#include "services/modal.h"
 #include "services/screen_text.h"
 
 namespace tabelion {
@@ -29,6 +31,37 @@ Result<Bytes> ValueOfBoxText(const Application& app, FieldType type, const std::
   const Result<std::string> stored = StoredText(app, text);
   if (!stored.ok()) return stored.error();
   return valueOfText(fieldOf(type), FieldRecord{}, *stored, app.level().formats, previous);
+}
+
+void MomentBox::Show(Dialog& dialog, ByteView value) const {
+  dialog.control(box_).setText(BoxTextOf(app_, type_, value));
+}
+
+Result<Bytes> MomentBox::Typed(Dialog& dialog) const {
+  return ValueOfBoxText(app_, type_, dialog.control(box_).text(), previous_);
+}
+
+void MomentBox::Done(Dialog& dialog) {
+  const Result<Bytes> typed = Typed(dialog);
+  if (typed.ok()) {
+    picked = *typed;
+    return dialog.end(kDialogDone);
+  }
+  ShowMessage(app_, u"\"" + name_ + u"\" " + FromUtf8(typed.error().text) + u".",
+              type_ == FieldType::kDate ? u"Choose Date" : u"Choose Time",
+              MessageIcon::kExclamation);
+  dialog.control(box_).focus();
+  dialog.control(box_).selectText();
+}
+
+bool MomentBox::OnAutoClose(Dialog& dialog) {
+  if (dialog.control(box_).text() == first_text_) return true;
+  if (Typed(dialog).ok() || !IsAlone(app_.closing)) {
+    Done(dialog);
+    return picked.has_value();
+  }
+  app_.not_stored.push_back(name_);
+  return true;
 }
 
 }  // namespace tabelion

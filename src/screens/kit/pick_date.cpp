@@ -8,7 +8,6 @@
 #include "screens/kit/month_grid.h"
 #include "screens/kit/row_layout.h"
 #include "screens/kit/screen_numbers.h"
-#include "services/message.h"
 #include "services/screen_text.h"
 
 namespace tabelion {
@@ -40,7 +39,9 @@ Bytes valueOf(std::uint32_t days) {
 class DateScreen : public CommandScreen<DateScreen> {
  public:
   DateScreen(Application& app, std::u16string name, std::uint32_t days)
-      : app_(app), name_(std::move(name)), days_(std::clamp(days, kFirstDay, lastDay())) {}
+      : app_(app),
+        box_(app, FieldType::kDate, kDateBox, std::move(name), {}),
+        days_(std::clamp(days, kFirstDay, lastDay())) {}
 
   CommandTable<DateScreen> Commands(Dialog&) {
     using Self = DateScreen;
@@ -61,7 +62,7 @@ class DateScreen : public CommandScreen<DateScreen> {
     ShowCommands(dialog);
     onResize(dialog);
     GoTo(dialog, days_);
-    first_text_ = dialog.control(kDateBox).text();
+    box_.Begin(dialog);
   }
   void onResize(Dialog& dialog) override {
     const int line = dialog.textSize(u"X", 0).height;
@@ -84,9 +85,12 @@ class DateScreen : public CommandScreen<DateScreen> {
   void onNotice(Dialog& dialog, ControlId control, Notice notice) override {
     if (control == kDateBox && notice == Notice::kEdited) ShowTyped(dialog);
   }
-  bool OnAutoClose(Dialog& dialog) override;
+  bool OnAutoClose(Dialog& dialog) override { return box_.OnAutoClose(dialog); }
 
-  std::optional<std::uint32_t> picked;
+  std::optional<std::uint32_t> picked() const {
+    if (!box_.picked) return std::nullopt;
+    return numberOfValue(*box_.picked);
+  }
 
  private:
   std::uint32_t Today() const {
@@ -94,20 +98,16 @@ class DateScreen : public CommandScreen<DateScreen> {
     return daysSince1904(now.month, now.day, now.year);
   }
   MonthGrid Grid(Dialog& dialog) const;
-  Result<Bytes> Typed(Dialog& dialog) const {
-    return ValueOfBoxText(app_, FieldType::kDate, dialog.control(kDateBox).text(), {});
-  }
   void GoTo(Dialog& dialog, std::int64_t days);
   void GoByMonths(Dialog& dialog, int months);
   void GoToToday(Dialog& dialog) { GoTo(dialog, Today()); }
   void ShowTyped(Dialog& dialog);
-  void Done(Dialog& dialog);
+  void Done(Dialog& dialog) { box_.Done(dialog); }
   void Cancel(Dialog& dialog) { dialog.end(kDialogClosed); }
 
   Application& app_;
-  const std::u16string name_;
+  MomentBox box_;
   std::uint32_t days_;  // on which the month stands
-  std::u16string first_text_;
 };
 
 MonthGrid DateScreen::Grid(Dialog& dialog) const {
@@ -128,7 +128,7 @@ MonthGrid DateScreen::Grid(Dialog& dialog) const {
 // The box says the same as the month.
 void DateScreen::GoTo(Dialog& dialog, std::int64_t days) {
   days_ = static_cast<std::uint32_t>(std::clamp<std::int64_t>(days, kFirstDay, lastDay()));
-  dialog.control(kDateBox).setText(BoxTextOf(app_, FieldType::kDate, valueOf(days_)));
+  box_.Show(dialog, valueOf(days_));
   ShowTyped(dialog);
 }
 
@@ -144,7 +144,7 @@ void DateScreen::GoByMonths(Dialog& dialog, int months) {
 
 // The month follows what is typed as soon as that is a date.
 void DateScreen::ShowTyped(Dialog& dialog) {
-  const Result<Bytes> typed = Typed(dialog);
+  const Result<Bytes> typed = box_.Typed(dialog);
   std::u16string words = u"No Date";
   if (!typed.ok()) {
     words = u"This " + FromUtf8(typed.error().text) + u".";
@@ -223,30 +223,6 @@ void DateScreen::onCanvasPressed(Dialog& dialog, ControlId, Point at) {
   }
 }
 
-void DateScreen::Done(Dialog& dialog) {
-  const Result<Bytes> typed = Typed(dialog);
-  if (typed.ok()) {
-    picked = numberOfValue(*typed);
-    return dialog.end(kDialogDone);
-  }
-  ShowMessage(app_, u"\"" + name_ + u"\" " + FromUtf8(typed.error().text) + u".", u"Choose Date",
-              MessageIcon::kExclamation);
-  dialog.control(kDateBox).focus();
-  dialog.control(kDateBox).selectText();
-}
-
-// Nobody has taken a date who only looked at the month. Where nobody is there to be asked, a text
-// that is no date leaves the value as it was.
-bool DateScreen::OnAutoClose(Dialog& dialog) {
-  if (dialog.control(kDateBox).text() == first_text_) return true;
-  if (Typed(dialog).ok() || !IsAlone(app_.closing)) {
-    Done(dialog);
-    return picked.has_value();
-  }
-  app_.not_stored.push_back(name_);
-  return true;
-}
-
 }  // namespace
 
 std::optional<std::uint32_t> PickDate(Application& app, const std::u16string& name,
@@ -269,7 +245,7 @@ std::optional<std::uint32_t> PickDate(Application& app, const std::u16string& na
   };
   DateScreen screen(app, name, days);
   RunModalDialog(app, dialog, screen);
-  return screen.picked;
+  return screen.picked();
 }
 
 }  // namespace tabelion

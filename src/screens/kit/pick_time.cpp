@@ -4,7 +4,6 @@
 #include "screens/kit/moment_text.h"
 #include "screens/kit/row_layout.h"
 #include "screens/kit/screen_numbers.h"
-#include "services/message.h"
 #include "services/screen_text.h"
 
 namespace tabelion {
@@ -22,7 +21,9 @@ Bytes valueOf(const TimeValue& time) {
 class TimeScreen : public CommandScreen<TimeScreen> {
  public:
   TimeScreen(Application& app, std::u16string name, const TimeValue& time)
-      : app_(app), name_(std::move(name)), first_(time) {}
+      : app_(app),
+        first_(time),
+        box_(app, FieldType::kTime, kTimeBox, std::move(name), valueOf(time)) {}
 
   CommandTable<TimeScreen> Commands(Dialog&) {
     return {.left = {kActionCommand, u"Done", &TimeScreen::Done},
@@ -31,8 +32,8 @@ class TimeScreen : public CommandScreen<TimeScreen> {
   }
   void onInit(Dialog& dialog) override {
     ShowCommands(dialog);
-    ShowInBox(dialog, first_);
-    first_text_ = dialog.control(kTimeBox).text();
+    box_.Show(dialog, valueOf(first_));
+    box_.Begin(dialog);
     ShowTyped(dialog);
     onResize(dialog);
     dialog.control(kHourBox).focus();
@@ -50,25 +51,21 @@ class TimeScreen : public CommandScreen<TimeScreen> {
     return CanStore(app_, character);
   }
   void onNotice(Dialog& dialog, ControlId control, Notice notice) override;
-  bool OnAutoClose(Dialog& dialog) override;
+  bool OnAutoClose(Dialog& dialog) override { return box_.OnAutoClose(dialog); }
 
-  std::optional<TimeValue> picked;
+  std::optional<TimeValue> picked() const {
+    if (!box_.picked) return std::nullopt;
+    return timeOfValue(*box_.picked);
+  }
 
  private:
-  Result<Bytes> Typed(Dialog& dialog) const {
-    return ValueOfBoxText(app_, FieldType::kTime, dialog.control(kTimeBox).text(), valueOf(first_));
-  }
-  void ShowInBox(Dialog& dialog, const TimeValue& time) {
-    dialog.control(kTimeBox).setText(BoxTextOf(app_, FieldType::kTime, valueOf(time)));
-  }
   void ShowTyped(Dialog& dialog);
-  void Done(Dialog& dialog);
+  void Done(Dialog& dialog) { box_.Done(dialog); }
   void Cancel(Dialog& dialog) { dialog.end(kDialogClosed); }
 
   Application& app_;
-  const std::u16string name_;
   const TimeValue first_;
-  std::u16string first_text_;
+  MomentBox box_;
 };
 
 void TimeScreen::onNotice(Dialog& dialog, ControlId control, Notice notice) {
@@ -78,14 +75,14 @@ void TimeScreen::onNotice(Dialog& dialog, ControlId control, Notice notice) {
                    .hour = static_cast<std::uint8_t>(dialog.control(kHourBox).selection()),
                    .fourth = first_.fourth};
     if (time.hour == first_.hour && time.minute == first_.minute) time.second = first_.second;
-    ShowInBox(dialog, time);
+    box_.Show(dialog, valueOf(time));
   }
   ShowTyped(dialog);
 }
 
 // Hour and minute follow what is typed as soon as that is a time.
 void TimeScreen::ShowTyped(Dialog& dialog) {
-  const Result<Bytes> typed = Typed(dialog);
+  const Result<Bytes> typed = box_.Typed(dialog);
   if (!typed.ok()) {
     dialog.control(kTimeWords).setText(u"This " + FromUtf8(typed.error().text) + u".");
     return;
@@ -95,30 +92,6 @@ void TimeScreen::ShowTyped(Dialog& dialog) {
   if (time.isNone()) return;
   dialog.control(kHourBox).select(time.hour);
   dialog.control(kMinuteBox).select(time.minute);
-}
-
-void TimeScreen::Done(Dialog& dialog) {
-  const Result<Bytes> typed = Typed(dialog);
-  if (typed.ok()) {
-    picked = timeOfValue(*typed);
-    return dialog.end(kDialogDone);
-  }
-  ShowMessage(app_, u"\"" + name_ + u"\" " + FromUtf8(typed.error().text) + u".", u"Choose Time",
-              MessageIcon::kExclamation);
-  dialog.control(kTimeBox).focus();
-  dialog.control(kTimeBox).selectText();
-}
-
-// Nobody has taken a time who only looked at it. Where nobody is there to be asked, a text that is
-// no time leaves the value as it was.
-bool TimeScreen::OnAutoClose(Dialog& dialog) {
-  if (dialog.control(kTimeBox).text() == first_text_) return true;
-  if (Typed(dialog).ok() || !IsAlone(app_.closing)) {
-    Done(dialog);
-    return picked.has_value();
-  }
-  app_.not_stored.push_back(name_);
-  return true;
 }
 
 }  // namespace
@@ -146,7 +119,7 @@ std::optional<TimeValue> PickTime(Application& app, const std::u16string& name,
   };
   TimeScreen screen(app, name, first);
   RunModalDialog(app, dialog, screen);
-  return screen.picked;
+  return screen.picked();
 }
 
 }  // namespace tabelion
