@@ -19,6 +19,7 @@
 #include <string>
 #include <vector>
 
+#include "screens/kit/screen_numbers.h"
 #include "services/modal.h"
 
 namespace tabelion {
@@ -92,6 +93,13 @@ class CommandScreen : public Handler {
 
  protected:
   void ShowCommands(Dialog& dialog) { dialog.setMenuBar(MenuBarOf(self().Commands(dialog))); }
+
+  // The keys for Undo and Redo give the commands of that name. True: it was one of them.
+  bool StepKey(Dialog& dialog, const KeyPress& key) {
+    if (key.key != Key::kUndo && key.key != Key::kRedo) return false;
+    onCommand(dialog, key.key == Key::kUndo ? kUndoCommand : kRedoCommand);
+    return true;
+  }
 
  private:
   S& self() { return static_cast<S&>(*this); }

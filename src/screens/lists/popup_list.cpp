@@ -163,21 +163,10 @@ void PopupListScreen::onNotice(Dialog& dialog, ControlId, Notice notice) {
 }
 
 bool PopupListScreen::onKey(Dialog& dialog, const KeyPress& key) {
-  switch (key.key) {
-    case Key::kLeft:
-      BackLevel(dialog);
-      return true;
-    case Key::kRight:
-      NextLevel(dialog);
-      return true;
-    case Key::kUndo:
-      Undo(dialog);
-      return true;
-    case Key::kRedo:
-      Redo(dialog);
-      return true;
-    default:
-      break;
+  if (StepKey(dialog, key)) return true;
+  if (key.key == Key::kLeft || key.key == Key::kRight) {
+    key.key == Key::kLeft ? BackLevel(dialog) : NextLevel(dialog);
+    return true;
   }
   const TypeToFind::Taken found =
       find_.onKey(dialog, key, [this](const std::u16string& typed) -> std::optional<int> {

@@ -104,22 +104,12 @@ void EditRecordScreen::onNotice(Dialog& dialog, ControlId control, Notice notice
 }
 
 bool EditRecordScreen::onKey(Dialog& dialog, const KeyPress& key) {
-  switch (key.key) {
-    case Key::kPageUp:
-      MoveTo(dialog, Move::kPrevious);
-      return true;
-    case Key::kPageDown:
-      MoveTo(dialog, Move::kNext);
-      return true;
-    case Key::kUndo:
-      Undo(dialog);
-      return true;
-    case Key::kRedo:
-      Redo(dialog);
-      return true;
-    default:
-      return form_.OnKey(dialog, key);
+  if (StepKey(dialog, key)) return true;
+  if (key.key == Key::kPageUp || key.key == Key::kPageDown) {
+    MoveTo(dialog, key.key == Key::kPageUp ? Move::kPrevious : Move::kNext);
+    return true;
   }
+  return form_.OnKey(dialog, key);
 }
 
 bool EditRecordScreen::acceptsCharacter(Dialog&, ControlId, char32_t character) {

@@ -259,10 +259,7 @@ void RecordListScreen::Redo(Dialog& dialog) {
 }
 
 bool RecordListScreen::onKey(Dialog& dialog, const KeyPress& key) {
-  if (key.key == Key::kUndo || key.key == Key::kRedo) {
-    key.key == Key::kUndo ? Undo(dialog) : Redo(dialog);
-    return true;
-  }
+  if (StepKey(dialog, key)) return true;
   if (key.key == Key::kLeft || key.key == Key::kRight) {
     dialog.list(kRecordList).scrollSideways(key.key == Key::kRight ? kScrollStep : -kScrollStep);
     return true;
