@@ -2,6 +2,7 @@
 // without one, turn by turn, on records that lie anywhere in memory. Beside it, what the bytes that
 // a step keeps cost in any case: taking memory for them and copying.
 #include <ctime>
+#include <memory>
 #include <string>
 
 #include "engine/packed_record.h"
@@ -26,13 +27,22 @@ class Stopwatch {
   std::clock_t start_ = std::clock();
 };
 
-void recordedStep(benchmark::State& state, const std::string& path) {
+struct OpenedFile {
+  explicit OpenedFile(const std::string& path) {
+    database.path = path;
+    opened = openDatabase(database, engine) == 1;
+  }
   StdFiles files;
   StdClock clock;
   Engine engine{.files = files, .clock = clock, .random = [] { return 1u; }};
   Database database;
-  database.path = path;
-  if (openDatabase(database, engine) != 1) return state.SkipWithError("cannot be opened");
+  bool opened = false;
+};
+
+void recordedStep(benchmark::State& state, const std::string& path) {
+  const auto file = std::make_unique<OpenedFile>(path);
+  if (!file->opened) return state.SkipWithError("cannot be opened");
+  Database& database = file->database;
   RecordStore& records = database.records;
   History history;
   std::uint32_t current = 0;
@@ -83,12 +93,9 @@ void recordedStep(benchmark::State& state, const std::string& path) {
 
 // Four or five in ten of all records, in one step; taken back for the next turn.
 void deleteWithinFilter(benchmark::State& state, const std::string& path) {
-  StdFiles files;
-  StdClock clock;
-  Engine engine{.files = files, .clock = clock, .random = [] { return 1u; }};
-  Database database;
-  database.path = path;
-  if (openDatabase(database, engine) != 1) return state.SkipWithError("cannot be opened");
+  const auto file = std::make_unique<OpenedFile>(path);
+  if (!file->opened) return state.SkipWithError("cannot be opened");
+  Database& database = file->database;
   QuerySettings settings;
   settings.formats = matchingSettings(LocaleInfo{});
   setCriterion(database, 0, kWeightSlot, kLowest, kHighestDeleted);
