@@ -1,5 +1,6 @@
 #include "screens/kit/moment_text.h"
 
+#include "engine/stored_value.h"
 #include "query/field_text.h"
 #include "query/field_value.h"
 #include "services/message.h"
@@ -16,6 +17,21 @@ FieldDefinition fieldOf(FieldType type) {
 }
 
 }  // namespace
+
+Bytes DateBytes(std::uint32_t days) {
+  Bytes value(sizeof days);
+  storeLe32(value.data(), days);
+  return value;
+}
+
+Bytes TimeBytes(const TimeValue& time) {
+  return {time.second, time.minute, time.hour, time.fourth};
+}
+
+std::uint32_t Today(const Application& app) {
+  const CalendarTime now = app.platform.clock.local();
+  return daysSince1904(now.month, now.day, now.year);
+}
 
 std::u16string BoxTextOf(const Application& app, FieldType type, ByteView value) {
   FormatSettings formats = app.level().formats;

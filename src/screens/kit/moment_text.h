@@ -1,13 +1,20 @@
-// Dates and times in boxes, by the rules of the record form.
+// Dates and times as they are stored, and in boxes, by the rules of the record form.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <utility>
 
+#include "query/time_text.h"
 #include "services/application.h"
 
 namespace tabelion {
+
+// What a record holds of a date (a count of days from 1904-01-01, 0 for none) and of a time.
+Bytes DateBytes(std::uint32_t days);
+Bytes TimeBytes(const TimeValue& time);
+std::uint32_t Today(const Application& app);
 
 // As a box shows a value, so that it reads back. `type` is kDate or kTime.
 std::u16string BoxTextOf(const Application& app, FieldType type, ByteView value);

@@ -30,11 +30,6 @@ std::uint32_t lastDay() {
 std::uint32_t daysOf(const CalendarDate& date) {
   return daysSince1904(date.month, date.day, date.year);
 }
-Bytes valueOf(std::uint32_t days) {
-  Bytes value(sizeof days);
-  storeLe32(value.data(), days);
-  return value;
-}
 
 class DateScreen : public CommandScreen<DateScreen> {
  public:
@@ -93,14 +88,10 @@ class DateScreen : public CommandScreen<DateScreen> {
   }
 
  private:
-  std::uint32_t Today() const {
-    const CalendarTime now = app_.platform.clock.local();
-    return daysSince1904(now.month, now.day, now.year);
-  }
   MonthGrid Grid(Dialog& dialog) const;
   void GoTo(Dialog& dialog, std::int64_t days);
   void GoByMonths(Dialog& dialog, int months);
-  void GoToToday(Dialog& dialog) { GoTo(dialog, Today()); }
+  void GoToToday(Dialog& dialog) { GoTo(dialog, Today(app_)); }
   void ShowTyped(Dialog& dialog);
   void Done(Dialog& dialog) { box_.Done(dialog); }
   void Cancel(Dialog& dialog) { dialog.end(kDialogClosed); }
@@ -128,7 +119,7 @@ MonthGrid DateScreen::Grid(Dialog& dialog) const {
 // The box says the same as the month.
 void DateScreen::GoTo(Dialog& dialog, std::int64_t days) {
   days_ = static_cast<std::uint32_t>(std::clamp<std::int64_t>(days, kFirstDay, lastDay()));
-  box_.Show(dialog, valueOf(days_));
+  box_.Show(dialog, DateBytes(days_));
   ShowTyped(dialog);
 }
 
@@ -151,7 +142,7 @@ void DateScreen::ShowTyped(Dialog& dialog) {
   } else if (const std::uint32_t days = numberOfValue(*typed); days != 0) {
     days_ = days;
     words = DateInWords(dateOfDayCount(days));
-    if (days == Today()) words += u", today";
+    if (days == Today(app_)) words += u", today";
   }
   dialog.control(kDateWords).setText(words);
   dialog.control(kMonthCanvas).repaint();
@@ -227,10 +218,7 @@ void DateScreen::onCanvasPressed(Dialog& dialog, ControlId, Point at) {
 
 std::optional<std::uint32_t> PickDate(Application& app, const std::u16string& name,
                                       std::uint32_t days) {
-  if (days == 0) {
-    const CalendarTime now = app.platform.clock.local();
-    days = daysSince1904(now.month, now.day, now.year);
-  }
+  if (days == 0) days = Today(app);
   DialogTemplate dialog;
   dialog.resource = kPickDateScreen;
   dialog.title = name;

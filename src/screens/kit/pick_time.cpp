@@ -14,16 +14,12 @@ constexpr ControlId kMinuteLabel = 6;
 constexpr ControlId kTimeLabel = 7;
 constexpr int kStepperWidth = 80;
 
-Bytes valueOf(const TimeValue& time) {
-  return {time.second, time.minute, time.hour, time.fourth};
-}
-
 class TimeScreen : public CommandScreen<TimeScreen> {
  public:
   TimeScreen(Application& app, std::u16string name, const TimeValue& time)
       : app_(app),
         first_(time),
-        box_(app, FieldType::kTime, kTimeBox, std::move(name), valueOf(time)) {}
+        box_(app, FieldType::kTime, kTimeBox, std::move(name), TimeBytes(time)) {}
 
   CommandTable<TimeScreen> Commands(Dialog&) {
     return {.left = {kActionCommand, u"Done", &TimeScreen::Done},
@@ -32,7 +28,7 @@ class TimeScreen : public CommandScreen<TimeScreen> {
   }
   void onInit(Dialog& dialog) override {
     ShowCommands(dialog);
-    box_.Show(dialog, valueOf(first_));
+    box_.Show(dialog, TimeBytes(first_));
     box_.Begin(dialog);
     ShowTyped(dialog);
     onResize(dialog);
@@ -75,7 +71,7 @@ void TimeScreen::onNotice(Dialog& dialog, ControlId control, Notice notice) {
                    .hour = static_cast<std::uint8_t>(dialog.control(kHourBox).selection()),
                    .fourth = first_.fourth};
     if (time.hour == first_.hour && time.minute == first_.minute) time.second = first_.second;
-    box_.Show(dialog, valueOf(time));
+    box_.Show(dialog, TimeBytes(time));
   }
   ShowTyped(dialog);
 }

@@ -6,6 +6,7 @@
 
 #include "engine/stored_value.h"
 #include "screens/kit/commands.h"
+#include "screens/kit/moment_text.h"
 #include "screens/kit/pick_date.h"
 #include "screens/kit/pick_time.h"
 #include "screens/kit/screen_numbers.h"
@@ -44,43 +45,33 @@ constexpr std::array kTimeMenu{kCurrentTime, kNoTime, Named{Choice::kChooseTime,
 constexpr std::array kDateList{kToday, kNoDate, kTomorrow, kOneWeek};
 constexpr std::array kTimeList{kCurrentTime, kNoTime};
 
-Bytes valueOfDays(std::uint32_t days) {
-  Bytes value(sizeof days);
-  storeLe32(value.data(), days);
-  return value;
-}
-
-Bytes valueOfTime(const TimeValue& time) {
-  return {time.second, time.minute, time.hour, time.fourth};
-}
-
 std::optional<Bytes> valueOf(Application& app, Choice choice, const MomentField& field) {
   const CalendarTime now = app.platform.clock.local();
-  const std::uint32_t today = daysSince1904(now.month, now.day, now.year);
+  const std::uint32_t today = Today(app);
   TimeValue time = timeOfValue(field.value);
   switch (choice) {
     case Choice::kToday:
-      return valueOfDays(today);
+      return DateBytes(today);
     case Choice::kTomorrow:
-      return valueOfDays(today + 1);
+      return DateBytes(today + 1);
     case Choice::kOneWeek:
-      return valueOfDays(today + kDaysPerWeek);
+      return DateBytes(today + kDaysPerWeek);
     case Choice::kNoDate:
-      return valueOfDays(0);
+      return DateBytes(0);
     case Choice::kChooseDate:
       if (const auto picked = PickDate(app, field.name, numberOfValue(field.value))) {
-        return valueOfDays(*picked);
+        return DateBytes(*picked);
       }
       return std::nullopt;
     case Choice::kCurrentTime:
       time.hour = static_cast<std::uint8_t>(now.hour);
       time.minute = static_cast<std::uint8_t>(now.minute);
       time.second = static_cast<std::uint8_t>(now.second);
-      return valueOfTime(time);
+      return TimeBytes(time);
     case Choice::kNoTime:
-      return valueOfTime({.fourth = time.fourth});
+      return TimeBytes({.fourth = time.fourth});
     case Choice::kChooseTime:
-      if (const auto picked = PickTime(app, field.name, time)) return valueOfTime(*picked);
+      if (const auto picked = PickTime(app, field.name, time)) return TimeBytes(*picked);
       return std::nullopt;
   }
   return std::nullopt;
